@@ -1,0 +1,280 @@
+// The one record of a run: plain process-wide data that the field functions, the front end's entry points and the
+// statistics all read and write on the host's calculation thread.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "common/matrix.h"
+#include "common/missing_value.h"
+
+namespace quorva {
+
+enum class RunStatus : int { Idle = 0, Initialised = 1, Prepared = 2, Running = 3, Analysing = 4 };
+
+enum class FieldKind : int { Distribution = 1, ScenarioVariable = 2, Result = 3, Statistic = 4 };
+
+/// Codes that the error record and the entry points share.
+namespace runerror {
+constexpr int errorFlagSet = -1;        ///< Cpp_SimNext: a field or a check has reported an error
+constexpr int labelUnknown = -1;        ///< a correlation label matches no distribution field
+constexpr int modelIncomplete = -2;     ///< no distribution, no result or no field at all
+constexpr int matrixUnusable = -2;      ///< correlation matrix not symmetric, or beyond repair
+constexpr int nothingRegistered = -3;   ///< nothing to simulate before Cpp_SimInit2
+constexpr int cellTaken = -10;          ///< two fields in one cell
+constexpr int notDescribed = -11;       ///< a field's cell that the description pass did not meet
+constexpr int tooManyCells = -12;       ///< nSim x nFields above the limit; a stream index of 0
+constexpr int tooManyFields = -13;      ///< more than 10,000 fields
+constexpr int noDrawInBounds = -14;     ///< retry limit of a truncated draw
+constexpr int cellBeyondGrid = -15;     ///< row or column beyond the grid
+constexpr int tooManySheets = -16;      ///< an 11th sheet, or a sheet that is not listed
+constexpr int duplicateName = -17;      ///< two fields share a name
+}  // namespace runerror
+
+/// Limits of a model.
+namespace limit {
+constexpr int gridRows = 65'000;
+constexpr int gridColumns = 256;  ///< accepted columns; the grid's stride is one less, see FieldGrid
+constexpr int sheets = 10;
+constexpr int fields = 10'000;
+constexpr int sampleCells = 64'000'000;
+constexpr int redraws = 10'000;
+}  // namespace limit
+
+/// Columns of FieldTable, one row per field. Columns 7 to 10 mean something else for each kind of field.
+namespace fieldcolumn {
+constexpr int kind = 1;
+constexpr int law = 2;        ///< law identifier of a distribution
+constexpr int statistic = 2;  ///< StatisticId of a statistic field
+constexpr int row = 3;
+constexpr int column = 4;
+constexpr int visible = 5;
+constexpr int convergence = 6;  ///< result: monitored for convergence when greater than 0
+constexpr int param1 = 7;       ///< distribution: first of four parameters
+constexpr int param2 = 8;
+constexpr int param3 = 9;
+constexpr int param4 = 10;
+constexpr int lowerBound = 7;  ///< scenario variable
+constexpr int upperBound = 8;
+constexpr int stepMode = 9;
+constexpr int step = 10;
+constexpr int referenceRow = 7;  ///< statistic field
+constexpr int referenceColumn = 8;
+constexpr int referenceSheet = 9;
+constexpr int defaultValue = 11;
+constexpr int lowerProbability = 13;
+constexpr int upperProbability = 14;
+constexpr int correlationGroup = 15;
+constexpr int correlationPosition = 16;
+constexpr int stream = 17;
+constexpr int capability = 18;
+constexpr int done = 19;  ///< drawn, recorded or computed in this iteration
+constexpr int sheetSlot = 20;
+constexpr int correlatedDraw = 21;
+constexpr int groupOpening = 22;
+constexpr int count = 22;
+}  // namespace fieldcolumn
+
+/// Columns of FieldFlags, one row per field: the running moments.
+namespace momentcolumn {
+constexpr int collect = 1;
+constexpr int weight = 2;
+constexpr int count = 3;
+constexpr int m2 = 4;
+constexpr int m3 = 5;
+constexpr int m4 = 6;
+constexpr int mean = 7;
+constexpr int minimum = 8;
+constexpr int maximum = 9;
+constexpr int columns = 9;
+}  // namespace momentcolumn
+
+/// Columns of CorrGroups, one row per correlation label.
+namespace groupcolumn {
+constexpr int group = 1;
+constexpr int drawn = 2;
+constexpr int field = 3;
+constexpr int stream = 4;
+constexpr int opening = 5;
+constexpr int count = 5;
+}  // namespace groupcolumn
+
+/// Cell to field number for one sheet: 65,000 rows of 255 entries, 0 where no field is. The stride is 255 while
+/// columns up to 255 are accepted, so column 255 shares its entry with column 0 of the next row; this is intended.
+class FieldGrid {
+public:
+    static constexpr std::size_t stride = 255;
+    static constexpr std::size_t entries = static_cast<std::size_t>(limit::gridRows) * stride;
+
+    bool allocated() const { return cells_ != nullptr; }
+    /// Makes all entries 0, allocating on first use. False when there is no memory for it.
+    bool clear();
+    void release() { cells_.reset(); }
+    /// The entry of a cell; 0 for a cell outside the grid and for a grid that does not exist.
+    std::uint32_t at(int row, int column) const { return inside(row, column) ? cells_[position(row, column)] : 0; }
+    /// Sets the entry of a cell; nothing outside the grid.
+    void set(int row, int column, std::uint32_t field) {
+        if (inside(row, column)) {
+            cells_[position(row, column)] = field;
+        }
+    }
+
+private:
+    static std::size_t position(int row, int column) {
+        return static_cast<std::size_t>(row) * stride + static_cast<std::size_t>(column);
+    }
+    bool inside(int row, int column) const {
+        return cells_ && row >= 0 && row < limit::gridRows && column >= 0 && column < limit::gridColumns &&
+               position(row, column) < entries;
+    }
+    struct Release {
+        void operator()(std::uint32_t* cells) const;
+    };
+    std::unique_ptr<std::uint32_t[], Release> cells_;
+};
+
+struct StatusFlags {
+    HostBool initialised = hostFalse;
+    HostBool prepared = hostFalse;
+    HostBool running = hostFalse;
+    HostBool analysing = hostFalse;
+
+    bool any() const { return isTrue(initialised) || isTrue(prepared) || isTrue(running) || isTrue(analysing); }
+    void clear() { *this = {}; }
+    void become(RunStatus status) {
+        clear();
+        initialised = toHostBool(status == RunStatus::Initialised);
+        prepared = toHostBool(status == RunStatus::Prepared);
+        running = toHostBool(status == RunStatus::Running);
+        analysing = toHostBool(status == RunStatus::Analysing);
+    }
+};
+
+struct CellLocation {
+    int line = 0;
+    int column = 0;
+    std::u16string sheet;
+};
+
+/// The last error of a run; cleared by Cpp_SimReset alone.
+struct ErrorRecord {
+    HostBool flag = hostFalse;
+    int code = 0;
+    CellLocation first;
+    CellLocation second;       ///< second cell of a two-cell error
+    std::u16string extraText;  ///< the duplicated name
+};
+
+struct SheetList {
+    HostBool workbookModel = hostFalse;
+    int inUse = 0;
+    std::array<std::uint32_t, limit::sheets> identifiers{};  ///< slot k is element k - 1
+    std::array<FieldGrid, limit::sheets> grids;              ///< slot 1 serves single-sheet models too
+};
+
+struct FieldTables {
+    int registered = 0;  ///< counted in the registration pass
+    int nFields = 0;     ///< numbered in the description pass
+    int nDist = 0;
+    int nSVar = 0;
+    int nRes = 0;
+    int nStat = 0;
+    int current = 0;                     ///< field number of the field evaluated last
+    matrix<double> FieldTable;           ///< registered x 22, see fieldcolumn
+    matrix<double> FieldFlags;           ///< registered x 9, see momentcolumn
+    matrix<std::u16string> FieldNames;   ///< registered x 2: field name, sheet name
+    matrix<double> FieldOrder;           ///< nFields x 1: place of an old field number in name order
+};
+
+/// State of the uniform generator, handed to every drawing function.
+struct SeedState {
+    int seed = 0;
+    HostBool initialise = hostFalse;
+    int updated = 0;
+    int inUse = 0;  ///< the seed that the run started from
+};
+
+struct SamplingState {
+    int nSim = 0;
+    int inbuckets = 0;  ///< Latin hypercube strata per distribution; 0: plain random sampling
+    int iteration = 0;  ///< number of the iteration being calculated
+    double lastValue = 0.0;
+    SeedState seed;
+    matrix<double> SampleStore;  ///< nSim x nFields
+    matrix<double> LhsTable;     ///< (inbuckets + 1) x nDist
+};
+
+/// How the correlation factor was made.
+enum class FactorMethod : int { None = 0, Triangular = 1, SquareRoot = 2 };
+
+struct CorrelationState {
+    HostBool UseCorr = hostFalse;
+    int nCorr = 0;
+    int groups = 0;
+    FactorMethod method = FactorMethod::None;
+    matrix<double> CorrFactor;
+    matrix<std::u16string> CorrLabels;
+    matrix<double> CorrGroups;  ///< nCorr x 5, see groupcolumn
+    matrix<double> CorrNormals;
+    matrix<double> CorrUniforms;
+};
+
+struct CapabilityState {
+    HostBool iUseSpc = hostFalse;
+    int inSpc = 0;
+    double iSpcConf = 0.0;
+    matrix<std::u16string> SpcLabels;
+    matrix<double> SpcTable;  ///< inSpc x 4: field number, LSL, USL, target
+};
+
+struct ConvergenceState {
+    HostBool iCheckConv = hostFalse;
+    double iconvPerc = 0.0;
+    double iconf = 0.0;
+    HostBool iallRes = hostFalse;
+    int inCrit = 0;
+    double ipercentile = 0.0;
+    HostBool firstCheck = hostFalse;
+    matrix<double> table;  ///< 3 x max(1, 2 nRes): bounds, movements, field numbers
+};
+
+struct TornadoState {
+    int iDefCase = 0;
+    int iIntMeth = 0;
+    double ialpha = 0.0;
+    int inbrPts = 0;
+    int point = 0;       ///< current point, from 1
+    int position = 0;    ///< current input position, from 1
+    int nextResult = 0;  ///< next result order number, from 1
+    int clockField = 0;  ///< the field whose evaluations advance the plan; 0: none yet
+    matrix<double> intervals;    ///< p x 5, as Cpp_SimEnd returns it
+    matrix<double> points;       ///< inbrPts x 2p: points, then clamp marks
+    matrix<double> store;        ///< (nRes inbrPts) x max(1, nFields)
+    matrix<int> resultOrder;     ///< nFields x 1
+};
+
+struct RunState {
+    StatusFlags status;
+    ErrorRecord error;
+    SheetList sheets;
+    FieldTables fields;
+    SamplingState sampling;
+    CorrelationState correlation;
+    CapabilityState capability;
+    ConvergenceState convergence;
+    TornadoState tornado;
+};
+
+/// The run of this process.
+extern RunState run;
+
+/// Sets flag, code and first location.
+void recordError(int code, int line, int column, const std::u16string& sheet);
+
+/// Row of SampleStore that the model fields write in the iteration being calculated.
+inline int sampleRow() { return (run.sampling.iteration - 1) % run.sampling.nSim + 1; }
+
+}  // namespace quorva
