@@ -19,19 +19,19 @@ enum class FieldKind : int { Distribution = 1, ScenarioVariable = 2, Result = 3,
 
 /// Codes that the error record and the entry points share.
 namespace runerror {
-constexpr int errorFlagSet = -1;        ///< Cpp_SimNext: a field or a check has reported an error
-constexpr int labelUnknown = -1;        ///< a correlation label matches no distribution field
-constexpr int modelIncomplete = -2;     ///< no distribution, no result or no field at all
-constexpr int matrixUnusable = -2;      ///< correlation matrix not symmetric, or beyond repair
-constexpr int nothingRegistered = -3;   ///< nothing to simulate before Cpp_SimInit2
-constexpr int cellTaken = -10;          ///< two fields in one cell
-constexpr int notDescribed = -11;       ///< a field's cell that the description pass did not meet
-constexpr int tooManyCells = -12;       ///< nSim x nFields above the limit; a stream index of 0
-constexpr int tooManyFields = -13;      ///< more than 10,000 fields
-constexpr int noDrawInBounds = -14;     ///< retry limit of a truncated draw
-constexpr int cellBeyondGrid = -15;     ///< row or column beyond the grid
-constexpr int tooManySheets = -16;      ///< an 11th sheet, or a sheet that is not listed
-constexpr int duplicateName = -17;      ///< two fields share a name
+constexpr int errorFlagSet = -1;       ///< Cpp_SimNext: a field or a check has reported an error
+constexpr int labelUnknown = -1;       ///< a correlation label matches no distribution field
+constexpr int modelIncomplete = -2;    ///< no distribution, no result or no field at all
+constexpr int matrixUnusable = -2;     ///< correlation matrix not symmetric, or beyond repair
+constexpr int nothingRegistered = -3;  ///< nothing to simulate before Cpp_SimInit2
+constexpr int cellTaken = -10;         ///< two fields in one cell
+constexpr int notDescribed = -11;      ///< a field's cell that the description pass did not meet
+constexpr int tooManyCells = -12;      ///< nSim x nFields above the limit; a stream index of 0
+constexpr int tooManyFields = -13;     ///< more than 10,000 fields
+constexpr int noDrawInBounds = -14;    ///< retry limit of a truncated draw
+constexpr int cellBeyondGrid = -15;    ///< row or column beyond the grid
+constexpr int tooManySheets = -16;     ///< an 11th sheet, or a sheet that is not listed
+constexpr int duplicateName = -17;     ///< two fields share a name
 }  // namespace runerror
 
 /// Limits of a model.
@@ -182,11 +182,11 @@ struct FieldTables {
     int nSVar = 0;
     int nRes = 0;
     int nStat = 0;
-    int current = 0;                     ///< field number of the field evaluated last
-    matrix<double> FieldTable;           ///< registered x 22, see fieldcolumn
-    matrix<double> FieldFlags;           ///< registered x 9, see momentcolumn
-    matrix<std::u16string> FieldNames;   ///< registered x 2: field name, sheet name
-    matrix<double> FieldOrder;           ///< nFields x 1: place of an old field number in name order
+    int current = 0;                    ///< field number of the field evaluated last
+    matrix<double> FieldTable;          ///< registered x 22, see fieldcolumn
+    matrix<double> FieldFlags;          ///< registered x 9, see momentcolumn
+    matrix<std::u16string> FieldNames;  ///< registered x 2: field name, sheet name
+    matrix<double> FieldOrder;          ///< nFields x 1: place of an old field number in name order
 };
 
 /// State of the uniform generator, handed to every drawing function.
@@ -246,14 +246,14 @@ struct TornadoState {
     int iIntMeth = 0;
     double ialpha = 0.0;
     int inbrPts = 0;
-    int point = 0;       ///< current point, from 1
-    int position = 0;    ///< current input position, from 1
-    int nextResult = 0;  ///< next result order number, from 1
-    int clockField = 0;  ///< the field whose evaluations advance the plan; 0: none yet
-    matrix<double> intervals;    ///< p x 5, as Cpp_SimEnd returns it
-    matrix<double> points;       ///< inbrPts x 2p: points, then clamp marks
-    matrix<double> store;        ///< (nRes inbrPts) x max(1, nFields)
-    matrix<int> resultOrder;     ///< nFields x 1
+    int point = 0;             ///< current point, from 1
+    int position = 0;          ///< current input position, from 1
+    int nextResult = 0;        ///< next result order number, from 1
+    int clockField = 0;        ///< the field whose evaluations advance the plan; 0: none yet
+    matrix<double> intervals;  ///< p x 5, as Cpp_SimEnd returns it
+    matrix<double> points;     ///< inbrPts x 2p: points, then clamp marks
+    matrix<double> store;      ///< (nRes inbrPts) x max(1, nFields)
+    matrix<int> resultOrder;   ///< nFields x 1
 };
 
 struct RunState {

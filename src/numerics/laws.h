@@ -19,7 +19,6 @@ void TriangularQFindAB(double a, double m, double b, double q1, double q2, doubl
 
 /// Large-sample confidence bounds of the p-quantile of n values: order statistics at ranks n p -+ z sqrt(n p (1 - p)),
 /// z the standard normal quantile of `confidence`, rounded outwards and kept within 1..n.
-void V_ConfQuantilesLargeSample(const double* values, int n, double p, double confidence, double& lower,
-                                double& upper);
+void V_ConfQuantilesLargeSample(const double* values, int n, double p, double confidence, double& lower, double& upper);
 
 }  // namespace quorva

@@ -21,7 +21,8 @@ void V_MeanVarSkewPKurtP(const double* values, int n, double& mean, double& vari
                          double& kurtosisPearson, double& skewnessFisher, double& kurtosisFisher,
                          double& standardErrorSkewness, double& standardErrorKurtosis, const short* flags,
                          const double* weights, short option1, short option2);
-void V_GMeanGSD(const double* values, int n, const short* flags, const double* weights, double& mean, double& deviation);
+void V_GMeanGSD(const double* values, int n, const short* flags, const double* weights, double& mean,
+                double& deviation);
 double V_HarmonicMean(const double* values, int n, const short* flags, const double* weights);
 double V_MeanAbsDev(const double* values, int n, double mean, const short* flags, const double* weights);
 double V_MedianAbsDev(const double* values, int n, double median, const short* flags, const double* weights);
