@@ -31,6 +31,21 @@ public:
         std::copy_n(source, count_, storage_);
     }
 
+    /// A matrix over rows x columns elements that somebody else owns and keeps for its life: a front end's array, read
+    /// and written in place. No elements when there is no array.
+    static matrix over(T* storage, int rows, int columns) {
+        matrix view;
+        if (storage != nullptr) {
+            view.ownsStorage_ = false;
+            view.storage_ = storage;
+            view.rows_ = std::max(rows, 0);
+            view.columns_ = std::max(columns, 0);
+            view.count_ = static_cast<std::size_t>(view.rows_) * static_cast<std::size_t>(view.columns_);
+            view.allocated_ = view.count_;
+        }
+        return view;
+    }
+
     matrix(const matrix& other) { *this = other; }
     matrix(matrix&& other) noexcept { swap(other); }
     matrix& operator=(matrix&& other) noexcept {

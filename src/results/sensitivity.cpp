@@ -1,0 +1,80 @@
+// How much each distribution contributes to the variability of a field.
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "common/guarded.h"
+#include "common/sort_rows.h"
+#include "engine/inner_calls.h"
+#include "engine/run_state.h"
+#include "quorva/front_end.h"
+
+namespace quorva {
+
+namespace {
+
+/// Columns of the sensitivity table.
+constexpr int fieldColumn = 1;
+constexpr int associationColumn = 2;
+constexpr int contributionColumn = 3;
+constexpr int sizeColumn = 4;
+constexpr int sensitivityColumns = 4;
+
+/// Writes field number and association with field iField of every distribution; returns the sum of the squares of
+/// the associations that exist. A NaN takes part and makes the sum NaN.
+double readAssociations(const matrix<double>& associations, int iField, int rows, matrix<double>& table) {
+    double sum = 0.0;
+    int k = 0;
+    for (int field = 1; field <= run.fields.nFields; ++field) {
+        if (std::as_const(run.fields.FieldTable)(field, fieldcolumn::kind) !=
+            static_cast<double>(FieldKind::Distribution)) {
+            continue;
+        }
+        ++k;
+        const double c = associations(iField, field);
+        if (k <= rows) {
+            table(k, fieldColumn) = field;
+            table(k, associationColumn) = c;
+        }
+        if (c != MissingValue) {
+            sum += std::pow(c, 2.0);
+        }
+    }
+    return sum;
+}
+
+void sensitivity(const matrix<double>& associations, int nFtyp1, int iField, int order, matrix<double>& table) {
+    const int rows = std::min(nFtyp1, table.rows());
+    const double sum = readAssociations(associations, iField, rows, table);
+    for (int k = 1; k <= rows; ++k) {
+        // Intended: a missing association goes through the same formula, overflows and so ranks first.
+        const double c = table(k, associationColumn);
+        table(k, contributionColumn) = sum != 0.0 ? std::abs(c) * c / sum : 0.0;
+        table(k, sizeColumn) = std::abs(table(k, contributionColumn));
+    }
+    if (order == 1 && rows > 0) {
+        SortQMatrixCol(table, rows, sensitivityColumns, sizeColumn, 0, rows, true);
+    }
+}
+
+}  // namespace
+
+}  // namespace quorva
+
+/// SensT (nFtyp1 x 4): field number, association with field iField, signed contribution and its size, a row for every
+/// distribution in field-number order; ranked by size when order is 1. VarCovT is nFields x nFields, field against
+/// field; an iField outside it reads its scratch value.
+void GetSensitivity(int /*nFields*/, quorva::matrix<double>* VarCovT, int nFtyp1, int iField, int order,
+                    quorva::matrix<double>* SensT) {
+    quorva::guarded([&] { quorva::sensitivity(*VarCovT, nFtyp1, iField, order, *SensT); });
+}
+
+void Cpp_GetSensitivity(int nFields, double* VarCovT, int nFtyp1, int iField, int order, double* SensT) {
+    quorva::guarded([&] {
+        auto associations = quorva::matrix<double>::over(VarCovT, nFields, nFields);
+        const auto caller = quorva::matrix<double>::over(SensT, nFtyp1, quorva::sensitivityColumns);
+        auto table = caller;
+        GetSensitivity(nFields, &associations, nFtyp1, iField, order, &table);
+        std::copy_n(table.data(), table.size(), SensT);
+    });
+}

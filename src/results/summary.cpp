@@ -1,0 +1,106 @@
+// What a front end needs for the summary of a finished run.
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "common/guarded.h"
+#include "common/whole_number.h"
+#include "engine/inner_calls.h"
+#include "engine/run_state.h"
+#include "numerics/linear_algebra.h"
+#include "quorva/front_end.h"
+#include "results/front_end_tables.h"
+
+namespace quorva {
+
+namespace {
+
+constexpr int generalColumns = 14;
+constexpr int nameColumns = 2;
+constexpr int intervalColumns = 5;
+
+/// Rows of the convergence table.
+constexpr int resultRows = 2;
+constexpr int fieldRow = 3;
+
+/// The interval table: lower bound, median and upper bound of the central interval, minimum and maximum of each
+/// field's first nSim values. A field without values has MissingValue throughout.
+void fillIntervals(double TorProb, int nSim, matrix<double>& IntT) {
+    const auto& store = std::as_const(run.sampling.SampleStore);
+    const std::array<double, intervalColumns> probabilities{TorProb, 0.5, 1.0 - TorProb, 0.0, 1.0};
+    const int n = std::min(nSim, store.rows());
+    const int fields = std::min(run.fields.nFields, IntT.rows());
+    for (int field = 1; field <= fields; ++field) {
+        for (int j = 1; j <= std::min(intervalColumns, IntT.columns()); ++j) {
+            IntT(field, j) = n >= 1 && field <= store.columns()
+                                 ? M_QuantileMW(&store, n, field, nullptr, nullptr, probabilities[j - 1])
+                                 : MissingValue;
+        }
+    }
+}
+
+/// Bounds and movements of the convergence table with the names of their fields. *pConv becomes the last column that
+/// carries a field: its number, not a count.
+void fillConvergence(matrix<double>& ResConv, matrix<std::u16string>& ConvStr, int* pConv) {
+    const auto& table = std::as_const(run.convergence.table);
+    const int columns = std::min(wholeNumber(2LL * run.fields.nRes), table.columns());
+    copyBlock(table, 1, resultRows, 1, columns, ResConv);
+    for (int j = 1; j <= columns; ++j) {
+        const int field = table(fieldRow, j) > 0.0 ? wholeNumber(table(fieldRow, j)) : 0;
+        if (field < 1) {
+            continue;
+        }
+        if (ConvStr.contains(j, 1)) {
+            ConvStr(j, 1) = std::as_const(run.fields.FieldNames)(field, 1);
+        }
+        if (pConv != nullptr) {
+            *pConv = j;
+        }
+    }
+}
+
+int convergenceColumns() { return wholeNumber(2LL * run.fields.nRes); }
+
+}  // namespace
+
+}  // namespace quorva
+
+/// Ends the run and fills its summary. N fields, M results:
+///   ResGen   N x 14           columns 1 to 14 of the field table
+///   ResStr   N x 2            names of the fields and of their sheets
+///   ResConv  2 x max(1, 2 M)  convergence bounds and movements, when the run was monitored
+///   ConvStr  2 M              the name of the field of each convergence column
+///   pConv                     last convergence column that carries a field; not written without one
+///   IntT     N x 5            quantiles TorProb, 0.5, 1 - TorProb, minimum and maximum of the first nSim values
+void SimEnd(double TorProb, int nSim, quorva::matrix<double>* ResGen, quorva::matrix<std::u16string>* ResStr,
+            quorva::matrix<double>* ResConv, quorva::matrix<std::u16string>* ConvStr, int* pConv,
+            quorva::matrix<double>* IntT) {
+    using namespace quorva;
+    guarded([&] {
+        run.status.running = hostFalse;
+        run.status.analysing = hostFalse;
+        const int n = run.fields.nFields;
+        copyBlock(run.fields.FieldTable, 1, n, 1, generalColumns, *ResGen);
+        copyBlock(run.fields.FieldNames, 1, n, 1, nameColumns, *ResStr);
+        fillIntervals(TorProb, nSim, *IntT);
+        if (isTrue(run.convergence.iCheckConv)) {
+            fillConvergence(*ResConv, *ConvStr, pConv);
+        }
+    });
+}
+
+void Cpp_SimEnd(double TorProb, int nSim, double* ResGen, quorva::HostString* ResStr, double* ResConv,
+                quorva::HostString* ConvStr, int* pConv, double* IntT) {
+    using namespace quorva;
+    guarded([&] {
+        const int n = run.fields.nFields;
+        auto general = clearedTable(ResGen, n, generalColumns);
+        auto convergence = clearedTable(ResConv, resultRows, std::max(1, convergenceColumns()));
+        auto intervals = clearedTable(IntT, n, intervalColumns);
+        LentStrings names(ResStr, n, nameColumns);
+        LentStrings monitored(ConvStr, convergenceColumns(), 1);
+        SimEnd(TorProb, nSim, &general, names.texts(), &convergence, monitored.texts(), pConv, &intervals);
+        monitored.writeBack();
+        names.writeBack();
+    });
+}
