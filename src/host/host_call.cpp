@@ -1,0 +1,53 @@
+#include "host/host_call.h"
+
+#include "host/scratch.h"
+#include "platform/platform.h"
+
+namespace quorva {
+
+int callHostWith(int function, XLOPER* result, std::span<XLOPER*> arguments) {
+    const int code = Excel4v(function, result, static_cast<int>(arguments.size()), arguments.data());
+    ScratchPools::instance().forThread(currentThreadId()).reset();
+    return code;
+}
+
+XLOPER* scratchAlloc() { return ScratchPools::instance().forThread(currentThreadId()).allocate(); }
+
+XLOPER* tempText(std::string_view text) {
+    ThreadScratch& scratch = ScratchPools::instance().forThread(currentThreadId());
+    XLOPER* value = scratch.allocate();
+    if (value) {
+        value->type = hosttype::text;
+        value->value.text = scratch.keepText(text);
+    }
+    return value;
+}
+
+XLOPER* tempInteger(std::int16_t number) {
+    XLOPER* value = scratchAlloc();
+    if (value) {
+        value->type = hosttype::integer;
+        value->value.integer = number;
+    }
+    return value;
+}
+
+XLOPER* tempMissing() {
+    XLOPER* value = scratchAlloc();
+    if (value) {
+        value->type = hosttype::missing;
+    }
+    return value;
+}
+
+std::u16string wideFromHostText(const char* text, HostBool counted) {
+    if (!text) {
+        return {};
+    }
+    if (isTrue(counted)) {
+        return wideFromBytes({text + 1, static_cast<unsigned char>(*text)});
+    }
+    return wideFromBytes(text);
+}
+
+}  // namespace quorva

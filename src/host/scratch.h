@@ -1,0 +1,69 @@
+// Scratch memory for the arguments of host calls: one block per calling thread, given back wholesale after each call.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "quorva/host_value.h"
+
+namespace quorva {
+
+/// The scratch block of one thread: a bump pointer over 10,240 bytes, that is 426 host values.
+class ThreadScratch {
+public:
+    static constexpr std::size_t blockBytes = 10'240;
+    static constexpr std::size_t values = blockBytes / sizeof(XLOPER);
+    static constexpr std::uint32_t nobody = 0xFFFFFFFF;
+
+    std::uint32_t owner() const { return owner_; }
+    void claim(std::uint32_t thread) { owner_ = thread; }
+
+    /// The next value of the block, all bytes 0; null when the block is used up.
+    XLOPER* allocate();
+    /// A buffer that holds a text as the host counts it: the length in place of the text's first character.
+    char* keepText(std::string_view text);
+    /// Gives everything back.
+    void reset();
+    std::size_t valuesInUse() const { return inUse_; }
+
+    /// Takes owner and memory of another slot; nothing counts as in use afterwards.
+    void takeOver(ThreadScratch& other);
+
+private:
+    using Block = std::array<XLOPER, values>;
+    using TextBuffer = std::array<char, 256>;
+
+    std::uint32_t owner_ = nobody;
+    std::unique_ptr<Block> block_ = std::make_unique<Block>();
+    std::size_t inUse_ = 0;
+    std::vector<std::unique_ptr<TextBuffer>> texts_;
+};
+
+/// The scratch blocks of all threads that ever called the host. Not locked: the host starts no two threads' first calls
+/// at the same moment.
+class ScratchPools {
+public:
+    ScratchPools();
+    /// The pools of this process; made on first use, never destroyed, because the host may call until the very end.
+    static ScratchPools& instance();
+
+    /// The slot of a thread, claimed on its first call; doubles the slots when none is free.
+    ThreadScratch& forThread(std::uint32_t thread);
+
+    int inUse() const { return inUse_; }
+    int capacity() const { return capacity_; }
+
+private:
+    void grow();
+
+    static constexpr int firstCapacity = 4;
+    int inUse_ = 0;
+    int capacity_ = firstCapacity;
+    std::unique_ptr<ThreadScratch[]> slots_;
+};
+
+}  // namespace quorva
