@@ -1,0 +1,98 @@
+#include "workbook/cells.h"
+
+#include <algorithm>
+
+namespace quorva::workbook {
+
+void CellStore::build(const std::vector<std::vector<std::uint64_t>>& keys) {
+    sheets_.assign(keys.size(), {});
+    Slot next = 0;
+    for (std::size_t s = 0; s < keys.size(); ++s) {
+        SheetIndex& index = sheets_[s];
+        index.firstSlot = next;
+        for (const std::uint64_t key : keys[s]) {
+            const int row = static_cast<int>(key >> 14);
+            const int column = static_cast<int>(key & 16383);
+            if (index.rows.empty() || index.rows.back() != row) {
+                index.rows.push_back(row);
+                index.rowStart.push_back(index.columns.size());
+            }
+            index.columns.push_back(column);
+            index.usedRows = row + 1;
+            index.usedColumns = std::max(index.usedColumns, column + 1);
+        }
+        index.rowStart.push_back(index.columns.size());
+        next += static_cast<Slot>(keys[s].size());
+    }
+    numbers_.assign(next, std::numeric_limits<double>::quiet_NaN());
+    others_.assign(next, Value());
+}
+
+std::size_t lowerBound(const std::vector<int>& sorted, std::size_t from, std::size_t to, int wanted) {
+    return static_cast<std::size_t>(std::lower_bound(sorted.begin() + from, sorted.begin() + to, wanted) -
+                                    sorted.begin());
+}
+
+Slot CellStore::find(int sheet, int row, int column) const {
+    const SheetIndex& index = sheets_[sheet];
+    const std::size_t at = lowerBound(index.rows, 0, index.rows.size(), row);
+    if (at < index.rows.size() && index.rows[at] == row) {
+        const std::size_t end = index.rowStart[at + 1];
+        const std::size_t i = lowerBound(index.columns, index.rowStart[at], end, column);
+        if (i < end && index.columns[i] == column) {
+            return index.firstSlot + static_cast<Slot>(i);
+        }
+    }
+    if (!index.added.empty()) {
+        const auto found = index.added.find(cellKey(row, column));
+        if (found != index.added.end()) {
+            return found->second;
+        }
+    }
+    return noSlot;
+}
+
+Slot CellStore::findOrAdd(int sheet, int row, int column) {
+    Slot slot = find(sheet, row, column);
+    if (slot == noSlot) {
+        slot = slotCount();
+        numbers_.push_back(std::numeric_limits<double>::quiet_NaN());
+        others_.emplace_back();
+        SheetIndex& index = sheets_[sheet];
+        index.added.emplace(cellKey(row, column), slot);
+        index.usedRows = std::max(index.usedRows, row + 1);
+        index.usedColumns = std::max(index.usedColumns, column + 1);
+    }
+    return slot;
+}
+
+void CellStore::markSubtotal(Slot slot) {
+    subtotals_.resize(numbers_.size());
+    subtotals_[slot] = true;
+}
+
+void CellStore::markFormula(Slot slot) {
+    formulas_.resize(numbers_.size());
+    formulas_[slot] = true;
+}
+
+std::vector<std::pair<std::uint64_t, Slot>> addedCells(const SheetIndex& index, const Area& area) {
+    std::vector<std::pair<std::uint64_t, Slot>> found;
+    for (const auto& [key, slot] : index.added) {
+        if (area.contains(static_cast<int>(key >> 14), static_cast<int>(key & 16383))) {
+            found.emplace_back(key, slot);
+        }
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+int Grid::usedRows() const {
+    return cells_ ? std::clamp(cells_->sheet(area_.sheet).usedRows - area_.firstRow, 0, rows_) : rows_;
+}
+
+int Grid::usedColumns() const {
+    return cells_ ? std::clamp(cells_->sheet(area_.sheet).usedColumns - area_.firstColumn, 0, columns_) : columns_;
+}
+
+}  // namespace quorva::workbook

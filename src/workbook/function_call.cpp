@@ -1,0 +1,290 @@
+// Calls of table functions: conversion of arguments, intersection, mapping over arrays.
+#include <algorithm>
+#include <boost/container/small_vector.hpp>
+
+#include "workbook/function_call.h"
+
+namespace quorva::workbook {
+
+namespace {
+
+bool isScalarKind(char kind) { return kind == 'N' || kind == 'T' || kind == 'B' || kind == 'S' || kind == 'E'; }
+
+/// Converts in place as the kind says; false when the value is (or became) an error that is passed on.
+bool convert(char kind, Argument& argument, bool date1904) {
+    Value& value = argument.value;
+    switch (kind) {
+        case 'N':
+            if (!value.isNumber()) {
+                const auto number = toNumber(value, date1904);
+                value = number ? Value(*number) : Value(number.error());
+            }
+            break;
+        case 'T':
+            if (!value.isText()) {
+                const auto text = toText(value);
+                value = text ? Value(*text) : Value(text.error());
+            }
+            break;
+        case 'B':
+            if (!value.isBoolean()) {
+                const auto boolean = toBoolean(value);
+                value = boolean ? Value(*boolean) : Value(boolean.error());
+            }
+            break;
+        case 'S':
+            break;
+        default:
+            return true;
+    }
+    return !value.isError();
+}
+
+Value callScalars(Call& call, const FunctionRow& row, std::span<Argument> arguments) {
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const char kind = argumentKind(row.kinds, static_cast<int>(i));
+        if (isScalarKind(kind) && !convert(kind, arguments[i], call.date1904)) {
+            return arguments[i].value;
+        }
+    }
+    if (row.function) {
+        return row.function(call, arguments);
+    }
+    boost::container::small_vector<double, 8> numbers;
+    for (const Argument& argument : arguments) {
+        numbers.push_back(argument.value.number());
+    }
+    return Value(row.numeric(numbers.data(), static_cast<int>(numbers.size())));
+}
+
+struct Shape {
+    int rows = 1;
+    int columns = 1;
+};
+
+Shape shapeOf(const Value& value) {
+    if (value.isArray()) {
+        return {value.arrayRows(), value.arrayColumns()};
+    }
+    return {};
+}
+
+/// The element of an array that takes part at (row, column) when arrays of several shapes are combined.
+Value element(const Value& value, int row, int column) {
+    if (!value.isArray()) {
+        return value;
+    }
+    const int r = value.arrayRows() == 1 ? 0 : row;
+    const int c = value.arrayColumns() == 1 ? 0 : column;
+    if (r >= value.arrayRows() || c >= value.arrayColumns()) {
+        return ErrorCode::NA;
+    }
+    return value.arrayCells()[static_cast<std::size_t>(r) * value.arrayColumns() + c];
+}
+
+constexpr std::int64_t largestMapping = 1 << 24;
+
+Value mapFunction(Call& call, const FunctionRow& row, std::span<Argument> arguments, Shape shape) {
+    if (static_cast<std::int64_t>(shape.rows) * shape.columns > largestMapping) {
+        return ErrorCode::Num;
+    }
+    std::vector<Value> cells;
+    cells.reserve(static_cast<std::size_t>(shape.rows) * shape.columns);
+    boost::container::small_vector<Argument, 8> one(arguments.size());
+    for (int r = 0; r < shape.rows; ++r) {
+        for (int c = 0; c < shape.columns; ++c) {
+            for (std::size_t i = 0; i < arguments.size(); ++i) {
+                one[i] = arguments[i];
+                if (isScalarKind(argumentKind(row.kinds, static_cast<int>(i)))) {
+                    one[i].value = element(arguments[i].value, r, c);
+                }
+            }
+            Value result = callScalars(call, row, {one.data(), one.size()});
+            cells.push_back(result.isArray() ? result.arrayCells()[0] : std::move(result));
+        }
+    }
+    return Value::array(shape.rows, shape.columns, std::move(cells));
+}
+
+}  // namespace
+
+char argumentKind(std::string_view kinds, int index) {
+    const auto open = kinds.find('(');
+    if (open == std::string_view::npos) {
+        return kinds.empty() ? 'S' : kinds[std::min<std::size_t>(static_cast<std::size_t>(index), kinds.size() - 1)];
+    }
+    if (static_cast<std::size_t>(index) < open) {
+        return kinds[static_cast<std::size_t>(index)];
+    }
+    const std::string_view group = kinds.substr(open + 1, kinds.size() - open - 2);
+    return group[(static_cast<std::size_t>(index) - open) % group.size()];
+}
+
+Value intersectReference(const Call& call, const Value& reference) {
+    if (reference.areas().size() != 1) {
+        return ErrorCode::Value;
+    }
+    const Area& area = reference.areas()[0];
+    if (area.single()) {
+        return call.cells.get(area.sheet, area.firstRow, area.firstColumn);
+    }
+    if (area.firstColumn == area.lastColumn && call.row >= area.firstRow && call.row <= area.lastRow) {
+        return call.cells.get(area.sheet, call.row, area.firstColumn);
+    }
+    if (area.firstRow == area.lastRow && call.column >= area.firstColumn && call.column <= area.lastColumn) {
+        return call.cells.get(area.sheet, area.firstRow, call.column);
+    }
+    return ErrorCode::Value;
+}
+
+Value readReference(const Call& call, const Value& reference) {
+    if (reference.areas().size() != 1) {
+        return ErrorCode::Value;
+    }
+    const Area& area = reference.areas()[0];
+    if (area.single()) {
+        return call.cells.get(area.sheet, area.firstRow, area.firstColumn);
+    }
+    if (static_cast<std::int64_t>(area.rows()) * area.columns() > largestMapping) {
+        return ErrorCode::Num;
+    }
+    std::vector<Value> cells(static_cast<std::size_t>(area.rows()) * area.columns());
+    call.cells.forEachSlot(area, [&](int row, int column, Slot slot) {
+        cells[static_cast<std::size_t>(row - area.firstRow) * area.columns() + (column - area.firstColumn)] =
+            call.cells.get(slot);
+    });
+    return Value::array(area.rows(), area.columns(), std::move(cells));
+}
+
+Value callFunction(Call& call, const FunctionRow& row, std::span<Argument> arguments) {
+    Shape shape;
+    bool mapped = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        Argument& argument = arguments[i];
+        const char kind = argumentKind(row.kinds, static_cast<int>(i));
+        if (isScalarKind(kind)) {
+            if (argument.value.isReference()) {
+                const bool several = argument.value.areas().size() != 1 || !argument.value.areas()[0].single();
+                if (several && row.refusesRanges) {
+                    return ErrorCode::Value;
+                }
+                argument.value = several && !call.arrayMode ? intersectReference(call, argument.value)
+                                                            : readReference(call, argument.value);
+                argument.reference = true;
+            }
+            if (argument.value.isArray()) {
+                const Shape own = shapeOf(argument.value);
+                shape = {std::max(shape.rows, own.rows), std::max(shape.columns, own.columns)};
+                mapped = true;
+            }
+        } else if (argument.value.isReference() || argument.value.isArray()) {
+            argument.reference = true;
+        } else if (kind == 'F') {
+            return argument.value.isError() ? argument.value : Value(ErrorCode::Value);
+        }
+    }
+    return mapped ? mapFunction(call, row, arguments, shape) : callScalars(call, row, arguments);
+}
+
+Grid Argument::grid(const Call& call) const {
+    if (value.isReference()) {
+        return Grid(call.cells, value.areas()[0]);
+    }
+    return Grid(value.isArray() ? value : Value::array(1, 1, {value}));
+}
+
+Value Argument::scalar(const Call& call) const {
+    if (value.isReference() && value.areas().size() == 1 && value.areas()[0].single()) {
+        return readReference(call, value);
+    }
+    if (value.isArray() && value.arrayCells().size() == 1) {
+        return value.arrayCells()[0];
+    }
+    return value;
+}
+
+Result<std::optional<double>> directNumber(const Argument& argument, NumberRule rule) {
+    const Value& value = argument.value;
+    switch (value.type()) {
+        case Value::Type::Number:
+            return std::optional(value.number());
+        case Value::Type::Boolean:
+            return rule.directBooleans ? std::optional(value.number()) : std::optional<double>();
+        case Value::Type::Blank:
+            return std::optional(0.0);
+        case Value::Type::Error:
+            return value.error();
+        case Value::Type::Text: {
+            if (!rule.directText) {
+                return std::optional<double>();
+            }
+            const auto number = toNumber(value);
+            return number ? Result<std::optional<double>>(std::optional(*number)) : number.error();
+        }
+        default:
+            return ErrorCode::Value;
+    }
+}
+
+Result<std::vector<double>> collectNumbers(const Call& call, Arguments arguments, NumberRule rule) {
+    std::vector<double> numbers;
+    if (const auto error = forEachNumber(call, arguments, rule, [&](double x) { numbers.push_back(x); })) {
+        return *error;
+    }
+    return numbers;
+}
+
+Result<NumberPairs> collectPairs(const Call& call, const Argument& first, const Argument& second) {
+    if (first.value.isError() || second.value.isError()) {
+        return first.value.isError() ? first.value.error() : second.value.error();
+    }
+    const Grid a = first.grid(call);
+    const Grid b = second.grid(call);
+    if (a.size() != b.size()) {
+        return ErrorCode::NA;
+    }
+    NumberPairs pairs;
+    const bool sameShape = a.rows() == b.rows();
+    const std::int64_t used =
+        sameShape && a.fromCells() ? static_cast<std::int64_t>(a.usedRows()) * a.columns() : a.size();
+    for (std::int64_t i = 0; i < used; ++i) {
+        const Value x = a.at(i);
+        const Value y = b.at(i);
+        if (x.isError() || y.isError()) {
+            return x.isError() ? x.error() : y.error();
+        }
+        if (x.isNumber() && y.isNumber()) {
+            pairs.first.push_back(x.number());
+            pairs.second.push_back(y.number());
+        }
+    }
+    return pairs;
+}
+
+Result<NumberMatrix> toMatrix(const Call& call, const Argument& argument) {
+    const Grid grid = argument.grid(call);
+    if (grid.size() > largestMapping) {
+        return ErrorCode::Num;
+    }
+    NumberMatrix matrix{grid.rows(), grid.columns(), {}};
+    matrix.cells.reserve(static_cast<std::size_t>(grid.size()));
+    for (int row = 0; row < grid.rows(); ++row) {
+        for (int column = 0; column < grid.columns(); ++column) {
+            const Value value = grid.at(row, column);
+            if (!value.isNumber()) {
+                return value.isError() ? value.error() : ErrorCode::Value;
+            }
+            matrix.cells.push_back(value.number());
+        }
+    }
+    return matrix;
+}
+
+Value fromMatrix(const NumberMatrix& matrix) {
+    if (matrix.cells.size() == 1) {
+        return matrix.cells[0];
+    }
+    return Value::array(matrix.rows, matrix.columns, std::vector<Value>(matrix.cells.begin(), matrix.cells.end()));
+}
+
+}  // namespace quorva::workbook
