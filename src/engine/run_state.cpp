@@ -25,4 +25,12 @@ void recordError(int code, int line, int column, const std::u16string& sheet) {
     }
 }
 
+void recordOutOfMemory() noexcept {
+    run.error.code = runerror::outOfMemory;
+    run.error.flag = hostTrue;
+    run.error.first.line = 0;
+    run.error.first.column = 0;
+    run.error.first.sheet.clear();
+}
+
 }  // namespace quorva

@@ -30,6 +30,7 @@ constexpr int tooManyCells = -12;      ///< nSim x nFields above the limit; a st
 constexpr int tooManyFields = -13;     ///< more than 10,000 fields
 constexpr int noDrawInBounds = -14;    ///< retry limit of a truncated draw
 constexpr int cellBeyondGrid = -15;    ///< row or column beyond the grid
+constexpr int outOfMemory = -15;       ///< a grid or a table cannot be allocated
 constexpr int tooManySheets = -16;     ///< an 11th sheet, or a sheet that is not listed
 constexpr int duplicateName = -17;     ///< two fields share a name
 }  // namespace runerror
@@ -41,6 +42,7 @@ constexpr int gridColumns = 256;  ///< accepted columns; the grid's stride is on
 constexpr int sheets = 10;
 constexpr int fields = 10'000;
 constexpr int sampleCells = 64'000'000;
+constexpr int strataCells = 268'435'456;  ///< cells of LhsTable; more counts as out of memory
 constexpr int redraws = 10'000;
 }  // namespace limit
 
@@ -144,6 +146,14 @@ struct StatusFlags {
 
     bool any() const { return isTrue(initialised) || isTrue(prepared) || isTrue(running) || isTrue(analysing); }
     void clear() { *this = {}; }
+    /// The first status whose flag is set.
+    RunStatus current() const {
+        return isTrue(initialised) ? RunStatus::Initialised
+               : isTrue(prepared)  ? RunStatus::Prepared
+               : isTrue(running)   ? RunStatus::Running
+               : isTrue(analysing) ? RunStatus::Analysing
+                                   : RunStatus::Idle;
+    }
     void become(RunStatus status) {
         clear();
         initialised = toHostBool(status == RunStatus::Initialised);
@@ -205,6 +215,7 @@ struct SamplingState {
     SeedState seed;
     matrix<double> SampleStore;  ///< nSim x nFields
     matrix<double> LhsTable;     ///< (inbuckets + 1) x nDist
+    matrix<double> permutation;  ///< inbuckets x 2, work space of the permutations of LhsTable
 };
 
 /// How the correlation factor was made.
@@ -274,7 +285,11 @@ extern RunState run;
 /// Sets flag, code and first location.
 void recordError(int code, int line, int column, const std::u16string& sheet);
 
-/// Row of SampleStore that the model fields write in the iteration being calculated.
-inline int sampleRow() { return (run.sampling.iteration - 1) % run.sampling.nSim + 1; }
+/// Sets the error of a table that there is no memory for, in a place where nothing may throw any more.
+void recordOutOfMemory() noexcept;
+
+/// Row of SampleStore that the model fields write in the iteration being calculated; 0, which is no row, without
+/// iterations.
+inline int sampleRow() { return run.sampling.nSim > 0 ? (run.sampling.iteration - 1) % run.sampling.nSim + 1 : 0; }
 
 }  // namespace quorva

@@ -1,0 +1,73 @@
+#include "engine/field_order.h"
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "common/sort_rows.h"
+#include "common/whole_number.h"
+#include "engine/inner_calls.h"
+#include "engine/run_state.h"
+
+namespace quorva {
+namespace {
+
+struct FieldName {
+    const std::u16string* name;
+    const std::u16string* sheet;
+    bool operator==(const FieldName& other) const { return *name == *other.name && *sheet == *other.sheet; }
+};
+
+struct HashOfName {
+    std::size_t operator()(const FieldName& field) const { return std::hash<std::u16string>{}(*field.name); }
+};
+
+/// For each row in name order, the first old field number with that name and sheet (element 0 unused).
+std::vector<int> oldNumbers(const matrix<std::u16string>& sorted) {
+    const matrix<std::u16string>& names = run.fields.FieldNames;
+    const int n = sorted.rows();
+    std::unordered_map<FieldName, int, HashOfName> numberOf;
+    numberOf.reserve(static_cast<std::size_t>(n));
+    for (int j = 1; j <= n; ++j) {
+        numberOf.try_emplace({&names(j, 1), &names(j, 2)}, j);
+    }
+    std::vector<int> old(static_cast<std::size_t>(n) + 1);
+    for (int r = 1; r <= n; ++r) {
+        old[static_cast<std::size_t>(r)] = numberOf.at({&sorted(r, 1), &sorted(r, 2)});
+    }
+    return old;
+}
+
+}  // namespace
+
+void renumberInNameOrder() {
+    FieldTables& fields = run.fields;
+    const int n = fields.nFields;
+    matrix<std::u16string> sorted(n, 2);
+    copyBlock(fields.FieldNames, 1, n, 1, 2, sorted);
+    SortQMatrixCol(sorted, n, 2, 1, 0, n, false);
+    const std::vector<int> old = oldNumbers(sorted);
+
+    fields.FieldOrder = matrix<double>(n, 1);
+    matrix<double> described(n, fieldcolumn::count);
+    copyBlock(fields.FieldTable, 1, n, 1, fieldcolumn::count, described);
+    for (int r = 1; r <= n; ++r) {
+        const int j = old[static_cast<std::size_t>(r)];
+        fields.FieldOrder(j, 1) = r;
+        for (int column = 1; column <= fieldcolumn::count; ++column) {
+            fields.FieldTable(r, column) = described(j, column);
+        }
+        fields.FieldNames(r, 1) = std::move(sorted(r, 1));
+        fields.FieldNames(r, 2) = std::move(sorted(r, 2));
+    }
+}
+
+void enterFieldsInGrids() {
+    const matrix<double>& table = run.fields.FieldTable;
+    for (int field = 1; field <= run.fields.nFields; ++field) {
+        setFieldInfo(wholeNumber(table(field, fieldcolumn::column)), wholeNumber(table(field, fieldcolumn::row)),
+                     wholeNumber(table(field, fieldcolumn::sheetSlot)), static_cast<std::uint32_t>(field));
+    }
+}
+
+}  // namespace quorva

@@ -1,0 +1,130 @@
+// Uniforms of the distribution fields: plain random, or stratified over a permutation of strata per field.
+#include <algorithm>
+
+#include "common/guarded.h"
+#include "common/sort_rows.h"
+#include "common/whole_number.h"
+#include "engine/inner_calls.h"
+#include "engine/run_state.h"
+#include "numerics/uniforms.h"
+
+namespace quorva {
+namespace {
+
+/// The caller's generator state: one draw moves it on.
+struct Generator {
+    int* seed;
+    HostBool initialise;
+    int* updated;
+
+    double draw() const {
+        const double uniform = GenerateRandom01(seed, initialise, updated);
+        *seed = *updated;
+        return uniform;
+    }
+    void fill(matrix<double>& table, int n) const {
+        M_GenerateRandom01(table, n, 1, seed, initialise, updated);
+        *seed = *updated;
+    }
+};
+
+void reportNoDraw(int stream) {
+    const FieldTables& fields = run.fields;
+    int field = 1;
+    // The last field is never compared, only arrived at; intended.
+    while (field < fields.nFields && fields.FieldTable(field, fieldcolumn::stream) != stream) {
+        ++field;
+    }
+    // Column 20 of the names does not exist: the sheet is what such a read gives; intended.
+    recordError(runerror::noDrawInBounds, wholeNumber(fields.FieldTable(field, fieldcolumn::row)),
+                wholeNumber(fields.FieldTable(field, fieldcolumn::column)), fields.FieldNames(field, 20));
+}
+
+/// Counts redraws; true when the draw is final.
+class Bounds {
+public:
+    Bounds(int stream, double lower, double upper) : stream_(stream), lower_(lower), upper_(upper) {}
+
+    bool settles(double uniform) {
+        if (tries_ > limit::redraws) {
+            reportNoDraw(stream_);
+            return true;
+        }
+        ++tries_;
+        return !(uniform < lower_ || uniform > upper_);
+    }
+
+private:
+    int stream_;
+    double lower_;
+    double upper_;
+    int tries_ = 0;
+};
+
+double plainUniform(const Generator& generator, Bounds bounds) {
+    double uniform = generator.draw();
+    while (!bounds.settles(uniform)) {
+        uniform = generator.draw();
+    }
+    return uniform;
+}
+
+/// A random permutation of the strata: their numbers ordered by uniforms.
+void permuteStrata(const Generator& generator, int stream) {
+    const int strata = run.sampling.inbuckets;
+    matrix<double>& work = run.sampling.permutation;
+    if (work.rows() != strata) {
+        work = matrix<double>(strata, 2);
+    }
+    generator.fill(work, strata);
+    for (int k = 1; k <= strata; ++k) {
+        work(k, 2) = k;
+    }
+    SortQMatrixCol(work, strata, 2, 1, 0, strata, false);
+    matrix<double>& table = run.sampling.LhsTable;
+    for (int k = 1; k <= strata; ++k) {
+        table(k, stream) = work(k, 2);
+    }
+    table(strata + 1, stream) = strata;
+}
+
+double stratifiedUniform(const Generator& generator, int stream, Bounds bounds) {
+    matrix<double>& table = run.sampling.LhsTable;
+    const int strata = run.sampling.inbuckets;
+    for (;;) {
+        if (table(strata + 1, stream) == 0.0) {
+            permuteStrata(generator, stream);
+        }
+        const double uniform = generator.draw();
+        if (stream == 0) {
+            recordError(runerror::tooManyCells, 0, 0, {});
+            return uniform;
+        }
+        double& left = table(strata + 1, stream);
+        const double stratum = table(wholeNumber(left), stream);
+        const double result = (uniform + stratum - 1.0) / strata;
+        left -= 1.0;
+        if (bounds.settles(result)) {
+            return result;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace quorva
+
+using namespace quorva;
+
+double getLHSRandom01(int /*ignored*/, int stream, double lower, double upper, int* seed, short seedInit,
+                      int* seedUpdate) {
+    const Generator generator{seed, seedInit, seedUpdate};
+    const Bounds bounds(stream, lower, upper);
+    double uniform = lower;
+    try {
+        uniform =
+            run.sampling.inbuckets > 0 ? stratifiedUniform(generator, stream, bounds) : plainUniform(generator, bounds);
+    } catch (...) {
+        recordOutOfMemory();
+    }
+    return uniform;
+}
