@@ -1,0 +1,120 @@
+#include "numerics/laws.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "numerics/boost_policy.h"
+#include "numerics/law_functions.h"
+
+namespace quorva {
+namespace {
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+/// By law index (identifier - 1). Identifier 34 is not given to any law.
+constexpr std::array<const LawFunctions*, 35> functionsOf{{
+    &laws::beta,
+    &laws::binomial,
+    &laws::negativeBinomial1,
+    &laws::negativeBinomial2,
+    &laws::chiSquare,
+    &laws::exponential,
+    &laws::fisher,
+    &laws::gumbel,
+    &laws::fisherTippett1,
+    &laws::fisherTippett2,
+    &laws::gamma1,
+    &laws::gamma2,
+    &laws::gamma3,
+    &laws::logNormal,
+    &laws::normal,
+    &laws::normalStd,
+    &laws::pareto,
+    &laws::poisson,
+    &laws::student,
+    &laws::uniform,
+    &laws::weibull1,
+    &laws::weibull2,
+    &laws::weibull3,
+    &laws::gev,
+    &laws::erlang,
+    &laws::triangular,
+    &laws::pert,
+    &laws::logistic,
+    &laws::uniformDiscrete,
+    &laws::beta4,
+    &laws::trapezoidal,
+    &laws::bernoulli,
+    &laws::logNormal2,
+    nullptr,
+    &laws::arcsine,
+}};
+
+const LawFunctions* find(int law) {
+    return law >= 0 && law < static_cast<int>(functionsOf.size()) ? functionsOf[static_cast<std::size_t>(law)]
+                                                                  : nullptr;
+}
+
+Support supportOf(const LawFunctions& law, const LawParameters& parameters) {
+    for (int i = 0; i < 4; ++i) {
+        const double value = parameters[static_cast<std::size_t>(i)];
+        if (std::isnan(value) || (i < law.parameters && std::isinf(value))) {
+            return noLaw;
+        }
+    }
+    return law.support(parameters);
+}
+
+}  // namespace
+
+double CDFFunction(int law, double x, double p1, double p2, double p3, double p4) {
+    const LawFunctions* functions = find(law);
+    if (functions == nullptr || std::isnan(x)) {
+        return nan;
+    }
+    const LawParameters parameters{p1, p2, p3, p4};
+    const Support support = supportOf(*functions, parameters);
+    if (!support.defined) {
+        return nan;
+    }
+    if (x >= support.upper) {
+        return 1;
+    }
+    if (x < support.lower || (x == support.lower && !functions->discrete)) {
+        return 0;
+    }
+    const double f = functions->cdf(functions->discrete ? std::floor(x) : x, parameters);
+    return f < 0 ? 0 : f > 1 ? 1 : f;
+}
+
+double InvCDFFunction(int law, double u, double p1, double p2, double p3, double p4) {
+    const LawFunctions* functions = find(law);
+    if (functions == nullptr || !(u >= 0 && u <= 1)) {
+        return nan;
+    }
+    const LawParameters parameters{p1, p2, p3, p4};
+    const Support support = supportOf(*functions, parameters);
+    if (!support.defined) {
+        return nan;
+    }
+    if (u == 0 || support.lower == support.upper) {
+        return support.lower;
+    }
+    if (u == 1) {
+        return support.upper;
+    }
+    const double x = functions->quantile(u, parameters);
+    return x < support.lower ? support.lower : x > support.upper ? support.upper : x;
+}
+
+double GammaF(double x) {
+    if (std::isnan(x) || x == infinite) {
+        return x;
+    }
+    if (x <= 0 && x == std::floor(x)) {
+        return nan;
+    }
+    return boost::math::tgamma(x, NumericPolicy());
+}
+
+}  // namespace quorva

@@ -1,0 +1,206 @@
+// Laws on the integers. Tails come from incomplete beta and gamma functions in extended precision, so that a quantile
+// at a step of the distribution function finds that step.
+#include <algorithm>
+#include <cmath>
+
+#include "numerics/boost_policy.h"
+#include "numerics/law_functions.h"
+#include "numerics/normal.h"
+
+namespace quorva::laws {
+namespace {
+
+using Extended = long double;
+
+/// P(X <= k) and P(X > k), each to its own relative precision.
+struct Tails {
+    Extended lower;
+    Extended upper;
+};
+
+/// What the quantile search needs of a law. `tails` is asked for integers of lowest..highest.
+struct Shape {
+    double mean;
+    double deviation;
+    double skewness;
+    double lowest;
+    double highest;
+};
+
+/// Whether k reaches u: F(k) >= u. A u that is F(k) rounded to a double counts as reached although the exact F(k) may
+/// lie half a unit below it (0.9 of ten equal steps); close to 1 only the exact comparison tells steps apart.
+bool reaches(const Tails& tails, double u) {
+    constexpr Extended rounding = 0x1p-52L;
+    if (u <= 0.5) {
+        return tails.lower >= u * (1 - rounding);
+    }
+    const double rest = 1 - u;
+    return tails.upper <= rest + (rest > 1e-12 ? rounding : rest * 0x1p-60L);
+}
+
+/// The smallest integer that reaches u: from a normal guess corrected for skewness, steps that double until the answer
+/// is enclosed, then bisection.
+template <class TailsAt>
+double smallestReaching(double u, const Shape& shape, TailsAt tailsAt) {
+    const double z = normalQuantile(u);
+    const double guess = shape.mean + shape.deviation * (z + shape.skewness * (z * z - 1) / 6);
+    const double start = std::clamp(std::floor(std::isfinite(guess) ? guess : shape.mean), shape.lowest, shape.highest);
+    double step = std::max(1.0, std::floor(shape.deviation / 16));
+    double reached = start;
+    double below = start;
+    if (reaches(tailsAt(start), u)) {
+        do {
+            reached = below;
+            below = std::max(reached - step, shape.lowest - 1);
+            step *= 2;
+        } while (below >= shape.lowest && reaches(tailsAt(below), u));
+    } else {
+        do {
+            below = reached;
+            reached = std::min(below + step, shape.highest);
+            step *= 2;
+        } while (reached < shape.highest && reached > below && !reaches(tailsAt(reached), u));
+    }
+    while (reached - below > 1) {
+        const double middle = std::floor(below + (reached - below) / 2);
+        if (middle <= below || middle >= reached) {
+            break;
+        }
+        (reaches(tailsAt(middle), u) ? reached : below) = middle;
+    }
+    return reached;
+}
+
+bool isWhole(double x) { return x == std::floor(x); }
+
+// Binomial(n, p).
+
+Tails binomialTails(double k, const LawParameters& p) {
+    const Extended a = static_cast<Extended>(k) + 1;
+    const Extended b = static_cast<Extended>(p[0]) - k;
+    return {boost::math::ibetac(a, b, static_cast<Extended>(p[1]), NumericPolicy()),
+            boost::math::ibeta(a, b, static_cast<Extended>(p[1]), NumericPolicy())};
+}
+
+Support binomialSupport(const LawParameters& p) {
+    if (!(p[0] >= 0 && isWhole(p[0]) && p[1] >= 0 && p[1] <= 1)) {
+        return noLaw;
+    }
+    return p[1] == 0 ? pointMass(0) : p[1] == 1 ? pointMass(p[0]) : from(0, p[0]);
+}
+
+double binomialQuantile(double u, const LawParameters& p) {
+    const double deviation = std::sqrt(p[0] * p[1] * (1 - p[1]));
+    const Shape shape{p[0] * p[1], deviation, (1 - 2 * p[1]) / deviation, 0, p[0]};
+    return smallestReaching(u, shape, [&p](double k) { return k >= p[0] ? Tails{1, 0} : binomialTails(k, p); });
+}
+
+// Negative binomial laws: failures before the size-th success. The success probability is given with its complement.
+
+Tails negativeBinomialTails(double k, double size, Extended success, Extended failure) {
+    const Extended a = size;
+    const Extended b = static_cast<Extended>(k) + 1;
+    if (success <= failure) {
+        return {boost::math::ibeta(a, b, success, NumericPolicy()),
+                boost::math::ibetac(a, b, success, NumericPolicy())};
+    }
+    return {boost::math::ibetac(b, a, failure, NumericPolicy()), boost::math::ibeta(b, a, failure, NumericPolicy())};
+}
+
+double negativeBinomialQuantile(double u, double size, Extended success, Extended failure) {
+    const double ratio = static_cast<double>(failure / success);
+    const double deviation = std::sqrt(size * ratio / static_cast<double>(success));
+    const double skewness = (1 + static_cast<double>(failure)) / std::sqrt(size * static_cast<double>(failure));
+    const Shape shape{size * ratio, deviation, std::min(skewness, 3.0), 0, infinite};
+    return smallestReaching(u, shape, [=](double k) { return negativeBinomialTails(k, size, success, failure); });
+}
+
+Extended success2(const LawParameters& p) { return 1 / (1 + static_cast<Extended>(p[1])); }
+Extended failure2(const LawParameters& p) { return p[1] / (1 + static_cast<Extended>(p[1])); }
+
+// Poisson(lambda).
+
+Tails poissonTails(double k, const LawParameters& p) {
+    const Extended shape = static_cast<Extended>(k) + 1;
+    return {boost::math::gamma_q(shape, static_cast<Extended>(p[0]), NumericPolicy()),
+            boost::math::gamma_p(shape, static_cast<Extended>(p[0]), NumericPolicy())};
+}
+
+// Discrete uniform: the integers of a..b.
+
+Tails uniformTails(double k, const LawParameters& p) {
+    const Extended first = std::ceil(p[0]);
+    const Extended last = std::floor(p[1]);
+    const Extended count = last - first + 1;
+    return {(k - first + 1) / count, (last - k) / count};
+}
+
+Support uniformSupport(const LawParameters& p) {
+    return definedIf(std::ceil(p[0]) <= std::floor(p[1]), from(std::ceil(p[0]), std::floor(p[1])));
+}
+
+double uniformQuantile(double u, const LawParameters& p) {
+    const Extended first = std::ceil(p[0]);
+    const Extended last = std::floor(p[1]);
+    const Extended count = last - first + 1;
+    const Extended guess = u <= 0.5 ? first + std::ceil(u * count) - 1 : last - std::floor((1 - u) * count);
+    double k = static_cast<double>(std::clamp(guess, first, last));
+    while (k > first && k - 1 < k && reaches(uniformTails(k - 1, p), u)) {
+        --k;
+    }
+    while (k < last && k + 1 > k && !reaches(uniformTails(k, p), u)) {
+        ++k;
+    }
+    return k;
+}
+
+}  // namespace
+
+constinit const LawFunctions binomial{
+    2, true, binomialSupport,
+    [](double x, const LawParameters& p) { return static_cast<double>(binomialTails(x, p).lower); }, binomialQuantile};
+
+constinit const LawFunctions negativeBinomial1{
+    2, true,
+    [](const LawParameters& p) {
+        return definedIf(p[0] > 0 && p[1] > 0 && p[1] <= 1, p[1] == 1 ? pointMass(0) : from(0));
+    },
+    [](double x, const LawParameters& p) {
+        return static_cast<double>(negativeBinomialTails(x, p[0], p[1], 1 - static_cast<Extended>(p[1])).lower);
+    },
+    [](double u, const LawParameters& p) {
+        return negativeBinomialQuantile(u, p[0], p[1], 1 - static_cast<Extended>(p[1]));
+    }};
+
+constinit const LawFunctions negativeBinomial2{
+    2, true,
+    [](const LawParameters& p) { return definedIf(p[0] > 0 && p[1] >= 0, p[1] == 0 ? pointMass(0) : from(0)); },
+    [](double x, const LawParameters& p) {
+        return static_cast<double>(negativeBinomialTails(x, p[0], success2(p), failure2(p)).lower);
+    },
+    [](double u, const LawParameters& p) { return negativeBinomialQuantile(u, p[0], success2(p), failure2(p)); }};
+
+constinit const LawFunctions poisson{
+    1, true, [](const LawParameters& p) { return definedIf(p[0] >= 0, p[0] == 0 ? pointMass(0) : from(0)); },
+    [](double x, const LawParameters& p) { return static_cast<double>(poissonTails(x, p).lower); },
+    [](double u, const LawParameters& p) {
+        const double deviation = std::sqrt(p[0]);
+        const Shape shape{p[0], deviation, std::min(1 / deviation, 3.0), 0, infinite};
+        return smallestReaching(u, shape, [&p](double k) { return poissonTails(k, p); });
+    }};
+
+constinit const LawFunctions uniformDiscrete{
+    2, true, uniformSupport,
+    [](double x, const LawParameters& p) { return static_cast<double>(uniformTails(x, p).lower); }, uniformQuantile};
+
+constinit const LawFunctions bernoulli{
+    1, true,
+    [](const LawParameters& p) {
+        return definedIf(p[0] >= 0 && p[0] <= 1, p[0] == 0 || p[0] == 1 ? pointMass(p[0]) : from(0, 1));
+    },
+    [](double, const LawParameters& p) { return static_cast<double>(1 - static_cast<Extended>(p[0])); },
+    [](double u, const LawParameters& p) {
+        return reaches({1 - static_cast<Extended>(p[0]), p[0]}, u) ? 0.0 : 1.0;
+    }};
+
+}  // namespace quorva::laws
