@@ -1,5 +1,3 @@
-#include "host/add_in.h"
-
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -11,6 +9,8 @@
 #include "common/guarded.h"
 #include "host/host_call.h"
 #include "host/worksheet_functions.h"
+#include "quorva/add_in.h"
+#include "quorva/front_end.h"
 
 namespace quorva {
 namespace {

@@ -1,13 +1,9 @@
-// The call-back address that hosts hand to add-ins at load.
+// The call-back address that hosts hand to add-ins at load, set by SetExcel12EntryPt.
 #pragma once
 
-extern "C" {
-/// Stores the host process's own export "MdCallBack12", or `entryPoint` where the process has none. Does nothing once
-/// an address is stored.
-void SetExcel12EntryPt(void* entryPoint);
-}
+#include "quorva/add_in.h"
 
 namespace quorva {
-/// The stored address, null at first. Kept for hosts that set it; every request goes through callHost.
+/// The stored address, null at first. Nothing uses it: every request goes through callHost.
 void* hostEntryPoint();
 }  // namespace quorva
