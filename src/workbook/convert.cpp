@@ -131,8 +131,6 @@ std::optional<double> parsePlainNumber(std::string_view text) {
     return number;
 }
 
-std::optional<double> parseDateOrTime(std::string_view text, bool date1904);  // dates.cpp
-
 std::optional<double> parseNumber(std::string_view text, bool date1904) {
     text = trimmed(text);
     if (text.empty()) {

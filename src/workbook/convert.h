@@ -13,6 +13,8 @@ namespace quorva::workbook {
 /// Reads "12", " 1,234.5 ", "1e3", "50%", "$5", "(3)", "1 1/2", "1/31/2020", "31-Jan-2020", "12:30 PM" ... as a
 /// number; nothing when the text is none of them. Dates become serial numbers of the date system named.
 std::optional<double> parseNumber(std::string_view text, bool date1904 = false);
+/// Reads a date, a time of day or both ("1/31/2020 12:30") as a serial number; nothing when the text is neither.
+std::optional<double> parseDateOrTime(std::string_view text, bool date1904);
 /// Reads a plain decimal number (sign, digits, point, exponent) that takes up the whole text.
 std::optional<double> parsePlainNumber(std::string_view text);
 /// The number as a cell in General format of unlimited width shows it: up to 15 digits.

@@ -1,7 +1,412 @@
+// Finding values: VLOOKUP and its kind, MATCH, XLOOKUP; and addresses as text.
+#include <algorithm>
+#include <cmath>
+
 #include "workbook/functions/families.h"
 
 namespace quorva::workbook {
 
-std::span<const FunctionRow> lookupFunctions() { return {}; }
+namespace {
+
+/// A row or column of a grid, from which values are looked up. Positions count from 0.
+class Line {
+public:
+    static Line column(const Grid& grid, int column) { return {grid, column, true}; }
+    static Line row(const Grid& grid, int row) { return {grid, row, false}; }
+    /// The line that a one-dimensional grid is.
+    static Line vector(const Grid& grid) { return grid.columns() == 1 ? column(grid, 0) : row(grid, 0); }
+
+    int size() const { return vertical_ ? grid_.rows() : grid_.columns(); }
+    /// Positions beyond which everything is blank.
+    int used() const { return std::min(size(), vertical_ ? grid_.usedRows() : grid_.usedColumns()); }
+    Value at(int position) const { return vertical_ ? grid_.at(position, fixed_) : grid_.at(fixed_, position); }
+
+    /// Calls visit(value, position) for every value that exists, in order, until it returns false.
+    template <class Visit>
+    void forEach(Visit&& visit) const {
+        if (grid_.fromCells()) {
+            Area area = grid_.area();
+            (vertical_ ? area.firstColumn : area.firstRow) += fixed_;
+            (vertical_ ? area.lastColumn : area.lastRow) = vertical_ ? area.firstColumn : area.firstRow;
+            grid_.store().forEachSlot(area, [&](int row, int column, Slot slot) -> bool {
+                return visit(grid_.store().get(slot), vertical_ ? row - area.firstRow : column - area.firstColumn);
+            });
+            return;
+        }
+        for (int i = 0; i < size(); ++i) {
+            if (!visit(at(i), i)) {
+                return;
+            }
+        }
+    }
+
+private:
+    Line(const Grid& grid, int fixed, bool vertical) : grid_(grid), fixed_(fixed), vertical_(vertical) {}
+
+    Grid grid_;
+    int fixed_;
+    bool vertical_;
+};
+
+/// Whether a stored value takes part in a sorted search for the key: only values of the key's type do.
+bool comparable(const Value& value, const Value& key) { return value.type() == key.type(); }
+
+/// Bisection as worksheets do it, over the whole line whether sorted or not: the last position whose value does not lie
+/// beyond the key, -1 when there is none. A middle value of another type gives way to the next comparable one.
+int bisect(const Line& line, const Value& key, bool descending) {
+    const int used = line.used();
+    int low = 0;
+    int high = line.size() - 1;
+    int found = -1;
+    while (low <= high) {
+        const int middle = low + (high - low) / 2;
+        const int last = std::min(high, used - 1);
+        int at = middle;
+        while (at <= last && !comparable(line.at(at), key)) {
+            ++at;
+        }
+        if (at > last) {
+            high = middle - 1;
+            continue;
+        }
+        const int order = compareValues(line.at(at), key);
+        if (descending ? order >= 0 : order <= 0) {
+            found = at;
+            low = at + 1;
+        } else {
+            high = middle - 1;
+        }
+    }
+    return found;
+}
+
+enum class Match { Exact, Wildcard, NextSmaller, NextLarger };
+
+/// Walks the line for an exact match, a pattern, or the nearest value on one side; the first (or the last) of equals.
+int scan(const Line& line, const Value& key, Match match, bool backwards) {
+    const bool pattern = match == Match::Wildcard && key.isText() && hasWildcard(key.text());
+    const bool near = match == Match::NextSmaller || match == Match::NextLarger;
+    int found = -1;
+    int nearest = -1;
+    Value nearestValue;
+    line.forEach([&](const Value& value, int position) -> bool {
+        if (pattern ? value.isText() && matchesWildcard(value.text(), key.text()) : equalValues(value, key)) {
+            found = position;
+            return backwards;
+        }
+        if (near && comparable(value, key)) {
+            const int side = match == Match::NextSmaller ? -1 : 1;
+            if (compareValues(value, key) * side > 0) {
+                const int order = nearest < 0 ? 1 : compareValues(value, nearestValue) * -side;
+                if (order > 0 || (order == 0 && backwards)) {
+                    nearest = position;
+                    nearestValue = value;
+                }
+            }
+        }
+        return true;
+    });
+    if (found < 0 && key.isBlank() && line.used() < line.size()) {
+        return backwards ? line.size() - 1 : line.used();
+    }
+    return found >= 0 ? found : nearest;
+}
+
+/// A blank key stands for 0 in the older functions.
+Value lookupKey(const Value& key) { return key.isBlank() ? Value(0.0) : key; }
+
+constexpr int longestKey = 255;
+
+std::optional<ErrorCode> keyError(const Value& key) {
+    return key.isText() && key.text().size() > longestKey && utf16Length(key.text()) > longestKey
+               ? std::optional(ErrorCode::Value)
+               : std::nullopt;
+}
+
+/// The position for VLOOKUP and its kind; -1 when nothing fits.
+int findInTable(const Line& line, const Value& key, bool sorted) {
+    return sorted ? bisect(line, key, false) : scan(line, key, Match::Wildcard, false);
+}
+
+Value tableLookup(const Call& call, Arguments arguments, bool vertical) {
+    if (arguments[1].value.isError()) {
+        return arguments[1].value;
+    }
+    const Value key = lookupKey(arguments[0].value);
+    const Grid table = arguments[1].grid(call);
+    const double offset = std::trunc(arguments[2].number());
+    if (const auto error = keyError(key)) {
+        return *error;
+    }
+    if (offset < 1) {
+        return ErrorCode::Value;
+    }
+    if (offset > (vertical ? table.columns() : table.rows())) {
+        return ErrorCode::Ref;
+    }
+    const bool sorted = arguments.size() < 4 || arguments[3].boolean();
+    const int found = findInTable(vertical ? Line::column(table, 0) : Line::row(table, 0), key, sorted);
+    if (found < 0) {
+        return ErrorCode::NA;
+    }
+    const int other = static_cast<int>(offset) - 1;
+    return vertical ? table.at(found, other) : table.at(other, found);
+}
+Value vlookup(Call& call, Arguments arguments) { return tableLookup(call, arguments, true); }
+Value hlookup(Call& call, Arguments arguments) { return tableLookup(call, arguments, false); }
+
+Value lookup(Call& call, Arguments arguments) {
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        if (arguments[i].value.isError()) {
+            return arguments[i].value;
+        }
+    }
+    const Value key = lookupKey(arguments[0].value);
+    const Grid table = arguments[1].grid(call);
+    const bool wide = table.columns() > table.rows();
+    const int found = bisect(wide ? Line::row(table, 0) : Line::column(table, 0), key, false);
+    if (found < 0) {
+        return ErrorCode::NA;
+    }
+    if (arguments.size() < 3) {
+        return wide ? table.at(table.rows() - 1, found) : table.at(found, table.columns() - 1);
+    }
+    const Grid results = arguments[2].grid(call);
+    if (results.rows() > 1 && results.columns() > 1) {
+        return ErrorCode::NA;
+    }
+    const Line line = Line::vector(results);
+    return found < line.size() ? line.at(found) : Value(ErrorCode::NA);
+}
+
+/// MATCH with type -1 walks down a descending line: the first equal value, or the last before they fall below the key.
+int descend(const Line& line, const Value& key) {
+    int found = -1;
+    line.forEach([&](const Value& value, int position) -> bool {
+        if (!comparable(value, key)) {
+            return true;
+        }
+        const int order = compareValues(value, key);
+        if (order < 0) {
+            return false;
+        }
+        found = position;
+        return order != 0;
+    });
+    return found;
+}
+
+Value match(Call& call, Arguments arguments) {
+    if (arguments[1].value.isError()) {
+        return arguments[1].value;
+    }
+    const Value key = lookupKey(arguments[0].value);
+    const double type = arguments.size() > 2 ? arguments[2].number() : 1;
+    const Grid grid = arguments[1].grid(call);
+    if (const auto error = keyError(key)) {
+        return *error;
+    }
+    if (grid.rows() > 1 && grid.columns() > 1) {
+        return ErrorCode::NA;
+    }
+    const Line line = Line::vector(grid);
+    const int found = type > 0   ? bisect(line, key, false)
+                      : type < 0 ? descend(line, key)
+                                 : scan(line, key, Match::Wildcard, false);
+    return found < 0 ? Value(ErrorCode::NA) : Value(found + 1);
+}
+
+// ---- XLOOKUP and XMATCH ----
+
+/// The position that the match and search modes find; -1 when none. #VALUE! for modes that do not exist.
+Result<int> crossMatch(const Line& line, const Value& key, double matchMode, double searchMode) {
+    matchMode = std::trunc(matchMode);
+    searchMode = std::trunc(searchMode);
+    if (matchMode < -1 || matchMode > 2 ||
+        !(searchMode == 1 || searchMode == -1 || searchMode == 2 || searchMode == -2)) {
+        return ErrorCode::Value;
+    }
+    if (std::fabs(searchMode) == 1) {
+        const Match match = matchMode == 0    ? Match::Exact
+                            : matchMode == 2  ? Match::Wildcard
+                            : matchMode == -1 ? Match::NextSmaller
+                                              : Match::NextLarger;
+        return scan(line, key, match, searchMode < 0);
+    }
+    if (matchMode == 2) {
+        return ErrorCode::Value;
+    }
+    const bool descending = searchMode < 0;
+    const int found = bisect(line, key, descending);
+    if (found >= 0 && equalValues(line.at(found), key)) {
+        return found;
+    }
+    if (matchMode == 0) {
+        return -1;
+    }
+    // `found` is the last value before the key's place in the order; the next one lies on its other side.
+    const bool wantsBefore = (matchMode < 0) != descending;
+    if (wantsBefore) {
+        return found;
+    }
+    const int next = found + 1;
+    return next < line.used() && comparable(line.at(next), key) ? next : -1;
+}
+
+double modeAt(Arguments arguments, std::size_t index, double otherwise) {
+    return index < arguments.size() && !arguments[index].missing ? arguments[index].number() : otherwise;
+}
+
+Value crossMatchValue(Call& call, Arguments arguments) {
+    if (arguments[1].value.isError()) {
+        return arguments[1].value;
+    }
+    const Grid grid = arguments[1].grid(call);
+    if (grid.rows() > 1 && grid.columns() > 1) {
+        return ErrorCode::Value;
+    }
+    const auto found =
+        crossMatch(Line::vector(grid), arguments[0].value, modeAt(arguments, 2, 0), modeAt(arguments, 3, 1));
+    if (!found) {
+        return found.error();
+    }
+    return *found < 0 ? Value(ErrorCode::NA) : Value(*found + 1);
+}
+
+/// One row or column of a grid, or its one value.
+Value slice(const Grid& grid, int position, bool vertical) {
+    const int length = vertical ? grid.columns() : grid.rows();
+    if (length == 1) {
+        return vertical ? grid.at(position, 0) : grid.at(0, position);
+    }
+    std::vector<Value> cells;
+    cells.reserve(static_cast<std::size_t>(length));
+    for (int i = 0; i < length; ++i) {
+        cells.push_back(vertical ? grid.at(position, i) : grid.at(i, position));
+    }
+    return Value::array(vertical ? 1 : length, vertical ? length : 1, std::move(cells));
+}
+
+Value crossLookup(Call& call, Arguments arguments) {
+    for (std::size_t i = 1; i < 3; ++i) {
+        if (arguments[i].value.isError()) {
+            return arguments[i].value;
+        }
+    }
+    const Grid grid = arguments[1].grid(call);
+    const Grid results = arguments[2].grid(call);
+    if (grid.rows() > 1 && grid.columns() > 1) {
+        return ErrorCode::Value;
+    }
+    const bool vertical = grid.columns() == 1 && (grid.rows() > 1 || results.rows() == 1);
+    const Line line = vertical ? Line::column(grid, 0) : Line::row(grid, 0);
+    if (line.size() != (vertical ? results.rows() : results.columns())) {
+        return ErrorCode::Value;
+    }
+    const auto found = crossMatch(line, arguments[0].value, modeAt(arguments, 4, 0), modeAt(arguments, 5, 1));
+    if (!found) {
+        return found.error();
+    }
+    if (*found >= 0) {
+        return slice(results, *found, vertical);
+    }
+    return arguments.size() > 3 && !arguments[3].missing ? arguments[3].scalar(call) : Value(ErrorCode::NA);
+}
+
+// ---- addresses ----
+
+std::string columnName(int column) {
+    std::string name;
+    for (++column; column > 0; column = (column - 1) / 26) {
+        name.insert(name.begin(), static_cast<char>('A' + (column - 1) % 26));
+    }
+    return name;
+}
+
+bool isWordByte(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '.' ||
+           static_cast<unsigned char>(c) >= 128;
+}
+
+/// Whether a name reads as a cell, such as A1, XFD12 or R1C1, so that it has to be quoted.
+bool looksLikeCell(std::string_view name) {
+    const auto letters =
+        std::find_if(name.begin(), name.end(), [](char c) { return c >= '0' && c <= '9'; }) - name.begin();
+    const std::string upper = toUpper(name);
+    if (upper == "R" || upper == "C" || upper == "RC") {
+        return true;
+    }
+    return letters >= 1 && letters <= 3 && static_cast<std::size_t>(letters) < name.size() &&
+           std::all_of(name.begin(), name.begin() + letters,
+                       [](char c) { return isWordByte(c) && c != '_' && c != '.'; }) &&
+           std::all_of(name.begin() + letters, name.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+std::string sheetPrefix(const std::string& sheet) {
+    const bool plain =
+        std::all_of(sheet.begin(), sheet.end(), [](char c) { return isWordByte(c) || c == '[' || c == ']'; }) &&
+        !(sheet[0] >= '0' && sheet[0] <= '9') && sheet[0] != '.' && !looksLikeCell(sheet);
+    if (sheet.empty() || plain) {
+        return sheet + "!";
+    }
+    std::string quoted = "'";
+    for (const char c : sheet) {
+        quoted += c == '\'' ? "''" : std::string(1, c);
+    }
+    return quoted + "'!";
+}
+
+Value address(Call&, Arguments arguments) {
+    const double row = std::trunc(arguments[0].number());
+    const double column = std::trunc(arguments[1].number());
+    const double kind = std::trunc(modeAt(arguments, 2, 1));
+    const bool a1 = arguments.size() < 4 || arguments[3].missing || arguments[3].boolean();
+    const bool absoluteRow = kind == 1 || kind == 2;
+    const bool absoluteColumn = kind == 1 || kind == 3;
+    const bool inside = a1 || (absoluteRow && absoluteColumn);
+    if (!(kind >= 1 && kind <= 4) || (inside && (row < 1 || column < 1)) || row > maxRows || column > maxColumns ||
+        row < -maxRows || column < -maxColumns) {
+        return ErrorCode::Value;
+    }
+    std::string text = arguments.size() > 4 && !arguments[4].missing ? sheetPrefix(arguments[4].text()) : "";
+    const std::string rowText = std::to_string(static_cast<int>(row));
+    if (a1) {
+        text += (absoluteColumn ? "$" : "") + columnName(static_cast<int>(column) - 1) + (absoluteRow ? "$" : "");
+        return text + rowText;
+    }
+    const std::string columnText = std::to_string(static_cast<int>(column));
+    text += absoluteRow ? "R" + rowText : row == 0 ? "R" : "R[" + rowText + "]";
+    text += absoluteColumn ? "C" + columnText : column == 0 ? "C" : "C[" + columnText + "]";
+    return text;
+}
+
+Value hyperlink(Call& call, Arguments arguments) {
+    const Argument& shown = arguments.size() > 1 ? arguments[1] : arguments[0];
+    return shown.value.isBlank() ? Value(0.0) : shown.scalar(call);
+}
+
+constexpr FunctionRow row(std::string_view name, int minArgs, int maxArgs, std::string_view kinds, Function function) {
+    return {.name = name,
+            .minArgs = minArgs,
+            .maxArgs = maxArgs,
+            .kinds = kinds,
+            .category = Category::Lookup,
+            .function = function};
+}
+
+constexpr FunctionRow table[] = {
+    row("ADDRESS", 2, 5, "NNNBT", address),
+    row("HLOOKUP", 3, 4, "SRNB", hlookup),
+    row("HYPERLINK", 1, 2, "TS", hyperlink),
+    row("LOOKUP", 2, 3, "SAA", lookup),
+    row("MATCH", 2, 3, "SRN", match),
+    row("VLOOKUP", 3, 4, "SRNB", vlookup),
+    row("XLOOKUP", 3, 6, "SAAANN", crossLookup),
+    row("XMATCH", 2, 4, "SANN", crossMatchValue),
+};
+
+}  // namespace
+
+std::span<const FunctionRow> lookupFunctions() { return table; }
 
 }  // namespace quorva::workbook
