@@ -1,0 +1,262 @@
+#include "frontend/analysis.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "common/missing_value.h"
+#include "frontend/statistics.h"
+#include "frontend/text.h"
+#include "quorva/front_end.h"
+
+namespace quorva::frontend {
+
+namespace {
+constexpr double none = std::numeric_limits<double>::quiet_NaN();
+
+/// Distributions, then results: the order of the module's reduced matrix.
+std::vector<std::size_t> correlatedFields(const std::vector<Field>& fields) {
+    std::vector<std::size_t> order;
+    for (const FieldKind kind : {FieldKind::Distribution, FieldKind::Result}) {
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            if (fields[i].kind == kind) {
+                order.push_back(i);
+            }
+        }
+    }
+    return order;
+}
+
+Correlations correlationsOf(const std::vector<Field>& fields, const SampleTable& samples,
+                            const std::vector<std::vector<double>>& ranks) {
+    Correlations correlations;
+    std::vector<std::vector<double>> values, rankColumns;
+    for (const std::size_t i : correlatedFields(fields)) {
+        correlations.names.push_back(fields[i].name);
+        values.push_back(samples.columns[i]);
+        rankColumns.push_back(ranks[i]);
+    }
+    correlations.linear = correlationMatrix(correlations.names, values);
+    correlations.rank = correlationMatrix(correlations.names, rankColumns);
+    return correlations;
+}
+
+double largestDifference(const LabelledMatrix& a, const LabelledMatrix& b) {
+    double largest = 0;
+    for (std::size_t i = 0; i < a.values.size(); ++i) {
+        largest = std::max(largest, std::fabs(a.values[i] - b.values[i]));
+    }
+    return largest;
+}
+
+/// The module's ranked contributions for one result. An input without a correlation comes last with no contribution.
+Sensitivity sensitivityOf(std::size_t result, const std::vector<Field>& fields, std::vector<double>& table,
+                          int distributions) {
+    const int n = static_cast<int>(fields.size());
+    std::vector<double> rows(static_cast<std::size_t>(distributions) * 4);
+    Cpp_GetSensitivity(n, table.data(), distributions, static_cast<int>(result) + 1, 1, rows.data());
+    Sensitivity sensitivity{fields[result].name, {}};
+    std::vector<SensitivityInput> undefined;
+    for (int k = 0; k < distributions; ++k) {
+        const std::string& name = fields[static_cast<std::size_t>(rows[k]) - 1].name;
+        const double correlation = rows[distributions + k];
+        if (correlation == MissingValue) {
+            undefined.push_back({name, none, none});
+        } else {
+            sensitivity.inputs.push_back({name, correlation, rows[2 * distributions + k]});
+        }
+    }
+    sensitivity.inputs.insert(sensitivity.inputs.end(), undefined.begin(), undefined.end());
+    return sensitivity;
+}
+
+std::vector<Sensitivity> sensitivities(const RunSettings& settings, const std::vector<Field>& fields,
+                                       const Correlations& correlations) {
+    const std::vector<std::size_t> order = correlatedFields(fields);
+    const std::size_t n = fields.size();
+    const LabelledMatrix& matrix =
+        settings.sensitivity == SensitivityMeasure::Rank ? correlations.rank : correlations.linear;
+    std::vector<double> table(n * n, MissingValue);
+    int distributions = 0;
+    for (std::size_t a = 0; a < order.size(); ++a) {
+        distributions += fields[order[a]].kind == FieldKind::Distribution ? 1 : 0;
+        for (std::size_t b = 0; b < order.size(); ++b) {
+            const double value = matrix.at(a, b);
+            table[order[b] * n + order[a]] = std::isnan(value) ? MissingValue : value;
+        }
+    }
+    std::vector<Sensitivity> all;
+    for (std::size_t i = 0; i < n; ++i) {
+        if (fields[i].kind == FieldKind::Result) {
+            all.push_back(sensitivityOf(i, fields, table, distributions));
+        }
+    }
+    return all;
+}
+
+std::string criterionText(const ConvergenceSettings& settings) {
+    switch (settings.criterion) {
+        case ConvergenceCriterion::Mean:
+            return "mean";
+        case ConvergenceCriterion::Stdev:
+            return "stdev";
+        case ConvergenceCriterion::Percentile:
+            return "percentile=" + exactNumber(settings.percentile);
+    }
+    return {};
+}
+
+/// The intervals that the checks compared, from the samples with the module's formulas.
+Convergence convergenceOf(const ConvergenceSettings& settings, const std::vector<Field>& fields,
+                          const RunRecord& record) {
+    Convergence convergence{criterionText(settings), record.convergedAt > 0, record.convergedAt, {}, {}};
+    for (const std::size_t i : record.watched) {
+        convergence.watched.push_back(fields[i].name);
+    }
+    for (const int iteration : record.checks) {
+        ConvergenceCheck check{iteration, {}};
+        for (const std::size_t i : record.watched) {
+            const std::span<const double> values(record.samples.columns[i].data(), iteration);
+            ConvergenceBound bound{fields[i].name, none, none, none};
+            switch (settings.criterion) {
+                case ConvergenceCriterion::Mean:
+                    meanInterval(values, settings.confidence, bound.lower, bound.upper);
+                    break;
+                case ConvergenceCriterion::Stdev:
+                    stdevInterval(values, settings.confidence, bound.lower, bound.upper);
+                    break;
+                case ConvergenceCriterion::Percentile:
+                    percentileInterval(values, settings.percentile / 100, settings.confidence, bound.lower,
+                                       bound.upper);
+                    break;
+            }
+            if (!convergence.checks.empty()) {
+                const ConvergenceBound& old = convergence.checks.back().bounds[check.bounds.size()];
+                const auto movement = [](double now, double before) {
+                    return before == 0 ? 0.0 : std::fabs((now - before) / before) * 100;
+                };
+                bound.movement = std::max(movement(bound.lower, old.lower), movement(bound.upper, old.upper));
+            }
+            check.bounds.push_back(std::move(bound));
+        }
+        convergence.checks.push_back(std::move(check));
+    }
+    return convergence;
+}
+
+Scatter scatterOf(const Sensitivity& sensitivity, std::size_t result, const std::vector<Field>& fields,
+                  const SampleTable& samples) {
+    constexpr std::size_t most = 800;
+    if (sensitivity.inputs.empty() || std::isnan(sensitivity.inputs[0].correlation)) {
+        return {};
+    }
+    Scatter scatter{sensitivity.inputs[0].name, {}, {}};
+    const auto input =
+        std::find_if(fields.begin(), fields.end(), [&](const Field& f) { return f.name == scatter.input; });
+    const auto& x = samples.columns[input - fields.begin()];
+    const auto& y = samples.columns[result];
+    const std::size_t step = std::max<std::size_t>(1, (x.size() + most - 1) / most);
+    for (std::size_t k = 0; k < x.size(); k += step) {
+        if (!std::isnan(x[k]) && !std::isnan(y[k])) {
+            scatter.x.push_back(x[k]);
+            scatter.y.push_back(y[k]);
+        }
+    }
+    return scatter;
+}
+
+std::string cellOf(const Field& field) { return cellAddress(field.sheet, field.row, field.column); }
+
+/// What the values of one field give reason to warn of.
+void warnOfValues(const Field& field, const Summary& summary, int iterations, std::vector<std::string>& warnings) {
+    const std::string who = "'" + field.name + "' (" + cellOf(field) + ")";
+    const std::string errors = std::to_string(summary.errors) + " of " + std::to_string(iterations) + " iterations";
+    if (field.kind == FieldKind::Distribution && summary.errors > 0) {
+        warnings.push_back("the distribution " + who + " gave no number in " + errors +
+                           ": its parameters define no law there");
+    } else if (field.kind == FieldKind::Result && summary.count == 0) {
+        warnings.push_back("the result " + who + " is not numeric: it shows an error or a text in every iteration");
+    } else if (field.kind == FieldKind::Result && summary.errors > 0) {
+        warnings.push_back("the result " + who + " is an error in " + errors + "; they are left out of its statistics");
+    }
+    const bool varies = field.kind == FieldKind::Distribution || field.kind == FieldKind::Result;
+    if (varies && summary.count > 1 && summary.minimum == summary.maximum) {
+        warnings.push_back(std::string(field.kind == FieldKind::Result ? "the result " : "the distribution ") + who +
+                           " never changes: it is " + readableNumber(summary.minimum) + " in every iteration");
+    }
+    if (field.unresolvedReference) {
+        warnings.push_back("the statistic " + who +
+                           " refers to another sheet or to no cell, which is not resolved: it has no value");
+    }
+}
+
+void warnOfRun(const RunSettings& settings, RunResults& results) {
+    if (results.correlations.repaired) {
+        results.warnings.push_back(
+            "the correlation matrix is impossible (not positive semi-definite) and was replaced "
+            "by the nearest possible one; the largest change of an entry is " +
+            readableNumber(results.correlations.repairDistance, 3));
+    }
+    if (results.convergence && !results.convergence->converged) {
+        results.warnings.push_back("convergence was not reached within " + std::to_string(results.iterations) +
+                                   " iterations (" + results.convergence->criterion + ", tolerance " +
+                                   readableNumber(settings.convergence->tolerancePercent) + " %)");
+    }
+    if (results.interrupted) {
+        results.warnings.push_back("interrupted after " + std::to_string(results.iterations) + " of " +
+                                   std::to_string(settings.iterations) + " iterations");
+    }
+}
+}  // namespace
+
+RunResults analyseRun(const RunSettings& settings, const std::vector<Field>& fields, RunRecord& record) {
+    RunResults results;
+    results.settings = settings;
+    results.iterations = record.iterations;
+    results.interrupted = record.interrupted;
+    results.fields = fields;
+    std::vector<std::vector<double>> ranks(fields.size());
+    std::vector<Histogram> histograms(fields.size());
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        const auto& column = record.samples.columns[i];
+        const SortedColumn sorted = sortColumn(column);
+        results.summary.push_back(summarise(fields[i], column, sorted));
+        results.intervals.push_back(centralInterval(fields[i], sorted, settings.tail));
+        if (fields[i].kind == FieldKind::Distribution || fields[i].kind == FieldKind::Result) {
+            ranks[i] = ranksOf(column, sorted);
+        }
+        if (fields[i].kind == FieldKind::Result) {
+            histograms[i] = histogramOf(sorted);
+        }
+        warnOfValues(fields[i], results.summary[i], record.iterations, results.warnings);
+    }
+    results.correlations = correlationsOf(fields, record.samples, ranks);
+    results.correlations.requested = settings.correlation;
+    results.correlations.repaired = record.repaired;
+    if (record.repaired) {
+        results.correlations.repairDistance = largestDifference(*settings.correlation, *record.repaired);
+    }
+    results.sensitivity = sensitivities(settings, fields, results.correlations);
+    if (settings.convergence) {
+        results.convergence = convergenceOf(*settings.convergence, fields, record);
+    }
+    for (const SpecificationLimits& limits : settings.capability) {
+        const auto field =
+            std::find_if(fields.begin(), fields.end(), [&](const Field& f) { return f.name == limits.name; });
+        results.capability.push_back(
+            capabilityOf(limits, record.samples.columns[field - fields.begin()], settings.capabilityConfidence));
+    }
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (fields[i].kind == FieldKind::Result) {
+            const Sensitivity& sensitivity = results.sensitivity[results.charts.size()];
+            results.charts.push_back({fields[i].name, std::move(histograms[i]), traceOf(record.samples.columns[i]),
+                                      scatterOf(sensitivity, i, fields, record.samples)});
+        }
+    }
+    results.tornado = std::move(record.tornado);
+    warnOfRun(settings, results);
+    results.samples = std::move(record.samples);
+    return results;
+}
+
+}  // namespace quorva::frontend

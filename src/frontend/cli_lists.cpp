@@ -1,0 +1,71 @@
+// `quorva laws`, `quorva functions` and `quorva statistics`: what there is.
+#include <nlohmann/json.hpp>
+
+#include "frontend/command_line.h"
+#include "frontend/reports.h"
+#include "frontend/text.h"
+#include "frontend/text_table.h"
+#include "quorva/catalogue.h"
+#include "workbook/book.h"
+
+namespace quorva::frontend {
+
+namespace {
+using Json = nlohmann::ordered_json;
+
+int show(const ListOptions& options, const Json& json, const std::vector<std::string>& header,
+         const std::vector<std::vector<std::string>>& rows) {
+    if (!options.json.empty()) {
+        Outputs({}).reserve(options.json);
+        Outputs::commit({{options.json, [&](Sink& sink) { sink.write(jsonText(json)); }}});
+    }
+    if (options.json != "-") {
+        printOut(textTable(header, rows));
+    }
+    return 0;
+}
+}  // namespace
+
+int lawsCommand(const ListOptions& options) {
+    Json json = Json::array();
+    std::vector<std::vector<std::string>> rows;
+    for (const LawEntry& law : lawTable) {
+        std::vector<std::string> parameters(law.parameterNames.begin(), law.parameterNames.begin() + law.parameters);
+        rows.push_back({std::to_string(law.law), std::string(law.wrapper), joined(parameters, ", ")});
+        json.push_back({{"law", law.law}, {"function", law.wrapper}, {"parameters", parameters}});
+    }
+    rows.push_back({std::to_string(empiricLaw), "QUORVA_SimEmpiricUniform", "values"});
+    json.push_back({{"law", empiricLaw}, {"function", "QUORVA_SimEmpiricUniform"}, {"parameters", {"values"}}});
+    return show(options, json, {"law", "function", "parameters"}, rows);
+}
+
+int functionsCommand(const ListOptions& options) {
+    Json json = Json::array();
+    std::vector<std::vector<std::string>> rows;
+    for (const workbook::FunctionInfo& function : workbook::functions()) {
+        constexpr int any = 255;
+        const std::string most = function.maxArgs >= any ? "any" : std::to_string(function.maxArgs);
+        rows.push_back({std::string(function.name), std::string(function.category),
+                        function.minArgs == function.maxArgs ? most : std::to_string(function.minArgs) + " to " + most,
+                        function.isVolatile ? "yes" : ""});
+        json.push_back({{"name", function.name},
+                        {"category", function.category},
+                        {"minimum_arguments", function.minArgs},
+                        {"maximum_arguments", function.maxArgs},
+                        {"volatile", function.isVolatile}});
+    }
+    return show(options, json, {"function", "category", "arguments", "volatile"}, rows);
+}
+
+int statisticsCommand(const ListOptions& options) {
+    Json json = Json::array();
+    std::vector<std::vector<std::string>> rows;
+    for (const StatisticEntry& statistic : statisticTable) {
+        const std::string text(trimmed(statistic.help));
+        rows.push_back({std::to_string(statistic.statistic), std::string(statistic.wrapper), text});
+        json.push_back({{"statistic", statistic.statistic}, {"function", statistic.wrapper}, {"description", text}});
+    }
+    return show(options, json, {"statistic", "function", "description"}, rows);
+}
+
+}  // namespace quorva::frontend

@@ -1,0 +1,347 @@
+#include "frontend/driver.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "common/missing_value.h"
+#include "frontend/analysis.h"
+#include "frontend/host_arrays.h"
+#include "frontend/run_errors.h"
+#include "frontend/statistics.h"
+#include "frontend/tornado_pass.h"
+#include "quorva/front_end.h"
+
+namespace quorva::frontend {
+
+namespace {
+constexpr double none = std::numeric_limits<double>::quiet_NaN();
+
+/// Leaves the module idle, however a run ends.
+class IdleAfterwards {
+public:
+    IdleAfterwards() = default;
+    IdleAfterwards(const IdleAfterwards&) = delete;
+    IdleAfterwards& operator=(const IdleAfterwards&) = delete;
+    ~IdleAfterwards() {
+        int seed = 1, used = 0;
+        Cpp_SimReset(&seed, hostTrue, &used);
+    }
+};
+
+/// Counts that Cpp_SimBegin returns.
+struct Counts {
+    int fields = 0, distributions = 0, scenarios = 0, results = 0, statistics = 0;
+};
+
+/// Column tables as the module takes them.
+std::vector<double> columnMajor(const LabelledMatrix& matrix) {
+    const std::size_t n = matrix.names.size();
+    std::vector<double> values(n * n);
+    for (std::size_t i = 0; i < n; ++i) {
+        for (std::size_t j = 0; j < n; ++j) {
+            values[j * n + i] = std::isnan(matrix.at(i, j)) ? MissingValue : matrix.at(i, j);
+        }
+    }
+    return values;
+}
+
+double orMissing(double value) { return std::isnan(value) ? MissingValue : value; }
+
+/// Registration and description passes. Returns the code of Cpp_SimInit2: 0, or 2 with the repaired matrix in
+/// `correlation`.
+int prepare(const RunSettings& settings, std::optional<LabelledMatrix>& correlation, const Host& host,
+            const std::vector<Field>& fields) {
+    int seed = settings.seed, used = 0;
+    Cpp_SimInit(toHostBool(settings.workbookModel), &seed, hostTrue, &used);
+    host.recalculate();
+
+    const bool correlated = correlation.has_value();
+    std::vector<double> matrix = correlated ? columnMajor(*correlation) : std::vector<double>(1);
+    HostLabels labels(correlated ? std::span<const std::string>(correlation->names) : std::span<const std::string>{});
+    std::vector<std::string> limitNames;
+    std::vector<double> lower, upper, target;
+    for (const SpecificationLimits& limits : settings.capability) {
+        limitNames.push_back(limits.name);
+        lower.push_back(orMissing(limits.lower));
+        upper.push_back(orMissing(limits.upper));
+        target.push_back(orMissing(limits.target));
+    }
+    HostLabels limitLabels(limitNames);
+    const int code = Cpp_SimInit2(toHostBool(correlated), correlated ? static_cast<int>(correlation->names.size()) : 0,
+                                  matrix.data(), labels.address(), toHostBool(!limitNames.empty()),
+                                  static_cast<int>(limitNames.size()), settings.capabilityConfidence, lower.data(),
+                                  upper.data(), target.data(), limitLabels.address());
+    if (code < 0) {
+        throw runError(code, fields);
+    }
+    if (code == 2) {
+        const std::size_t n = correlation->names.size();
+        for (std::size_t i = 0; i < n; ++i) {
+            for (std::size_t j = 0; j < n; ++j) {
+                correlation->at(i, j) = matrix[j * n + i];
+            }
+        }
+        return code;
+    }
+    host.recalculate();
+    return code;
+}
+
+Counts begin(const RunSettings& settings, bool monitored, bool everyResult, const std::vector<Field>& fields) {
+    const ConvergenceSettings convergence = settings.convergence.value_or(ConvergenceSettings{});
+    Counts counts;
+    const int code =
+        Cpp_SimBegin(settings.iterations, settings.effectiveStrata(), toHostBool(monitored), convergence.checkEvery,
+                     convergence.tolerancePercent, (1 + convergence.confidence) / 2, toHostBool(everyResult),
+                     static_cast<int>(convergence.criterion), convergence.percentile, &counts.fields,
+                     &counts.distributions, &counts.scenarios, &counts.results, &counts.statistics);
+    if (code < 0 || runErrorPending()) {
+        throw runError(code, fields);
+    }
+    return counts;
+}
+
+/// What Cpp_SimEnd hands over.
+struct EndTables {
+    std::vector<double> general;  ///< fields x 14
+    std::vector<std::string> names, sheets;
+    std::vector<double> intervals;  ///< fields x 5
+};
+
+EndTables end(const Counts& counts, double tail, int iterations) {
+    const std::size_t n = counts.fields, bounds = 2 * static_cast<std::size_t>(counts.results);
+    EndTables tables;
+    tables.general.resize(n * 14);
+    tables.intervals.resize(n * 5);
+    HostStrings texts(n * 2), watched(std::max<std::size_t>(bounds, 1));
+    std::vector<double> convergence(2 * std::max<std::size_t>(bounds, 1));
+    int last = 0;
+    Cpp_SimEnd(tail, iterations, tables.general.data(), texts.data(), convergence.data(), watched.data(), &last,
+               tables.intervals.data());
+    for (std::size_t i = 0; i < n; ++i) {
+        tables.names.push_back(texts.utf8(i));
+        tables.sheets.push_back(sheetOfHostName(texts.utf8(n + i)));
+    }
+    return tables;
+}
+
+Field fieldOf(const EndTables& tables, std::size_t index, bool workbookModel) {
+    const std::size_t n = tables.names.size();
+    const auto column = [&](int c) { return tables.general[static_cast<std::size_t>(c - 1) * n + index]; };
+    Field field;
+    field.number = static_cast<int>(index) + 1;
+    field.name = tables.names[index];
+    field.sheet = tables.sheets[index];
+    field.kind = static_cast<FieldKind>(static_cast<int>(column(1)));
+    field.row = static_cast<int>(column(3));
+    field.column = static_cast<int>(column(4));
+    field.defaultValue = none;
+    switch (field.kind) {
+        case FieldKind::Distribution:
+            field.law = static_cast<int>(column(2));
+            field.lowerProbability = column(13);
+            field.upperProbability = column(14);
+            [[fallthrough]];
+        case FieldKind::Scenario:
+            field.parameters = {column(7), column(8), column(9), column(10)};
+            field.defaultValue = column(11) == MissingValue ? none : column(11);
+            break;
+        case FieldKind::Result:
+            field.watched = column(6) > 0;
+            break;
+        case FieldKind::Statistic:
+            field.statistic = static_cast<int>(column(2));
+            field.unresolvedReference = workbookModel && column(9) < 1;
+            break;
+    }
+    return field;
+}
+
+/// The standard deviation's own check, which the module's fixed formula does not give: textbook intervals, and the
+/// module's rule for their movement.
+class StdevMonitor {
+public:
+    StdevMonitor(const ConvergenceSettings& settings, std::vector<std::size_t> results)
+        : settings_(settings), results_(std::move(results)), bounds_(2 * results_.size(), none) {}
+
+    bool converged(int iteration) {
+        const bool first = std::exchange(first_, false);
+        bool settled = true;
+        std::vector<double> values(iteration);
+        for (std::size_t i = 0; i < results_.size(); ++i) {
+            Cpp_GetSimRes(static_cast<int>(results_[i]) + 1, iteration, values.data());
+            double bounds[2];
+            stdevInterval(values, settings_.confidence, bounds[0], bounds[1]);
+            for (std::size_t k = 0; k < 2; ++k) {
+                const double old = std::exchange(bounds_[2 * i + k], bounds[k]);
+                const double movement = old == 0 ? 0 : std::fabs(bounds[k] - old) / old;
+                settled = settled && std::fabs(movement * 100) <= settings_.tolerancePercent;
+            }
+        }
+        return settled && !first;
+    }
+
+private:
+    ConvergenceSettings settings_;
+    std::vector<std::size_t> results_;
+    std::vector<double> bounds_;
+    bool first_ = true;
+};
+
+/// Iterations in which a cell showed an error, per field.
+using Gaps = std::vector<std::vector<int>>;
+
+void iterate(const RunSettings& settings, const std::vector<Field>& fields, bool monitored, const Host& host,
+             const Observer& observer, RunRecord& record, Gaps& gaps) {
+    std::optional<StdevMonitor> stdev;
+    if (settings.convergence && !monitored) {
+        stdev.emplace(*settings.convergence, record.watched);
+    }
+    for (int k = 1; k <= settings.iterations; ++k) {
+        if (observer.interrupted()) {
+            record.interrupted = true;
+            break;
+        }
+        if (const int code = Cpp_SimNext(); code != 0) {
+            throw runError(code, fields);
+        }
+        host.recalculate();
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            if (host.showsError(i)) {
+                gaps[i].push_back(k - 1);
+            }
+        }
+        record.iterations = k;
+        observer.progress(k, settings.iterations);
+        if (settings.convergence && k % settings.convergence->checkEvery == 0) {
+            record.checks.push_back(k);
+            if (stdev ? stdev->converged(k) : Cpp_SimConv() == 1) {
+                record.convergedAt = k;
+                break;
+            }
+        }
+    }
+    if (runErrorPending()) {
+        throw runError(-1, fields);
+    }
+}
+
+/// The stored values. A cell that shows an error was not evaluated, which leaves the store's zero in its place; such a
+/// zero is no value.
+void fetchSamples(const std::vector<Field>& fields, const Gaps& gaps, RunRecord& record) {
+    record.samples.iterations = record.iterations;
+    record.samples.columns.resize(fields.size());
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        auto& column = record.samples.columns[i];
+        column.resize(record.iterations);
+        Cpp_GetSimRes(fields[i].number, record.iterations, column.data());
+        for (const int k : gaps[i]) {
+            if (column[k] == 0) {
+                column[k] = none;
+            }
+        }
+        for (double& value : column) {
+            if (!std::isfinite(value) || value == MissingValue) {
+                value = none;
+            }
+        }
+    }
+}
+
+/// The module's intervals, recomputed where iterations without a value have to be left out.
+void repairIntervals(const RunSettings& settings, const std::vector<Field>& fields, RunRecord& record) {
+    const std::size_t n = fields.size();
+    for (std::size_t i = 0; i < n; ++i) {
+        const auto& column = record.samples.columns[i];
+        if (std::none_of(column.begin(), column.end(), [](double x) { return std::isnan(x); })) {
+            continue;
+        }
+        const Interval interval = centralInterval(fields[i], sortColumn(column), settings.tail);
+        const double values[] = {interval.lower, interval.median, interval.upper, interval.minimum, interval.maximum};
+        for (std::size_t c = 0; c < 5; ++c) {
+            record.intervals[c * n + i] = values[c];
+        }
+    }
+}
+
+std::vector<std::size_t> watchedResults(const RunSettings& settings, const std::vector<Field>& fields,
+                                        bool& everyResult) {
+    const bool marked = std::any_of(fields.begin(), fields.end(), [](const Field& f) { return f.watched; });
+    everyResult = !marked || (settings.convergence && settings.convergence->allResults);
+    std::vector<std::size_t> watched;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (fields[i].kind == FieldKind::Result && (everyResult || fields[i].watched)) {
+            watched.push_back(i);
+        }
+    }
+    return watched;
+}
+
+void checkSize(const RunSettings& settings, std::size_t fields) {
+    const auto cells = static_cast<std::int64_t>(settings.iterations) * static_cast<std::int64_t>(fields);
+    if (cells > largestSampleCells) {
+        throw Stop(ExitStatus::Usage,
+                   std::to_string(settings.iterations) + " iterations of " + std::to_string(fields) + " fields are " +
+                       std::to_string(cells) + " values; at most 64,000,000 fit: ask for at most " +
+                       std::to_string(largestSampleCells / static_cast<std::int64_t>(fields)) + " iterations");
+    }
+}
+}  // namespace
+
+std::vector<Field> describeModel(const Host& host, bool workbookModel) {
+    const IdleAfterwards idle;
+    RunSettings settings;
+    settings.iterations = 1;
+    settings.strata = 0;
+    settings.workbookModel = workbookModel;
+    std::optional<LabelledMatrix> independent;
+    prepare(settings, independent, host, {});
+    const Counts counts = begin(settings, false, false, {});
+    const EndTables tables = end(counts, settings.tail, 1);
+    std::vector<Field> fields;
+    for (int i = 0; i < counts.fields; ++i) {
+        fields.push_back(fieldOf(tables, i, workbookModel));
+    }
+    return fields;
+}
+
+RunResults runModel(const RunSettings& settings, const std::vector<Field>& fields, const Host& host,
+                    const Observer& observer) {
+    checkSize(settings, fields.size());
+    const IdleAfterwards idle;
+    RunRecord record;
+    std::optional<LabelledMatrix> correlation = settings.correlation;
+    host.watch(fields);
+    // A repaired matrix would serve as its own factor in this run; started again, the run finds a proper factor for it.
+    constexpr int mostRepairs = 3;
+    for (int repairs = 0; prepare(settings, correlation, host, fields) == 2; ++repairs) {
+        if (repairs == mostRepairs) {
+            throw Stop(ExitStatus::Model, "the correlation matrix is impossible and could not be repaired");
+        }
+        record.repaired = correlation;
+    }
+    bool everyResult = false;
+    record.watched = watchedResults(settings, fields, everyResult);
+    const bool monitored = settings.convergence && settings.convergence->criterion != ConvergenceCriterion::Stdev;
+    const Counts counts = begin(settings, monitored, everyResult, fields);
+    if (counts.fields != static_cast<int>(fields.size())) {
+        throw Stop(ExitStatus::Model, "the number of fields changes from one recalculation to the next");
+    }
+    Gaps gaps(fields.size());
+    iterate(settings, fields, monitored, host, observer, record, gaps);
+    if (record.iterations == 0) {
+        throw Stop(ExitStatus::Interrupted, "interrupted before the first iteration");
+    }
+    record.intervals = end(counts, settings.tail, record.iterations).intervals;
+    fetchSamples(fields, gaps, record);
+    repairIntervals(settings, fields, record);
+    if (settings.tornado && !record.interrupted) {
+        record.tornado = tornadoPass({*settings.tornado, settings.tail, fields, record.intervals}, host, observer);
+        record.interrupted = record.tornado.empty();
+    }
+    return analyseRun(settings, fields, record);
+}
+
+}  // namespace quorva::frontend

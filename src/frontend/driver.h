@@ -1,0 +1,53 @@
+// Drives a run through the module's exported functions and a host's recalculation, in the order that the module asks
+// for. It knows no workbook, so that any host that can recalculate and show a cell can use it; only one run at a time.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "frontend/run_results.h"
+#include "frontend/settings.h"
+
+namespace quorva::frontend {
+
+/// What the driver asks of the host that holds the model.
+struct Host {
+    /// Recalculates every volatile and model cell and what depends on them, on the calling thread.
+    std::function<void()> recalculate;
+    /// Names the cells that `showsError` will be asked for, by index.
+    std::function<void(std::span<const Field>)> watch;
+    /// Whether a watched cell shows an error after a recalculation.
+    std::function<bool(std::size_t)> showsError;
+};
+
+/// What watches a run.
+struct Observer {
+    std::function<bool()> interrupted = [] { return false; };
+    std::function<void(int done, int planned)> progress = [](int, int) {};
+};
+
+/// The fields of the model, in the order of their final numbers: both passes of a run, then its end. Throws Stop
+/// (Model) with sheet, cell and name.
+std::vector<Field> describeModel(const Host& host, bool workbookModel);
+
+/// Answers of the module during a run, from which the results are made.
+struct RunRecord {
+    int iterations = 0;  ///< done
+    bool interrupted = false;
+    int convergedAt = 0;
+    std::vector<int> checks;           ///< iterations at which convergence was looked at
+    std::vector<std::size_t> watched;  ///< indices of the results that convergence watches
+    std::vector<double> intervals;     ///< fields x 5, column by column: lower, median, upper, minimum, maximum
+    std::optional<LabelledMatrix> repaired;
+    SampleTable samples;
+    std::vector<Tornado> tornado;
+};
+
+/// One whole run. `fields` is what describeModel found. Throws Stop; whatever happens, the module is idle afterwards.
+RunResults runModel(const RunSettings& settings, const std::vector<Field>& fields, const Host& host,
+                    const Observer& observer);
+
+}  // namespace quorva::frontend

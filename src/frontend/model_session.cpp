@@ -1,0 +1,77 @@
+#include "frontend/model_session.h"
+
+#include "frontend/failure.h"
+#include "frontend/text.h"
+
+namespace quorva::frontend {
+
+using workbook::CellValue;
+
+namespace {
+constexpr int mostTableRows = 10'001;
+
+TableCell tableCell(const CellValue& value) {
+    switch (value.type) {
+        case CellValue::Type::Blank:
+            return {};
+        case CellValue::Type::Number:
+            return value.number;
+        case CellValue::Type::Text:
+            return value.text;
+        case CellValue::Type::Boolean:
+            return std::string(value.number != 0 ? "TRUE" : "FALSE");
+        case CellValue::Type::Error:
+            return value.text;
+    }
+    return {};
+}
+}  // namespace
+
+ModelSession::ModelSession(const std::string& file) : book_(file) {
+    book_.attach();
+    if (book_.modelCells().empty()) {
+        throw Stop(ExitStatus::Model, "nothing to simulate: '" + file +
+                                          "' has no model function; a model needs at least one distribution (such as "
+                                          "QUORVA_SimNormal) and one result (QUORVA_SimRes)");
+    }
+}
+
+Host ModelSession::host() {
+    return {[this] { book_.recalculate(); }, [this](std::span<const Field> fields) { watch(fields); },
+            [this](std::size_t index) { return book_.value(watched_[index]).type == CellValue::Type::Error; }};
+}
+
+void ModelSession::watch(std::span<const Field> fields) {
+    watched_.clear();
+    for (const Field& field : fields) {
+        int sheet = 0;
+        while (sheet < book_.sheetCount() && book_.sheetName(sheet) != field.sheet) {
+            ++sheet;
+        }
+        if (sheet == book_.sheetCount()) {
+            throw Stop(ExitStatus::Internal, "the sheet '" + field.sheet + "' of a field is not in the workbook");
+        }
+        watched_.push_back({sheet, field.row, field.column});
+    }
+}
+
+std::optional<CellTable> ModelSession::table(std::string_view reference) const {
+    const auto range = book_.resolve(reference);
+    if (!range) {
+        return std::nullopt;
+    }
+    const int rows = range->lastRow - range->firstRow + 1, columns = range->lastColumn - range->firstColumn + 1;
+    if (rows > mostTableRows || columns > mostTableRows) {
+        throw Stop(ExitStatus::Model, "'" + std::string(reference) + "' is too large for a table of settings: " +
+                                          std::to_string(rows) + " rows and " + std::to_string(columns) + " columns");
+    }
+    CellTable table(rows);
+    for (int r = 0; r < rows; ++r) {
+        for (int c = 0; c < columns; ++c) {
+            table[r].push_back(tableCell(book_.value({range->sheet, range->firstRow + r, range->firstColumn + c})));
+        }
+    }
+    return table;
+}
+
+}  // namespace quorva::frontend

@@ -1,0 +1,281 @@
+#include "frontend/requirements.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "frontend/failure.h"
+#include "frontend/statistics.h"
+#include "frontend/text.h"
+
+namespace quorva::frontend {
+
+namespace {
+struct Symbol {
+    std::string_view text;
+    Comparison comparison;
+};
+constexpr Symbol comparisons[] = {
+    {"<=", Comparison::LessEqual}, {">=", Comparison::GreaterEqual}, {"<>", Comparison::NotEqual},
+    {"!=", Comparison::NotEqual},  {"==", Comparison::Equal},        {"<", Comparison::Less},
+    {">", Comparison::Greater},    {"=", Comparison::Equal},
+};
+
+struct Word {
+    std::string_view text;
+    Measure measure;
+};
+constexpr Word words[] = {{"mean", Measure::Mean},
+                          {"stdev", Measure::Stdev},
+                          {"median", Measure::Median},
+                          {"min", Measure::Minimum},
+                          {"max", Measure::Maximum}};
+
+class Parser {
+public:
+    explicit Parser(std::string_view text) : text_(text) {}
+
+    Requirement parse() {
+        Requirement requirement;
+        requirement.expression = text_;
+        measure(requirement);
+        expect('(');
+        requirement.name = name(requirement.measure == Measure::Probability);
+        if (requirement.measure == Measure::Probability) {
+            requirement.inner = comparison();
+            requirement.threshold = number();
+        }
+        expect(')');
+        requirement.comparison = comparison();
+        requirement.limit = number();
+        blanks();
+        if (at_ < text_.size()) {
+            fail("nothing after the limit");
+        }
+        return requirement;
+    }
+
+private:
+    [[noreturn]] void fail(const std::string& expected) const {
+        throw Stop(ExitStatus::Usage, "requirement \"" + std::string(text_) + "\", character " +
+                                          std::to_string(at_ + 1) + ": expected " + expected +
+                                          "; for example \"mean(Profit) >= 100\", \"P(Profit < 0) <= 0.05\", "
+                                          "\"p95(Cost) <= 1e6\" or \"cpk(Diameter) >= 1.33\"");
+    }
+
+    void blanks() {
+        while (at_ < text_.size() && (text_[at_] == ' ' || text_[at_] == '\t')) {
+            ++at_;
+        }
+    }
+
+    void expect(char c) {
+        blanks();
+        if (at_ >= text_.size() || text_[at_] != c) {
+            fail(std::string("'") + c + "'");
+        }
+        ++at_;
+    }
+
+    void measure(Requirement& requirement) {
+        blanks();
+        const std::size_t start = at_;
+        const auto open = text_.find('(', start);
+        const std::string written(trimmed(text_.substr(start, open == text_.npos ? text_.npos : open - start)));
+        const std::string word = lowerCase(written);
+        const std::string wanted = "mean, stdev, median, min, max, p followed by a percentage, P, cp, cpk or ppm";
+        if (open == text_.npos) {
+            fail(wanted + " and a name in parentheses");
+        }
+        if (word == "p") {
+            requirement.measure = Measure::Probability;
+        } else if (const auto* found =
+                       std::find_if(std::begin(words), std::end(words), [&](const Word& w) { return w.text == word; });
+                   found != std::end(words)) {
+            requirement.measure = found->measure;
+        } else if (const auto index = capabilityIndex(word)) {
+            requirement.measure = Measure::Capability;
+            requirement.capabilityIndex = *index;
+        } else if (const auto percent = word.starts_with('p') ? parseNumber(word.substr(1)) : std::nullopt;
+                   percent && *percent >= 0 && *percent <= 100) {
+            requirement.measure = Measure::Percentile;
+            requirement.percentile = *percent;
+        } else {
+            fail(wanted);
+        }
+        at_ = open;
+    }
+
+    static std::optional<int> capabilityIndex(const std::string& word) {
+        const std::string key = word == "ppm" ? "ppm_total" : word;
+        for (int i = 0; i < capabilityIndices; ++i) {
+            if (key == capabilityNames[i].key) {
+                return i;
+            }
+        }
+        return std::nullopt;
+    }
+
+    std::string name(bool beforeComparison) {
+        blanks();
+        std::string name;
+        if (at_ < text_.size() && text_[at_] == '\'') {
+            for (++at_;; ++at_) {
+                if (at_ >= text_.size()) {
+                    fail("a closing quote");
+                }
+                if (text_[at_] == '\'') {
+                    if (at_ + 1 < text_.size() && text_[at_ + 1] == '\'') {
+                        ++at_;
+                    } else {
+                        ++at_;
+                        return name;
+                    }
+                }
+                name += text_[at_];
+            }
+        }
+        // A bare name may hold parentheses of its own as long as they are balanced.
+        int open = 0;
+        for (; at_ < text_.size(); ++at_) {
+            const char c = text_[at_];
+            if ((c == ')' && open == 0) || (beforeComparison && (c == '<' || c == '>' || c == '='))) {
+                break;
+            }
+            open += c == '(' ? 1 : c == ')' ? -1 : 0;
+            name += c;
+        }
+        name = trimmed(name);
+        if (name.empty()) {
+            fail("the name of a field");
+        }
+        return name;
+    }
+
+    Comparison comparison() {
+        blanks();
+        for (const Symbol& symbol : comparisons) {
+            if (text_.substr(at_).starts_with(symbol.text)) {
+                at_ += symbol.text.size();
+                return symbol.comparison;
+            }
+        }
+        fail("one of < <= > >= = <>");
+    }
+
+    double number() {
+        blanks();
+        const std::size_t start = at_;
+        while (at_ < text_.size() && (std::isalnum(static_cast<unsigned char>(text_[at_])) || text_[at_] == '.' ||
+                                      text_[at_] == '+' || text_[at_] == '-')) {
+            ++at_;
+        }
+        const auto value = parseNumber(text_.substr(start, at_ - start));
+        if (!value) {
+            at_ = start;
+            fail("a number");
+        }
+        blanks();
+        if (at_ < text_.size() && text_[at_] == '%') {
+            ++at_;
+            return *value / 100;
+        }
+        return *value;
+    }
+
+    std::string_view text_;
+    std::size_t at_ = 0;
+};
+
+bool holds(double value, Comparison comparison, double limit) {
+    switch (comparison) {
+        case Comparison::Less:
+            return value < limit;
+        case Comparison::LessEqual:
+            return value <= limit;
+        case Comparison::Greater:
+            return value > limit;
+        case Comparison::GreaterEqual:
+            return value >= limit;
+        case Comparison::Equal:
+            return value == limit;
+        case Comparison::NotEqual:
+            return value != limit;
+    }
+    return false;
+}
+
+double capabilityValue(const Requirement& requirement, const RunResults& results) {
+    for (const Capability& capability : results.capability) {
+        if (capability.limits.name == requirement.name) {
+            return capability.indices[requirement.capabilityIndex];
+        }
+    }
+    return std::numeric_limits<double>::quiet_NaN();
+}
+
+double measured(const Requirement& requirement, const RunResults& results) {
+    if (requirement.measure == Measure::Capability) {
+        return capabilityValue(requirement, results);
+    }
+    for (std::size_t i = 0; i < results.fields.size(); ++i) {
+        if (results.fields[i].name != requirement.name) {
+            continue;
+        }
+        const Summary& summary = results.summary[i];
+        const auto& column = results.samples.columns[i];
+        switch (requirement.measure) {
+            case Measure::Mean:
+                return summary.mean;
+            case Measure::Stdev:
+                return summary.stdev;
+            case Measure::Median:
+                return summary.percentiles[4];
+            case Measure::Minimum:
+                return summary.minimum;
+            case Measure::Maximum:
+                return summary.maximum;
+            case Measure::Percentile:
+                return quantileOfSorted(sortColumn(column).values, requirement.percentile / 100);
+            case Measure::Probability: {
+                const auto count = std::count_if(column.begin(), column.end(), [&](double x) {
+                    return !std::isnan(x) && holds(x, requirement.inner, requirement.threshold);
+                });
+                return static_cast<double>(count) / static_cast<double>(summary.count);
+            }
+            case Measure::Capability:
+                break;
+        }
+    }
+    return std::numeric_limits<double>::quiet_NaN();
+}
+}  // namespace
+
+Requirement parseRequirement(std::string_view expression) { return Parser(expression).parse(); }
+
+void checkRequirement(const Requirement& requirement, const std::vector<Field>& fields,
+                      const std::vector<SpecificationLimits>& limits) {
+    std::vector<std::string> names;
+    for (const Field& field : fields) {
+        names.push_back(field.name);
+    }
+    if (std::find(names.begin(), names.end(), requirement.name) == names.end()) {
+        throw Stop(ExitStatus::Model, "requirement \"" + requirement.expression + "\": the model has no field named '" +
+                                          requirement.name + "'" + nearestHint(requirement.name, names));
+    }
+    const bool limited = std::any_of(limits.begin(), limits.end(),
+                                     [&](const SpecificationLimits& limit) { return limit.name == requirement.name; });
+    if (requirement.measure == Measure::Capability && !limited) {
+        throw Stop(ExitStatus::Model, "requirement \"" + requirement.expression + "\": '" + requirement.name +
+                                          "' has no specification limits; give them with --capability");
+    }
+}
+
+RequirementOutcome evaluateRequirement(const Requirement& requirement, const RunResults& results) {
+    const double value = measured(requirement, results);
+    const bool passed = !std::isnan(value) && holds(value, requirement.comparison, requirement.limit);
+    return {requirement.expression, value, requirement.limit, passed};
+}
+
+}  // namespace quorva::frontend

@@ -1,0 +1,100 @@
+#include "frontend/run_errors.h"
+
+#include "frontend/host_arrays.h"
+#include "frontend/text.h"
+#include "quorva/front_end.h"
+
+namespace quorva::frontend {
+
+namespace {
+struct ErrorRecord {
+    int code = 0;
+    int row = 0;
+    int column = 0;
+    std::vector<std::string> texts;
+};
+
+/// First location, or with `second` the second one and the extra text.
+ErrorRecord readError(bool second) {
+    ErrorRecord record;
+    record.row = second ? -1 : 0;
+    HostLabels texts;
+    Cpp_SimError(&record.code, &record.row, &record.column, texts.address());
+    record.texts = texts.utf8();
+    return record;
+}
+
+std::string place(const ErrorRecord& record) {
+    const std::string sheet = record.texts.empty() ? "" : sheetOfHostName(record.texts[0]);
+    return "cell " + cellAddress(sheet, record.row, record.column);
+}
+
+std::string nameAt(const ErrorRecord& record, const std::vector<Field>& fields) {
+    const std::string sheet = record.texts.empty() ? "" : sheetOfHostName(record.texts[0]);
+    for (const Field& field : fields) {
+        if (field.row == record.row && field.column == record.column && (sheet.empty() || field.sheet == sheet)) {
+            return " (field '" + field.name + "')";
+        }
+    }
+    return "";
+}
+
+std::string nothingToSimulate() {
+    return "nothing to simulate: a model needs at least one distribution (such as QUORVA_SimNormal) and one result "
+           "(QUORVA_SimRes)";
+}
+
+std::string sentence(int code, const ErrorRecord& first, const std::vector<Field>& fields) {
+    const std::string where = place(first) + nameAt(first, fields);
+    switch (code) {
+        case -10:
+            return where +
+                   " holds two model functions; a cell can be one field only: give the second one a cell of "
+                   "its own";
+        case -11:
+            return where +
+                   " holds a model function that was not there when the run was prepared; a model function "
+                   "must not appear or vanish during a run";
+        case -13:
+            return where + ": more than 10,000 fields";
+        case -14:
+            return where + ": no draw fell within the truncation bounds; widen them or check their order";
+        case -15:
+            return where + " lies beyond row 65,000 or column 255 (IU), where model functions cannot stand";
+        case -16:
+            return where + ": model functions on more than 10 sheets, or on a sheet that is not part of the model";
+        case -17: {
+            const ErrorRecord second = readError(true);
+            const std::string name = second.texts.size() > 1 ? second.texts[1] : "";
+            return "two fields are named '" + name + "': " + place(first) + " and " + place(second) +
+                   "; names must be unique in the workbook";
+        }
+        default:
+            return where + ": run error " + std::to_string(code);
+    }
+}
+}  // namespace
+
+bool runErrorPending() { return readError(false).code != 0; }
+
+Stop runError(int code, const std::vector<Field>& fields) {
+    const ErrorRecord first = readError(false);
+    if (first.code != 0) {
+        return {ExitStatus::Model, sentence(first.code, first, fields)};
+    }
+    switch (code) {
+        case -1:
+            return {ExitStatus::Model, "a label of the correlation matrix matches no distribution of the model"};
+        case -2:
+            return {ExitStatus::Model,
+                    "the correlation matrix is impossible and could not be repaired, or " + nothingToSimulate()};
+        case -3:
+            return {ExitStatus::Model, nothingToSimulate()};
+        case -12:
+            return {ExitStatus::Usage, "more than 64,000,000 values (iterations x fields); ask for fewer iterations"};
+        default:
+            return {ExitStatus::Internal, "the module answered with code " + std::to_string(code)};
+    }
+}
+
+}  // namespace quorva::frontend

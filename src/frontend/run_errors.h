@@ -1,0 +1,19 @@
+// Run error codes in words.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "frontend/failure.h"
+#include "frontend/run_results.h"
+
+namespace quorva::frontend {
+
+/// The error that the module has recorded, as a sentence with sheet, cell and field name; `code` is what the call
+/// returned and stands where the module recorded nothing.
+Stop runError(int code, const std::vector<Field>& fields);
+
+/// True when the module has recorded an error.
+bool runErrorPending();
+
+}  // namespace quorva::frontend

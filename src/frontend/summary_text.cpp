@@ -1,0 +1,185 @@
+#include <algorithm>
+#include <cmath>
+
+#include "frontend/reports.h"
+#include "frontend/text.h"
+
+namespace quorva::frontend {
+
+namespace {
+constexpr std::size_t width = 100;
+
+struct Column {
+    std::string title;
+    std::vector<std::string> cells;
+};
+
+std::string line(std::string text) {
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text + "\n";
+}
+
+/// A first column of names and right-aligned columns of numbers.
+std::string table(const std::string& title, const std::vector<std::string>& names, const std::vector<Column>& columns) {
+    std::size_t numbers = 0;
+    std::vector<std::size_t> widths;
+    for (const Column& column : columns) {
+        std::size_t widest = displayWidth(column.title);
+        for (const std::string& cell : column.cells) {
+            widest = std::max(widest, displayWidth(cell));
+        }
+        widths.push_back(widest);
+        numbers += widest + 2;
+    }
+    std::size_t nameWidth = displayWidth(title);
+    for (const std::string& name : names) {
+        nameWidth = std::max(nameWidth, displayWidth(name));
+    }
+    nameWidth = std::min(nameWidth, width - std::min(numbers, width - 12));
+    std::string out = fitLeft(title, nameWidth);
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+        out += "  " + fitRight(columns[c].title, widths[c]);
+    }
+    out = line(out);
+    for (std::size_t r = 0; r < names.size(); ++r) {
+        std::string row = fitLeft(printable(names[r]), nameWidth);
+        for (std::size_t c = 0; c < columns.size(); ++c) {
+            row += "  " + fitRight(columns[c].cells[r], widths[c]);
+        }
+        out += line(row);
+    }
+    return out;
+}
+
+/// A sentence in lines of at most `width`, the later ones indented.
+std::string wrapped(const std::string& text, const std::string& first, const std::string& later) {
+    std::string out, current = first;
+    bool empty = true;
+    std::string rest = printable(text);
+    while (!rest.empty()) {
+        const auto blank = rest.find(' ');
+        const std::string word = rest.substr(0, blank);
+        rest = blank == std::string::npos ? "" : rest.substr(blank + 1);
+        if (!empty && displayWidth(current) + 1 + displayWidth(word) > width) {
+            out += line(current);
+            current = later;
+            empty = true;
+        }
+        current += (empty ? "" : " ") + word;
+        empty = false;
+    }
+    return out + line(current);
+}
+
+std::string summaryTable(const RunResults& results, FieldKind kind, const std::string& title) {
+    std::vector<std::string> names;
+    std::vector<Column> columns{{"mean", {}}, {"stdev", {}}, {"min", {}}, {"P5", {}},
+                                {"P50", {}},  {"P95", {}},   {"max", {}}};
+    for (const Summary& summary : results.summary) {
+        if (summary.kind != kind) {
+            continue;
+        }
+        names.push_back(summary.name);
+        const double values[] = {summary.mean,           summary.stdev,          summary.minimum,
+                                 summary.percentiles[1], summary.percentiles[4], summary.percentiles[7],
+                                 summary.maximum};
+        for (std::size_t c = 0; c < columns.size(); ++c) {
+            columns[c].cells.push_back(readableNumber(values[c]));
+        }
+    }
+    return names.empty() ? "" : table(title, names, columns) + "\n";
+}
+
+/// The strongest inputs of each result, in one line per result.
+std::string driversText(const RunResults& results) {
+    constexpr std::size_t most = 3;
+    std::string out;
+    for (const Sensitivity& sensitivity : results.sensitivity) {
+        std::string text;
+        for (std::size_t i = 0; i < std::min(most, sensitivity.inputs.size()); ++i) {
+            const SensitivityInput& input = sensitivity.inputs[i];
+            if (std::isnan(input.contribution)) {
+                continue;
+            }
+            text += (text.empty() ? "" : ", ") + input.name + " " + readableNumber(input.contribution * 100, 3) + " %";
+        }
+        out += text.empty() ? "" : wrapped(sensitivity.result + ": " + text, "  ", "    ");
+    }
+    return out.empty() ? ""
+                       : "Share of the variation explained by the strongest inputs (sign: direction)\n" + out + "\n";
+}
+
+std::string tornadoText(const RunResults& results) {
+    constexpr std::size_t most = 5;
+    std::string out;
+    for (const Tornado& tornado : results.tornado) {
+        std::vector<std::string> names;
+        std::vector<Column> columns{{"low", {}}, {"high", {}}, {"swing", {}}};
+        for (std::size_t i = 0; i < std::min(most, tornado.inputs.size()); ++i) {
+            names.push_back(tornado.inputs[i].name);
+            columns[0].cells.push_back(readableNumber(tornado.inputs[i].low));
+            columns[1].cells.push_back(readableNumber(tornado.inputs[i].high));
+            columns[2].cells.push_back(readableNumber(tornado.inputs[i].swing));
+        }
+        out += table("Tornado of " + printable(tornado.result) + ", base " + readableNumber(tornado.base), names,
+                     columns) +
+               "\n";
+    }
+    return out;
+}
+
+std::string capabilityText(const RunResults& results) {
+    std::vector<std::string> names;
+    std::vector<Column> columns{{"LSL", {}}, {"USL", {}}, {"Cp", {}}, {"Cpk", {}}, {"PPM total", {}}};
+    for (const Capability& capability : results.capability) {
+        names.push_back(capability.limits.name);
+        const double values[] = {capability.limits.lower, capability.limits.upper, capability.indices[0],
+                                 capability.indices[3], capability.indices[22]};
+        for (std::size_t c = 0; c < columns.size(); ++c) {
+            columns[c].cells.push_back(readableNumber(values[c], 4));
+        }
+    }
+    return names.empty() ? "" : table("Capability", names, columns) + "\n";
+}
+
+std::string requirementsText(const RunResults& results) {
+    std::string out;
+    for (const RequirementOutcome& requirement : results.requirements) {
+        out += wrapped(requirement.expression + "   (is " + readableNumber(requirement.value) + ")",
+                       requirement.passed ? "  met     " : "  NOT MET ", "          ");
+    }
+    return out.empty() ? "" : "Requirements\n" + out + "\n";
+}
+}  // namespace
+
+std::string summaryText(const RunResults& results) {
+    const RunSettings& settings = results.settings;
+    std::string out = wrapped(results.workbook, "", "");
+    std::string head = std::to_string(results.iterations) + " iterations";
+    if (results.iterations != settings.iterations) {
+        head += " of " + std::to_string(settings.iterations);
+    }
+    head += settings.effectiveStrata() > 0
+                ? ", Latin hypercube with " + std::to_string(settings.effectiveStrata()) + " strata"
+                : ", plain random sampling";
+    out += wrapped(head + ", seed " + std::to_string(settings.seed), "", "") + "\n";
+    out += summaryTable(results, FieldKind::Result, "Results");
+    out += summaryTable(results, FieldKind::Distribution, "Inputs");
+    out += summaryTable(results, FieldKind::Scenario, "Scenario variables");
+    out += summaryTable(results, FieldKind::Statistic, "Statistics");
+    out += driversText(results) + tornadoText(results) + capabilityText(results) + requirementsText(results);
+    if (results.convergence && results.convergence->converged) {
+        out += wrapped("Converged at iteration " + std::to_string(results.convergence->at) + " (" +
+                           results.convergence->criterion + ")",
+                       "", "  ");
+    }
+    for (const std::string& note : results.notes) {
+        out += wrapped(note, "note: ", "      ");
+    }
+    for (const std::string& warning : results.warnings) {
+        out += wrapped(warning, "warning: ", "         ");
+    }
+    return out;
+}
+
+}  // namespace quorva::frontend

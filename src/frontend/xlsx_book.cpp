@@ -1,0 +1,155 @@
+#include "frontend/xlsx_book.h"
+
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "frontend/failure.h"
+
+namespace quorva::frontend {
+
+namespace {
+constexpr std::size_t longestText = 32767;
+constexpr lxw_color_t headerColour = 0x1F4E79;
+
+/// The writer takes a count of UTF-8 characters up to the sheet's limit.
+std::string limited(const std::string& text) {
+    if (text.size() <= longestText) {
+        return text;
+    }
+    std::size_t end = longestText;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
+        --end;
+    }
+    return text.substr(0, end);
+}
+
+std::string temporaryName() {
+    std::string name = (std::filesystem::temp_directory_path() / "quorva-XXXXXX").string();
+    const int descriptor = mkstemp(name.data());
+    if (descriptor < 0) {
+        throw Stop(ExitStatus::Internal, "no temporary file can be made for the .xlsx report");
+    }
+    close(descriptor);
+    return name;
+}
+}  // namespace
+
+void XlsxSheet::text(int row, int column, const std::string& text, lxw_format* format) {
+    worksheet_write_string(sheet_, static_cast<lxw_row_t>(row), static_cast<lxw_col_t>(column), limited(text).c_str(),
+                           format);
+}
+
+void XlsxSheet::number(int row, int column, double value, lxw_format* format) {
+    if (std::isfinite(value)) {
+        worksheet_write_number(sheet_, static_cast<lxw_row_t>(row), static_cast<lxw_col_t>(column), value,
+                               format ? format : formats_->number);
+    }
+}
+
+void XlsxSheet::header(int row, int column, const std::vector<std::string>& titles) {
+    for (const std::string& title : titles) {
+        text(row, column++, title, formats_->header);
+    }
+}
+
+void XlsxSheet::width(int first, int last, double characters) {
+    worksheet_set_column(sheet_, static_cast<lxw_col_t>(first), static_cast<lxw_col_t>(last), characters, nullptr);
+}
+
+void XlsxSheet::freeze(int rows, int columns) {
+    worksheet_freeze_panes(sheet_, static_cast<lxw_row_t>(rows), static_cast<lxw_col_t>(columns));
+}
+
+void XlsxSheet::chart(int row, int column, lxw_chart* chart, int width, int height) {
+    lxw_chart_options options{};
+    options.x_scale = width / 480.0;
+    options.y_scale = height / 288.0;
+    worksheet_insert_chart_opt(sheet_, static_cast<lxw_row_t>(row), static_cast<lxw_col_t>(column), chart, &options);
+}
+
+XlsxBook::XlsxBook() : file_(temporaryName()), book_(workbook_new(file_.c_str())) {
+    if (!book_) {
+        throw Stop(ExitStatus::Internal, "the .xlsx report could not be started");
+    }
+    // The same run gives the same bytes, whenever it is written.
+    lxw_doc_properties properties{};
+    char title[] = "Simulation report", application[] = "quorva";
+    properties.title = title;
+    properties.author = application;
+    properties.created = 315532800;
+    workbook_set_properties(book_, &properties);
+    const auto format = [&](const char* numberFormat) {
+        lxw_format* made = workbook_add_format(book_);
+        if (numberFormat) {
+            format_set_num_format(made, numberFormat);
+        }
+        return made;
+    };
+    formats_ = {format(nullptr), format(nullptr), format("#,##0.######"), format("#,##0"), format("0.0%"),
+                format(nullptr), format(nullptr), format(nullptr),        format(nullptr)};
+    format_set_bold(formats_.title);
+    format_set_font_size(formats_.title, 14);
+    format_set_bold(formats_.header);
+    format_set_bg_color(formats_.header, headerColour);
+    format_set_font_color(formats_.header, LXW_COLOR_WHITE);
+    format_set_text_wrap(formats_.wrapped);
+    format_set_align(formats_.wrapped, LXW_ALIGN_VERTICAL_TOP);
+    format_set_font_color(formats_.good, 0x1E6B34);
+    format_set_font_color(formats_.bad, 0xB00020);
+    format_set_bold(formats_.bad);
+}
+
+XlsxBook::~XlsxBook() {
+    if (book_) {
+        lxw_workbook_free(book_);
+    }
+    unlink(file_.c_str());
+}
+
+XlsxSheet XlsxBook::sheet(const char* name) { return {workbook_add_worksheet(book_, name), name, formats_}; }
+
+lxw_chart* XlsxBook::chart(lxw_chart_type type, const std::string& title, const std::string& xTitle,
+                           const std::string& yTitle) {
+    lxw_chart* chart = workbook_add_chart(book_, static_cast<std::uint8_t>(type));
+    chart_title_set_name(chart, title.c_str());
+    lxw_chart_font font{};
+    font.size = 12;
+    font.bold = LXW_TRUE;
+    chart_title_set_name_font(chart, &font);
+    chart_axis_set_name(chart->x_axis, xTitle.c_str());
+    chart_axis_set_name(chart->y_axis, yTitle.c_str());
+    chart_legend_set_position(chart, LXW_CHART_LEGEND_BOTTOM);
+    return chart;
+}
+
+lxw_chart_series* XlsxBook::series(lxw_chart* chart, const XlsxRange& categories, const XlsxRange& values, int nameRow,
+                                   int nameColumn) {
+    lxw_chart_series* series = chart_add_series(chart, nullptr, nullptr);
+    const auto row = [](int r) { return static_cast<lxw_row_t>(r); };
+    const auto column = [](int c) { return static_cast<lxw_col_t>(c); };
+    chart_series_set_categories(series, categories.sheet, row(categories.firstRow), column(categories.column),
+                                row(categories.lastRow), column(categories.column));
+    chart_series_set_values(series, values.sheet, row(values.firstRow), column(values.column), row(values.lastRow),
+                            column(values.column));
+    chart_series_set_name_range(series, values.sheet, row(nameRow), column(nameColumn));
+    return series;
+}
+
+std::string XlsxBook::finish() {
+    const lxw_error error = workbook_close(book_);
+    book_ = nullptr;
+    if (error != LXW_NO_ERROR) {
+        throw Stop(ExitStatus::Internal, std::string("the .xlsx report could not be written: ") + lxw_strerror(error));
+    }
+    std::ifstream in(file_, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return std::move(bytes).str();
+}
+
+}  // namespace quorva::frontend

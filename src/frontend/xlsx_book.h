@@ -1,0 +1,77 @@
+// A thin layer over the spreadsheet writer: cells that are never formulas, numbers that may be missing, native charts.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <xlsxwriter.h>
+
+namespace quorva::frontend {
+
+struct XlsxFormats {
+    lxw_format* title;
+    lxw_format* header;
+    lxw_format* number;
+    lxw_format* whole;
+    lxw_format* percent;
+    lxw_format* text;
+    lxw_format* wrapped;
+    lxw_format* good;
+    lxw_format* bad;
+};
+
+/// A block of cells of one sheet, for the series of a chart; rows and columns from 0, both ends included.
+struct XlsxRange {
+    const char* sheet;
+    int firstRow, lastRow, column;
+};
+
+class XlsxSheet {
+public:
+    XlsxSheet(lxw_worksheet* sheet, const char* name, const XlsxFormats& formats)
+        : sheet_(sheet), name_(name), formats_(&formats) {}
+
+    void text(int row, int column, const std::string& text, lxw_format* format = nullptr);
+    /// Nothing when the number does not exist.
+    void number(int row, int column, double value, lxw_format* format = nullptr);
+    void header(int row, int column, const std::vector<std::string>& titles);
+    void width(int first, int last, double characters);
+    void freeze(int rows, int columns);
+    void chart(int row, int column, lxw_chart* chart, int width = 620, int height = 320);
+
+    XlsxRange range(int firstRow, int lastRow, int column) const { return {name_, firstRow, lastRow, column}; }
+    lxw_worksheet* get() const { return sheet_; }
+    const XlsxFormats& formats() const { return *formats_; }
+
+private:
+    lxw_worksheet* sheet_;
+    const char* name_;
+    const XlsxFormats* formats_;
+};
+
+/// A workbook in the making, in a temporary file.
+class XlsxBook {
+public:
+    XlsxBook();
+    XlsxBook(const XlsxBook&) = delete;
+    XlsxBook& operator=(const XlsxBook&) = delete;
+    ~XlsxBook();
+
+    XlsxSheet sheet(const char* name);
+    lxw_chart* chart(lxw_chart_type type, const std::string& title, const std::string& xTitle,
+                     const std::string& yTitle);
+    /// A series whose name is a cell's text, so that no name is taken for a formula.
+    static lxw_chart_series* series(lxw_chart* chart, const XlsxRange& categories, const XlsxRange& values, int nameRow,
+                                    int nameColumn);
+    /// The finished file's bytes.
+    std::string finish();
+
+    const XlsxFormats& formats() const { return formats_; }
+
+private:
+    std::string file_;
+    lxw_workbook* book_;
+    XlsxFormats formats_{};
+};
+
+}  // namespace quorva::frontend
