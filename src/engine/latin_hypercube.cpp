@@ -102,7 +102,7 @@ double stratifiedUniform(const Generator& generator, int stream, Bounds bounds) 
         }
         double& left = table(strata + 1, stream);
         const double stratum = table(wholeNumber(left), stream);
-        const double result = (uniform + stratum - 1.0) / strata;
+        const double result = (uniform + (stratum - 1.0)) / strata;  // exactly the uniform for one stratum
         left -= 1.0;
         if (bounds.settles(result)) {
             return result;

@@ -18,7 +18,7 @@ constexpr int repaired = 2;
 /// `repaired`, or matrixUnusable.
 int factorise(matrix<double>& correlations, double* given) {
     CorrelationState& state = run.correlation;
-    const int n = state.nCorr;
+    const int n = correlations.rows();
     M_ReplaceMissingByVal(correlations, n, n, 0.0);
     if (!isTrue(M_IsSymmetric(&correlations, n))) {
         return runerror::matrixUnusable;
@@ -43,7 +43,7 @@ int factorise(matrix<double>& correlations, double* given) {
 
 int setUpCorrelation(double* iCorrMat, HostStringArray** labels) {
     CorrelationState& state = run.correlation;
-    const int n = state.nCorr;
+    const int n = std::max(state.nCorr, 0);
     matrix<double> correlations(n, n, static_cast<const double*>(iCorrMat));
     state.CorrLabels = fromHostStringArray(labels ? *labels : nullptr, n);
     state.CorrFactor = matrix<double>(n, n);

@@ -7,17 +7,27 @@
 
 namespace quorva::workbook {
 
-std::span<const FunctionRow> mathFunctions();          ///< arithmetic, rounding, trigonometry, sums, matrices
-std::span<const FunctionRow> statisticsFunctions();    ///< averages, counts, order statistics, regression
-std::span<const FunctionRow> distributionFunctions();  ///< distributions, inverses, tests
+std::span<const FunctionRow> mathFunctions();      ///< arithmetic, powers, sums
+std::span<const FunctionRow> roundingFunctions();  ///< ROUND, CEILING, EVEN ...
+std::span<const FunctionRow> trigonometryFunctions();
+std::span<const FunctionRow> combinatoricFunctions();     ///< factorials, divisors, numerals
+std::span<const FunctionRow> matrixFunctions();           ///< MMULT, SUMPRODUCT ...
+std::span<const FunctionRow> statisticsFunctions();       ///< averages, counts, extremes, spread
+std::span<const FunctionRow> orderStatisticsFunctions();  ///< percentiles, ranks, modes
+std::span<const FunctionRow> regressionFunctions();       ///< correlation, lines, LINEST
+std::span<const FunctionRow> distributionFunctions();     ///< continuous ones: densities, probabilities, quantiles
+std::span<const FunctionRow> discreteDistributionFunctions();
+std::span<const FunctionRow> testFunctions();  ///< T.TEST, confidence intervals ...
 std::span<const FunctionRow> financeFunctions();
 std::span<const FunctionRow> dateFunctions();
 std::span<const FunctionRow> textFunctions();
 std::span<const FunctionRow> engineeringFunctions();  ///< bases, bits, CONVERT, complex numbers, Bessel
 std::span<const FunctionRow> lookupFunctions();       ///< VLOOKUP, MATCH, XLOOKUP, ADDRESS ...
-std::span<const FunctionRow> arrayFunctions();        ///< SEQUENCE, SORT, FILTER, UNIQUE ...
+std::span<const FunctionRow> arrayFunctions();        ///< SEQUENCE, TAKE, HSTACK, random numbers ...
+std::span<const FunctionRow> sortingFunctions();      ///< SORT, FILTER, UNIQUE ...
 std::span<const FunctionRow> informationFunctions();  ///< ISNUMBER, TYPE, N ... and NOT, XOR
 std::span<const FunctionRow> databaseFunctions();     ///< DSUM and its kind
-std::span<const FunctionRow> conditionalFunctions();  ///< SUMIF, COUNTIFS, AVERAGEIFS, MAXIFS, SUBTOTAL, AGGREGATE
+std::span<const FunctionRow> conditionalFunctions();  ///< SUMIF, COUNTIFS, AVERAGEIFS, MAXIFS ...
+std::span<const FunctionRow> subtotalFunctions();     ///< SUBTOTAL, AGGREGATE
 
 }  // namespace quorva::workbook

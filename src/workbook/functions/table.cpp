@@ -11,9 +11,28 @@ namespace {
 
 std::vector<const FunctionRow*> collectRows() {
     std::vector<const FunctionRow*> rows;
-    for (const auto& family : {mathFunctions(), statisticsFunctions(), distributionFunctions(), financeFunctions(),
-                               dateFunctions(), textFunctions(), engineeringFunctions(), lookupFunctions(),
-                               arrayFunctions(), informationFunctions(), databaseFunctions(), conditionalFunctions()}) {
+    for (const auto& family : {mathFunctions(),
+                               roundingFunctions(),
+                               trigonometryFunctions(),
+                               combinatoricFunctions(),
+                               matrixFunctions(),
+                               statisticsFunctions(),
+                               orderStatisticsFunctions(),
+                               regressionFunctions(),
+                               distributionFunctions(),
+                               discreteDistributionFunctions(),
+                               testFunctions(),
+                               financeFunctions(),
+                               dateFunctions(),
+                               textFunctions(),
+                               engineeringFunctions(),
+                               lookupFunctions(),
+                               arrayFunctions(),
+                               sortingFunctions(),
+                               informationFunctions(),
+                               databaseFunctions(),
+                               conditionalFunctions(),
+                               subtotalFunctions()}) {
         for (const FunctionRow& row : family) {
             rows.push_back(&row);
         }

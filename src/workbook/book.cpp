@@ -1,0 +1,225 @@
+#include "workbook/book.h"
+
+#include <algorithm>
+
+#include "workbook/module_link.h"
+#include "workbook/program.h"
+#include "workbook/workings.h"
+
+namespace quorva::workbook {
+
+struct Book::Contents {
+    explicit Contents(std::unique_ptr<RawBook> raw) : workings(std::move(raw)) {}
+    Workings workings;
+};
+
+namespace {
+
+CellValue published(const Value& value) {
+    CellValue cell;
+    switch (value.type()) {
+        case Value::Type::Number:
+            cell.type = CellValue::Type::Number;
+            cell.number = value.number();
+            break;
+        case Value::Type::Boolean:
+            cell.type = CellValue::Type::Boolean;
+            cell.number = value.number();
+            break;
+        case Value::Type::Text:
+            cell.type = CellValue::Type::Text;
+            cell.text = value.text();
+            break;
+        case Value::Type::Error:
+            cell.type = CellValue::Type::Error;
+            cell.text = errorText(value.error());
+            break;
+        default:
+            break;
+    }
+    return cell;
+}
+
+Value taken(const CellValue& cell) {
+    switch (cell.type) {
+        case CellValue::Type::Number:
+            return cell.number;
+        case CellValue::Type::Boolean:
+            return Value(cell.number != 0);
+        case CellValue::Type::Text:
+            return Value(cell.text);
+        case CellValue::Type::Error: {
+            ErrorCode error = ErrorCode::Value;
+            errorFromText(cell.text, error);
+            return error;
+        }
+        default:
+            return {};
+    }
+}
+
+}  // namespace
+
+std::string cellName(int row, int column) {
+    std::string letters;
+    for (int rest = column + 1; rest > 0; rest = (rest - 1) / 26) {
+        letters.insert(letters.begin(), static_cast<char>('A' + (rest - 1) % 26));
+    }
+    return letters + std::to_string(row + 1);
+}
+
+bool parseCellName(std::string_view text, int& row, int& column) {
+    std::size_t at = 0;
+    const auto dollar = [&] { at += at < text.size() && text[at] == '$' ? 1 : 0; };
+    dollar();
+    int letters = 0;
+    const std::size_t start = at;
+    while (at < text.size() && at - start < 3 && ((text[at] | 32) >= 'a' && (text[at] | 32) <= 'z')) {
+        letters = letters * 26 + (text[at++] & ~32) - 'A' + 1;
+    }
+    dollar();
+    int digits = 0;
+    const std::size_t number = at;
+    while (at < text.size() && at - number < 7 && text[at] >= '0' && text[at] <= '9') {
+        digits = digits * 10 + text[at++] - '0';
+    }
+    if (letters == 0 || digits == 0 || at != text.size() || letters > maxColumns || digits > maxRows) {
+        return false;
+    }
+    row = digits - 1;
+    column = letters - 1;
+    return true;
+}
+
+std::span<const FunctionInfo> functions() {
+    static const std::vector<FunctionInfo> infos = [] {
+        std::vector<FunctionInfo> all;
+        for (const FunctionRow* row : allFunctions()) {
+            all.push_back({row->name, categoryName(row->category), row->minArgs, row->maxArgs,
+                           row->volatility == Volatility::Volatile});
+        }
+        for (const FormRow& row : allForms()) {
+            all.push_back({row.name, categoryName(row.category), row.minArgs, row.maxArgs,
+                           row.volatility == Volatility::Volatile});
+        }
+        std::sort(all.begin(), all.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+        return all;
+    }();
+    return infos;
+}
+
+Book::Book(std::unique_ptr<Contents> contents) : contents_(std::move(contents)) {}
+Book::Book(const std::filesystem::path& file) : contents_(std::make_unique<Contents>(readFile(file))) {}
+Book Book::fromText(std::string_view lines) { return Book(std::make_unique<Contents>(readText(lines))); }
+Book::Book(Book&&) noexcept = default;
+Book& Book::operator=(Book&&) noexcept = default;
+Book::~Book() = default;
+
+int Book::sheetCount() const { return contents_->workings.raw->ownSheets; }
+const std::string& Book::sheetName(int sheet) const {
+    return contents_->workings.raw->sheets[static_cast<std::size_t>(sheet)].name;
+}
+
+std::optional<CellRange> Book::resolve(std::string_view text) const {
+    Workings& workings = contents_->workings;
+    try {
+        const Node node = parseFormula(text, {}, *workings.symbols);
+        Value value = node.value;
+        if (node.kind != Node::Kind::Reference) {
+            Evaluator evaluator(workings.around, 0, 0, 0, false);
+            value = evaluator.evaluate(node);
+        }
+        if (!value.isReference() || value.areas().size() != 1) {
+            return std::nullopt;
+        }
+        const Area& area = value.areas()[0];
+        if (area.sheet >= workings.raw->ownSheets) {
+            return std::nullopt;
+        }
+        return CellRange{area.sheet, area.firstRow, area.firstColumn, area.lastRow, area.lastColumn};
+    } catch (const ParseError&) {
+        return std::nullopt;
+    } catch (const Unsupported&) {
+        return std::nullopt;
+    }
+}
+
+CellValue Book::value(const CellAddress& cell) const {
+    return published(contents_->workings.cells.get(cell.sheet, cell.row, cell.column));
+}
+
+std::vector<CellAddress> Book::constants() const {
+    const Workings& workings = contents_->workings;
+    std::vector<CellAddress> found;
+    for (int sheet = 0; sheet < workings.raw->ownSheets; ++sheet) {
+        workings.cells.forEachSlot({sheet, 0, 0, maxRows - 1, maxColumns - 1}, [&](int row, int column, Slot slot) {
+            const auto at = static_cast<std::size_t>(slot);
+            if (workings.formulaAt(slot) < 0 && (at >= workings.spillOwner.size() || workings.spillOwner[at] < 0) &&
+                !workings.cells.get(slot).isBlank()) {
+                found.push_back({sheet, row, column});
+            }
+        });
+    }
+    return found;
+}
+
+std::vector<FormulaCell> Book::formulas() const {
+    const Workings& workings = contents_->workings;
+    std::vector<FormulaCell> found;
+    for (const Formula& formula : workings.formulas) {
+        if (formula.removed) {
+            continue;
+        }
+        FormulaCell cell;
+        cell.cell = formula.cell;
+        cell.formula = *formula.text;
+        cell.isVolatile = formula.live;
+        cell.unsupported = !formula.why.empty() || formula.circular;
+        cell.why = formula.circular ? "a circular reference (" + formula.why + ")" : formula.why;
+        cell.computed = published(workings.cells.get(formula.slot));
+        if (formula.saved) {
+            cell.saved = published(*formula.saved);
+        }
+        found.push_back(cell);
+        if (formula.spill.single()) {
+            continue;
+        }
+        const auto& rawCells = workings.raw->sheets[static_cast<std::size_t>(formula.cell.sheet)].cells;
+        workings.cells.forEachSlot(formula.spill, [&](int row, int column, Slot slot) {
+            if (slot == formula.slot || workings.formulaAt(slot) >= 0) {
+                return;
+            }
+            FormulaCell other = cell;
+            other.cell = {formula.cell.sheet, row, column};
+            other.spilled = true;
+            other.saved.reset();
+            const auto position = static_cast<std::size_t>(slot - workings.cells.sheet(formula.cell.sheet).firstSlot);
+            if (position < rawCells.size() && rawCells[position].row == row && rawCells[position].column == column &&
+                rawCells[position].hasValue) {
+                other.saved = published(rawCells[position].value);
+            }
+            other.computed = published(workings.cells.get(slot));
+            found.push_back(std::move(other));
+        });
+    }
+    std::stable_sort(found.begin(), found.end(),
+                     [](const FormulaCell& a, const FormulaCell& b) { return a.cell < b.cell; });
+    return found;
+}
+
+void Book::set(const CellAddress& cell, const CellValue& value) { contents_->workings.set(cell, taken(value)); }
+void Book::recalculateAll() { contents_->workings.computeAll(); }
+void Book::recalculate() { contents_->workings.recalculate(); }
+
+std::vector<CellAddress> Book::modelCells() const {
+    std::vector<CellAddress> found;
+    for (const int index : contents_->workings.order) {
+        const Formula& formula = contents_->workings.formulas[static_cast<std::size_t>(index)];
+        if (formula.callsModel && !formula.removed) {
+            found.push_back(formula.cell);
+        }
+    }
+    return found;
+}
+
+}  // namespace quorva::workbook

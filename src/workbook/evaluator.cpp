@@ -1,0 +1,334 @@
+#include "workbook/evaluator.h"
+
+#include <algorithm>
+#include <boost/container/small_vector.hpp>
+#include <cmath>
+
+namespace quorva::workbook {
+
+namespace {
+
+constexpr int deepestEvaluation = 6000;
+constexpr int deepestLambda = 700;
+constexpr std::int64_t largestArray = 1 << 24;
+
+Value raise(double base, double exponent) {
+    if (base == 0 && exponent == 0) {
+        return ErrorCode::Num;
+    }
+    if (base == 0 && exponent < 0) {
+        return ErrorCode::Div0;
+    }
+    return std::pow(base, exponent);
+}
+
+Value compare(Operator op, const Value& left, const Value& right) {
+    if (left.isError() || right.isError()) {
+        return left.isError() ? left : right;
+    }
+    if (left.isLambda() || right.isLambda()) {
+        return ErrorCode::Calc;
+    }
+    const int order = compareValues(left, right);
+    switch (op) {
+        case Operator::Equal:
+            return Value(order == 0);
+        case Operator::Different:
+            return Value(order != 0);
+        case Operator::Less:
+            return Value(order < 0);
+        case Operator::LessOrEqual:
+            return Value(order <= 0);
+        case Operator::Greater:
+            return Value(order > 0);
+        default:
+            return Value(order >= 0);
+    }
+}
+
+Value concatenate(const Value& left, const Value& right) {
+    const auto first = toText(left);
+    if (!first) {
+        return first.error();
+    }
+    const auto second = toText(right);
+    if (!second) {
+        return second.error();
+    }
+    if (first->size() + second->size() > 32767 && utf16Length(*first) + utf16Length(*second) > 32767) {
+        return ErrorCode::Value;
+    }
+    return Value(*first + *second);
+}
+
+}  // namespace
+
+double Surroundings::nextRandom() {
+    const auto rotate = [](std::uint64_t x, int k) { return (x << k) | (x >> (64 - k)); };
+    std::uint64_t* s = random;
+    const std::uint64_t result = rotate(s[0] + s[3], 23) + s[0];
+    const std::uint64_t t = s[1] << 17;
+    s[2] ^= s[0];
+    s[3] ^= s[1];
+    s[1] ^= s[2];
+    s[0] ^= s[3];
+    s[2] ^= t;
+    s[3] = rotate(s[3], 45);
+    return (static_cast<double>(result >> 12) + 0.5) * 0x1p-52;
+}
+
+double Call::random() const { return evaluator->around.nextRandom(); }
+double Call::now() const { return evaluator->around.now; }
+Value Call::invoke(const Value& lambda, std::span<const Value> arguments) const {
+    return evaluator->invoke(lambda, arguments);
+}
+
+Value operate(Operator op, const Value& left, const Value& right, bool date1904) {
+    if (op >= Operator::Equal && op <= Operator::GreaterOrEqual) {
+        return compare(op, left, right);
+    }
+    if (op == Operator::Concat) {
+        return concatenate(left, right);
+    }
+    const auto a = toNumber(left, date1904);
+    if (!a) {
+        return a.error();
+    }
+    const auto b = toNumber(right, date1904);
+    if (!b) {
+        return b.error();
+    }
+    switch (op) {
+        case Operator::Add:
+            return *a + *b;
+        case Operator::Subtract:
+            return *a - *b;
+        case Operator::Multiply:
+            return *a * *b;
+        case Operator::Divide:
+            return *b == 0 ? Value(ErrorCode::Div0) : Value(*a / *b);
+        default:
+            return raise(*a, *b);
+    }
+}
+
+Value combinedElement(const Value& value, int row, int column) {
+    if (!value.isArray()) {
+        return value;
+    }
+    const int r = value.arrayRows() == 1 ? 0 : row;
+    const int c = value.arrayColumns() == 1 ? 0 : column;
+    if (r >= value.arrayRows() || c >= value.arrayColumns()) {
+        return ErrorCode::NA;
+    }
+    return value.arrayCells()[static_cast<std::size_t>(r) * value.arrayColumns() + c];
+}
+
+Value combine(const Value& left, const Value& right, const std::function<Value(const Value&, const Value&)>& fn) {
+    const int rows = std::max(left.isArray() ? left.arrayRows() : 1, right.isArray() ? right.arrayRows() : 1);
+    const int columns = std::max(left.isArray() ? left.arrayColumns() : 1, right.isArray() ? right.arrayColumns() : 1);
+    if (static_cast<std::int64_t>(rows) * columns > largestArray) {
+        return ErrorCode::Num;
+    }
+    std::vector<Value> cells;
+    cells.reserve(static_cast<std::size_t>(rows) * columns);
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            cells.push_back(fn(combinedElement(left, row, column), combinedElement(right, row, column)));
+        }
+    }
+    return Value::array(rows, columns, std::move(cells));
+}
+
+Evaluator::Evaluator(Surroundings& surroundings, int sheet, int row, int column, bool arrayFormula)
+    : around(surroundings),
+      call{*surroundings.cells, sheet, row, column, surroundings.raw->date1904, arrayFormula, this},
+      mode(arrayFormula ? Mode::ArrayFormula : Mode::Scalar) {}
+
+Value Evaluator::operand(Value value) {
+    if (!value.isReference()) {
+        return value;
+    }
+    return mode == Mode::Scalar ? intersectReference(call, value) : readReference(call, value);
+}
+
+Value Evaluator::evaluateScalar(const Node& node) {
+    Value value = evaluateOperand(node);
+    return value.isArray() ? value.arrayCells()[0] : value;
+}
+
+Value Evaluator::evaluate(const Node& node) {
+    switch (node.kind) {
+        case Node::Kind::Constant:
+        case Node::Kind::Reference:
+            return node.value;
+        case Node::Kind::Missing:
+            return Value();
+        case Node::Kind::Unsupported:
+            throw Unsupported{node.text};
+        case Node::Kind::Variable:
+            return variable(node);
+        default:
+            break;
+    }
+    if (++depth > deepestEvaluation) {
+        throw Unsupported{"a formula nested so deeply"};
+    }
+    struct Leave {
+        int& depth;
+        ~Leave() { --depth; }
+    } leave{depth};
+    switch (node.kind) {
+        case Node::Kind::Unary:
+            return unary(node);
+        case Node::Kind::Binary:
+            return binary(node);
+        case Node::Kind::TableCall:
+            return tableCall(node);
+        case Node::Kind::Special:
+            return special(node);
+        case Node::Kind::ModelCall:
+            return around.callModel(*this, node);
+        default: {
+            const Value callee = evaluate(node.children[0]);
+            if (!callee.isLambda()) {
+                return callee.isError() ? callee : Value(ErrorCode::Value);
+            }
+            std::vector<Value> arguments;
+            for (std::size_t i = 1; i < node.children.size(); ++i) {
+                arguments.push_back(evaluate(node.children[i]));
+            }
+            return invoke(callee, arguments);
+        }
+    }
+}
+
+Value Evaluator::unary(const Node& node) {
+    if (node.op == Operator::Plus) {
+        return evaluate(node.children[0]);
+    }
+    const Value value = evaluateOperand(node.children[0]);
+    const auto apply = [&](const Value& x, const Value&) -> Value {
+        const auto number = toNumber(x, call.date1904);
+        if (!number) {
+            return number.error();
+        }
+        return node.op == Operator::Negate ? -*number : *number / 100;
+    };
+    return value.isArray() ? combine(value, Value(), apply) : apply(value, value);
+}
+
+Value Evaluator::binary(const Node& node) {
+    if (node.op >= Operator::Range) {
+        return referenceOperator(node);
+    }
+    const Value left = evaluateOperand(node.children[0]);
+    const Value right = evaluateOperand(node.children[1]);
+    if (left.isArray() || right.isArray()) {
+        return combine(left, right,
+                       [&](const Value& a, const Value& b) { return operate(node.op, a, b, call.date1904); });
+    }
+    return operate(node.op, left, right, call.date1904);
+}
+
+Value Evaluator::referenceOperator(const Node& node) {
+    const Value left = evaluate(node.children[0]);
+    const Value right = evaluate(node.children[1]);
+    if (left.isError() || right.isError()) {
+        return left.isError() ? left : right;
+    }
+    if (!left.isReference() || !right.isReference()) {
+        return ErrorCode::Value;
+    }
+    std::vector<Area> areas = left.areas();
+    const std::vector<Area>& others = right.areas();
+    switch (node.op) {
+        case Operator::Union:
+            areas.insert(areas.end(), others.begin(), others.end());
+            return Value::reference(areas);
+        case Operator::Range: {
+            Area box = areas[0];
+            areas.insert(areas.end(), others.begin(), others.end());
+            for (const Area& area : areas) {
+                if (area.sheet != box.sheet) {
+                    return ErrorCode::Ref;
+                }
+                box = {box.sheet, std::min(box.firstRow, area.firstRow), std::min(box.firstColumn, area.firstColumn),
+                       std::max(box.lastRow, area.lastRow), std::max(box.lastColumn, area.lastColumn)};
+            }
+            around.bringUpToDate(box);
+            return Value::reference({box});
+        }
+        default: {
+            std::vector<Area> common;
+            for (const Area& a : areas) {
+                for (const Area& b : others) {
+                    const Area both{a.sheet, std::max(a.firstRow, b.firstRow), std::max(a.firstColumn, b.firstColumn),
+                                    std::min(a.lastRow, b.lastRow), std::min(a.lastColumn, b.lastColumn)};
+                    if (a.sheet == b.sheet && both.firstRow <= both.lastRow && both.firstColumn <= both.lastColumn) {
+                        common.push_back(both);
+                    }
+                }
+            }
+            return common.empty() ? Value(ErrorCode::Null) : Value::reference(std::move(common));
+        }
+    }
+}
+
+Value Evaluator::tableCall(const Node& node) {
+    boost::container::small_vector<Argument, 6> arguments(node.children.size());
+    const Mode outer = mode;
+    for (std::size_t i = 0; i < node.children.size(); ++i) {
+        const char kind = argumentKind(node.row->kinds, static_cast<int>(i));
+        if ((kind == 'A' || kind == 'L') && outer == Mode::Scalar) {
+            mode = Mode::ArrayArgument;
+        }
+        arguments[i].value = evaluate(node.children[i]);
+        arguments[i].missing = node.children[i].kind == Node::Kind::Missing;
+        mode = outer;
+    }
+    call.arrayMode = mode != Mode::Scalar;
+    return callFunction(call, *node.row, {arguments.data(), arguments.size()});
+}
+
+Value Evaluator::variable(const Node& node) {
+    for (const Scope* at = scope.get(); at; at = at->outer.get()) {
+        if (at->variable == node.index) {
+            return at->omitted ? Value() : at->value;
+        }
+    }
+    return ErrorCode::Name;
+}
+
+Value Evaluator::invoke(const Value& lambda, std::span<const Value> arguments) {
+    if (!lambda.isLambda()) {
+        return lambda.isError() ? lambda : Value(ErrorCode::Value);
+    }
+    const auto* body = static_cast<const LambdaBody*>(lambda.body());
+    const std::vector<int>& parameters = body->node->parameters;
+    if (arguments.size() > parameters.size()) {
+        return ErrorCode::Value;
+    }
+    std::shared_ptr<const Scope> inner = body->scope;
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        const bool optional = parameters[i] < 0;
+        const bool omitted = i >= arguments.size();
+        if (omitted && !optional) {
+            return ErrorCode::Value;
+        }
+        inner = std::make_shared<const Scope>(
+            Scope{optional ? ~parameters[i] : parameters[i], omitted, omitted ? Value() : arguments[i], inner});
+    }
+    if (depth > deepestLambda) {
+        return ErrorCode::Num;
+    }
+    depth += 10;  // a call takes more of the stack than an operator
+    std::swap(scope, inner);
+    const Value held = lambda;
+    Value result = evaluate(body->node->children[0]);
+    std::swap(scope, inner);
+    depth -= 10;
+    return result;
+}
+
+}  // namespace quorva::workbook

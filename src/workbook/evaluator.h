@@ -1,0 +1,115 @@
+// Walks a formula's tree. It defines what a formula means; the compiled program only does the same faster.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "workbook/function_call.h"
+#include "workbook/syntax.h"
+
+namespace quorva::workbook {
+
+/// A formula needs something that this host cannot compute.
+struct Unsupported {
+    std::string what;
+};
+
+/// What the evaluator asks the book for.
+struct Surroundings {
+    CellStore* cells = nullptr;
+    Symbols* symbols = nullptr;
+    const RawBook* raw = nullptr;
+    /// Brings the formula cells of an area up to date that were found only while evaluating (OFFSET, INDIRECT).
+    std::function<void(const Area&)> bringUpToDate;
+    /// Calls the model function of the node; the arguments are evaluated by it.
+    std::function<Value(struct Evaluator&, const Node&)> callModel;
+    /// The text of a cell's formula, null when it has none.
+    std::function<const std::string*(int sheet, int row, int column)> formulaText;
+    /// The cells that the array formula of a cell fills; false when there is none.
+    std::function<bool(int sheet, int row, int column, Area& area)> spillOf;
+    std::uint64_t random[4] = {0x9E3779B97F4A7C15, 0xBF58476D1CE4E5B9, 0x94D049BB133111EB, 0x2545F4914F6CDD1D};
+    double now = 0;
+
+    double nextRandom();
+};
+
+/// Variables of LET and LAMBDA, innermost first.
+struct Scope {
+    int variable;
+    bool omitted;
+    Value value;
+    std::shared_ptr<const Scope> outer;
+};
+
+struct LambdaBody : Body {
+    LambdaBody(const Node* definition, std::shared_ptr<const Scope> captured, void (*destroyer)(Body*))
+        : Body(destroyer), node(definition), scope(std::move(captured)) {}
+    const Node* node;
+    std::shared_ptr<const Scope> scope;
+};
+
+struct Evaluator {
+    /// How ranges in a scalar's place are taken: intersected; mapped because a function wants an array; mapped because
+    /// the whole formula is an array formula.
+    enum class Mode : std::uint8_t { Scalar, ArrayArgument, ArrayFormula };
+
+    Evaluator(Surroundings& around, int sheet, int row, int column, bool arrayFormula);
+
+    Value evaluate(const Node& node);
+    /// A value or an array, no reference.
+    Value operand(Value value);
+    Value evaluateOperand(const Node& node) { return operand(evaluate(node)); }
+    /// One value: the first of an array.
+    Value evaluateScalar(const Node& node);
+    Value invoke(const Value& lambda, std::span<const Value> arguments);
+
+    Surroundings& around;
+    Call call;
+    Mode mode;
+    std::shared_ptr<const Scope> scope;
+    int depth = 0;
+
+private:
+    Value unary(const Node& node);
+    Value binary(const Node& node);
+    Value referenceOperator(const Node& node);
+    Value tableCall(const Node& node);
+    Value variable(const Node& node);
+
+    // forms.cpp
+    Value special(const Node& node);
+    Value ifForm(const Node& node);
+    Value ifErrorForm(const Node& node, bool onlyNA);
+    Value ifsForm(const Node& node);
+    Value switchForm(const Node& node);
+    Value chooseForm(const Node& node);
+    Value letForm(const Node& node);
+
+    // reference_forms.cpp
+    Value indexForm(const Node& node);
+    Value indexOne(const Value& base, const Value& row, const Value& column, const Value& area, int given);
+    Value offsetForm(const Node& node);
+    Value indirectForm(const Node& node);
+    Value rowForm(const Node& node, bool column);
+    Value countForm(const Node& node, bool columns);
+    Value cellForm(const Node& node);
+    Value sheetForm(const Node& node, bool count);
+    Value anchorForm(const Node& node);
+    Value formulaForm(const Node& node, bool text);
+
+    // lambda_forms.cpp
+    Value mapForm(const Node& node);
+    Value reduceForm(const Node& node, bool scan);
+    Value byForm(const Node& node, bool rows);
+    Value makeArrayForm(const Node& node);
+};
+
+/// One arithmetic, comparison or text operation on scalars.
+Value operate(Operator op, const Value& left, const Value& right, bool date1904);
+/// Calls fn(element of left, element of right) for arrays combined as worksheets do: single rows and columns are
+/// repeated, what has no partner is #N/A.
+Value combine(const Value& left, const Value& right, const std::function<Value(const Value&, const Value&)>& fn);
+/// The element of an array that takes part at (row, column) of a combination; scalars take part everywhere.
+Value combinedElement(const Value& value, int row, int column);
+
+}  // namespace quorva::workbook

@@ -1,0 +1,146 @@
+// Discrete distributions: the arguments that count lose their fractions.
+#include <algorithm>
+#include <cmath>
+
+#include "workbook/functions/families.h"
+#include "workbook/functions/laws.h"
+
+namespace quorva::workbook {
+
+namespace {
+
+using namespace laws;
+
+double binomial(const double* x, int) {
+    const double successes = std::trunc(x[0]);
+    const double trials = std::trunc(x[1]);
+    if (x[0] < 0 || successes > trials || !isProbability(x[2])) {
+        return nan;
+    }
+    const Binomial law(trials, x[2]);
+    return x[3] != 0 ? cdf(law, successes) : pdf(law, successes);
+}
+
+/// BINOM.DIST.RANGE(trials, p, from, to): the probability of from..to successes.
+double binomialRange(const double* x, int count) {
+    const double trials = std::trunc(x[0]);
+    const double from = std::trunc(x[2]);
+    const double to = count > 3 ? std::trunc(x[3]) : from;
+    if (x[0] < 0 || !isProbability(x[1]) || x[2] < 0 || from > trials || to < from || to > trials) {
+        return nan;
+    }
+    const Binomial law(trials, x[1]);
+    if (to - from < 64) {
+        double total = 0;
+        for (double k = from; k <= to; ++k) {
+            total += pdf(law, k);
+        }
+        return total;
+    }
+    return from > 0 ? cdf(law, to) - cdf(law, from - 1) : cdf(law, to);
+}
+
+/// BINOM.INV(trials, p, alpha): the fewest successes whose cumulative probability reaches alpha.
+double binomialInverse(const double* x, int) {
+    const double trials = std::trunc(x[0]);
+    if (x[0] < 0 || !isProbability(x[1]) || !isProbability(x[2])) {
+        return nan;
+    }
+    const Binomial law(trials, x[1]);
+    double low = -1;  // cumulative probability below alpha
+    double high = trials;
+    while (high - low > 1) {
+        const double middle = std::floor((low + high) / 2);
+        (cdf(law, middle) >= x[2] ? high : low) = middle;
+    }
+    return high;
+}
+
+double negativeBinomial(double failures, double successes, double p, bool cumulative) {
+    if (failures < 0 || successes < 1 || !isProbability(p)) {
+        return nan;
+    }
+    if (p == 0) {
+        return 0;
+    }
+    const NegativeBinomial law(std::trunc(successes), p);
+    return cumulative ? cdf(law, std::trunc(failures)) : pdf(law, std::trunc(failures));
+}
+double negativeBinomialLaw(const double* x, int) { return negativeBinomial(x[0], x[1], x[2], x[3] != 0); }
+double negativeBinomialMass(const double* x, int) { return negativeBinomial(x[0], x[1], x[2], false); }
+
+double poisson(const double* x, int) {
+    const double k = std::trunc(x[0]);
+    if (x[0] < 0 || x[1] < 0) {
+        return nan;
+    }
+    if (x[1] == 0) {
+        return x[2] != 0 || k == 0 ? 1 : 0;
+    }
+    const Poisson law(x[1]);
+    return x[2] != 0 ? cdf(law, k) : pdf(law, k);
+}
+
+double logFactorial(double n) { return boost::math::lgamma(n + 1, Policy()); }
+
+/// The probability of k successes in a sample of n from a population with m successes among `total`, without products
+/// that overflow; by exact products while the numbers are small.
+double hypergeometricMass(double k, double n, double m, double total) {
+    if (total <= 1000) {
+        // C(m, k) C(total - m, n - k) / C(total, n), one factor of each at a time.
+        double mass = 1;
+        for (double i = 0; i < k; ++i) {
+            mass *= (m - i) / (total - i) * (n - i) / (k - i);
+        }
+        for (double i = 0; i < n - k; ++i) {
+            mass *= (total - m - i) / (total - k - i);
+        }
+        return mass;
+    }
+    return std::exp(logFactorial(m) - logFactorial(k) - logFactorial(m - k) + logFactorial(total - m) -
+                    logFactorial(n - k) - logFactorial(total - m - n + k) - logFactorial(total) + logFactorial(n) +
+                    logFactorial(total - n));
+}
+
+double hypergeometric(const double* x, bool cumulative) {
+    const double k = std::trunc(x[0]);
+    const double n = std::trunc(x[1]);
+    const double m = std::trunc(x[2]);
+    const double total = std::trunc(x[3]);
+    const double least = std::max(0.0, n + m - total);
+    if (total <= 0 || n <= 0 || n > total || m <= 0 || m > total || k < least || k > std::min(n, m)) {
+        return nan;
+    }
+    if (!cumulative) {
+        return hypergeometricMass(k, n, m, total);
+    }
+    double sum = 0;
+    double mass = hypergeometricMass(k, n, m, total);
+    for (double i = k; i >= least && mass > sum * 1e-18; --i) {
+        sum += mass;
+        mass *= i * (total - m - n + i) / ((m - i + 1) * (n - i + 1));  // from i to i - 1 successes
+    }
+    return std::min(sum, 1.0);
+}
+double hypergeometricLaw(const double* x, int) { return hypergeometric(x, x[4] != 0); }
+double hypergeometricMassOnly(const double* x, int) { return hypergeometric(x, false); }
+
+constexpr FunctionRow table[] = {
+    numericRow("BINOM.DIST", "NNNB", binomial),
+    numericRow("BINOM.DIST.RANGE", "NNNN", binomialRange, 1),
+    numericRow("BINOM.INV", "NNN", binomialInverse),
+    numericRow("BINOMDIST", "NNNB", binomial),
+    numericRow("CRITBINOM", "NNN", binomialInverse),
+    numericRow("HYPGEOM.DIST", "NNNNB", hypergeometricLaw),
+    numericRow("HYPGEOMDIST", "NNNN", hypergeometricMassOnly),
+    numericRow("NEGBINOM.DIST", "NNNB", negativeBinomialLaw),
+    numericRow("NEGBINOMDIST", "NNN", negativeBinomialMass),
+    numericRow("POISSON", "NNB", poisson),
+    numericRow("POISSON.DIST", "NNB", poisson),
+};
+
+}  // namespace
+
+std::span<const FunctionRow> discreteDistributionFunctions() { return table; }
+
+}  // namespace quorva::workbook

@@ -1,0 +1,202 @@
+// Matrix functions and SUMPRODUCT.
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <optional>
+
+#include "workbook/functions/array_cells.h"
+#include "workbook/functions/families.h"
+
+namespace quorva::workbook {
+
+namespace {
+
+Value matrixProduct(Call& call, Arguments arguments) {
+    const auto left = toMatrix(call, arguments[0]);
+    if (!left) {
+        return left.error();
+    }
+    const auto right = toMatrix(call, arguments[1]);
+    if (!right) {
+        return right.error();
+    }
+    if (left->columns != right->rows) {
+        return ErrorCode::Value;
+    }
+    NumberMatrix product{left->rows, right->columns,
+                         std::vector<double>(static_cast<std::size_t>(left->rows) * right->columns)};
+    for (int i = 0; i < left->rows; ++i) {
+        for (int k = 0; k < left->columns; ++k) {
+            const double factor = left->at(i, k);
+            for (int j = 0; j < right->columns; ++j) {
+                product.at(i, j) += factor * right->at(k, j);
+            }
+        }
+    }
+    return fromMatrix(product);
+}
+
+Result<NumberMatrix> squareMatrix(const Call& call, const Argument& argument) {
+    auto matrix = toMatrix(call, argument);
+    if (matrix && matrix->rows != matrix->columns) {
+        return ErrorCode::Value;
+    }
+    return matrix;
+}
+
+/// Gaussian elimination with partial pivoting of a square matrix, in place; the same steps are applied to `right`, when
+/// there is one. Returns the determinant; stops at 0.
+double eliminate(NumberMatrix& matrix, NumberMatrix* right) {
+    const int n = matrix.rows;
+    double determinant = 1;
+    for (int step = 0; step < n; ++step) {
+        int pivot = step;
+        for (int row = step + 1; row < n; ++row) {
+            if (std::fabs(matrix.at(row, step)) > std::fabs(matrix.at(pivot, step))) {
+                pivot = row;
+            }
+        }
+        if (matrix.at(pivot, step) == 0) {
+            return 0;
+        }
+        if (pivot != step) {
+            determinant = -determinant;
+            for (int column = 0; column < n; ++column) {
+                std::swap(matrix.at(step, column), matrix.at(pivot, column));
+                if (right) {
+                    std::swap(right->at(step, column), right->at(pivot, column));
+                }
+            }
+        }
+        determinant *= matrix.at(step, step);
+        for (int row = step + 1; row < n; ++row) {
+            const double factor = matrix.at(row, step) / matrix.at(step, step);
+            for (int column = step; column < n; ++column) {
+                matrix.at(row, column) -= factor * matrix.at(step, column);
+            }
+            for (int column = 0; right && column < n; ++column) {
+                right->at(row, column) -= factor * right->at(step, column);
+            }
+        }
+    }
+    return determinant;
+}
+
+NumberMatrix identity(int n) {
+    NumberMatrix matrix{n, n, std::vector<double>(static_cast<std::size_t>(n) * n)};
+    for (int i = 0; i < n; ++i) {
+        matrix.at(i, i) = 1;
+    }
+    return matrix;
+}
+
+Value determinant(Call& call, Arguments arguments) {
+    auto matrix = squareMatrix(call, arguments[0]);
+    return matrix ? Value(eliminate(*matrix, nullptr)) : Value(matrix.error());
+}
+
+Value inverse(Call& call, Arguments arguments) {
+    auto matrix = squareMatrix(call, arguments[0]);
+    if (!matrix) {
+        return matrix.error();
+    }
+    const int n = matrix->rows;
+    NumberMatrix result = identity(n);
+    if (eliminate(*matrix, &result) == 0) {
+        return ErrorCode::Num;
+    }
+    for (int row = n - 1; row >= 0; --row) {
+        for (int column = 0; column < n; ++column) {
+            double rest = result.at(row, column);
+            for (int k = row + 1; k < n; ++k) {
+                rest -= matrix->at(row, k) * result.at(k, column);
+            }
+            result.at(row, column) = rest / matrix->at(row, row);
+        }
+    }
+    return fromMatrix(result);
+}
+
+Value unitMatrix(Call&, Arguments arguments) {
+    const double n = std::trunc(arguments[0].number());
+    if (n < 1) {
+        return ErrorCode::Value;
+    }
+    return n > 4096 ? Value(ErrorCode::Num) : fromMatrix(identity(static_cast<int>(n)));
+}
+
+Value transpose(Call& call, Arguments arguments) {
+    if (arguments[0].value.isError()) {
+        return arguments[0].value;
+    }
+    const Grid grid = arguments[0].grid(call);
+    if (grid.size() > largestArray) {
+        return ErrorCode::Num;
+    }
+    std::vector<Value> cells(static_cast<std::size_t>(grid.size()));
+    grid.forEach([&](const Value& value, int row, int column) {
+        cells[static_cast<std::size_t>(column) * grid.rows() + row] = value;
+    });
+    return cells.size() == 1 ? cells[0] : Value::array(grid.columns(), grid.rows(), std::move(cells));
+}
+
+/// Anything but a number counts as 0; the first error in the leftmost array that has one wins.
+Value sumProduct(Call& call, Arguments arguments) {
+    std::vector<Grid> grids;
+    for (const Argument& argument : arguments) {
+        if (argument.value.isError()) {
+            return argument.value;
+        }
+        grids.push_back(argument.grid(call));
+        if (grids.back().rows() != grids[0].rows() || grids.back().columns() != grids[0].columns()) {
+            return ErrorCode::Value;
+        }
+    }
+    // Where one array ends, the others are multiplied by blanks, but their errors still count.
+    int rows = 0;
+    int columns = 0;
+    for (const Grid& grid : grids) {
+        rows = std::max(rows, grid.usedRows());
+        columns = std::max(columns, grid.usedColumns());
+    }
+    rows = std::min(rows, grids[0].rows());
+    columns = std::min(columns, grids[0].columns());
+    double total = 0;
+    std::optional<ErrorCode> error;
+    std::size_t errorGrid = grids.size();
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            double product = 1;
+            for (std::size_t i = 0; i < errorGrid; ++i) {
+                const Value value = grids[i].at(row, column);
+                if (value.isError()) {
+                    error = value.error();
+                    errorGrid = i;
+                }
+                product *= value.isNumber() ? value.number() : 0;
+            }
+            total += product;
+        }
+    }
+    return error ? Value(*error) : Value(total);
+}
+
+constexpr FunctionRow table[] = {
+    {.name = "MDETERM", .minArgs = 1, .maxArgs = 1, .kinds = "A", .function = determinant},
+    {.name = "MINVERSE", .minArgs = 1, .maxArgs = 1, .kinds = "A", .function = inverse},
+    {.name = "MMULT", .minArgs = 2, .maxArgs = 2, .kinds = "AA", .function = matrixProduct},
+    {.name = "MUNIT", .minArgs = 1, .maxArgs = 1, .kinds = "N", .function = unitMatrix},
+    {.name = "SUMPRODUCT", .minArgs = 1, .maxArgs = anyCount, .kinds = "A", .function = sumProduct},
+    {.name = "TRANSPOSE",
+     .minArgs = 1,
+     .maxArgs = 1,
+     .kinds = "A",
+     .category = Category::Lookup,
+     .function = transpose},
+};
+
+}  // namespace
+
+std::span<const FunctionRow> matrixFunctions() { return table; }
+
+}  // namespace quorva::workbook

@@ -1,0 +1,666 @@
+// The operands of formulas: constants, references, names and calls.
+#include <algorithm>
+
+#include "workbook/parser.h"
+
+namespace quorva::workbook {
+
+namespace {
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+bool isNamePart(char c) {
+    return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == '\\' || c == '?' || c == '$' ||
+           static_cast<unsigned char>(c) >= 128;
+}
+
+Node constant(Value value) {
+    Node node;
+    node.kind = Node::Kind::Constant;
+    node.value = std::move(value);
+    return node;
+}
+
+Node unsupported(std::string what) {
+    Node node;
+    node.kind = Node::Kind::Unsupported;
+    node.text = std::move(what);
+    return node;
+}
+
+/// A column in letters, from 0; -1 when the letters are none.
+int columnOf(std::string_view letters) {
+    if (letters.empty() || letters.size() > 3) {
+        return -1;
+    }
+    int column = 0;
+    for (const char c : letters) {
+        if (!isLetter(c)) {
+            return -1;
+        }
+        column = column * 26 + ((c & ~32) - 'A' + 1);
+    }
+    return column <= maxColumns ? column - 1 : -1;
+}
+
+/// A row number, from 0; -1 when the digits are none.
+int rowOf(std::string_view digits) {
+    if (digits.empty() || digits.size() > 7 || !std::all_of(digits.begin(), digits.end(), isDigit)) {
+        return -1;
+    }
+    int row = 0;
+    for (const char c : digits) {
+        row = row * 10 + (c - '0');
+    }
+    return row >= 1 && row <= maxRows ? row - 1 : -1;
+}
+
+struct Part {
+    int position = -1;
+    bool absolute = false;
+};
+
+Part columnPart(std::string_view text) {
+    Part part;
+    if (!text.empty() && text.front() == '$') {
+        part.absolute = true;
+        text.remove_prefix(1);
+    }
+    part.position = columnOf(text);
+    return part;
+}
+
+Part rowPart(std::string_view text) {
+    Part part;
+    if (!text.empty() && text.front() == '$') {
+        part.absolute = true;
+        text.remove_prefix(1);
+    }
+    part.position = rowOf(text);
+    return part;
+}
+
+int shifted(Part part, int shift, int limit) {
+    return part.absolute ? part.position : ((part.position + shift) % limit + limit) % limit;
+}
+
+}  // namespace
+
+std::string_view Parser::withoutPrefix(std::string_view name) {
+    for (bool again = true; again;) {
+        again = false;
+        for (const std::string_view prefix : {"_xlfn.", "_xlws.", "_xll.", "_xludf.", "_xlpm.", "_xlop."}) {
+            if (name.size() > prefix.size() && toLower(name.substr(0, prefix.size())) == prefix) {
+                name.remove_prefix(prefix.size());
+                again = true;
+            }
+        }
+    }
+    return name;
+}
+
+Node Parser::primary() {
+    Node node = primaryWithoutPostfix();
+    for (;;) {
+        if (peek() == '#' && !(peek(1) >= 'A' && peek(1) <= 'Z')) {
+            ++at_;
+            Node spill;
+            spill.kind = Node::Kind::Special;
+            spill.form = Form::AnchorArray;
+            spill.children.push_back(std::move(node));
+            node = std::move(spill);
+        } else if (peek() == '(' &&
+                   (node.kind == Node::Kind::Call || (node.kind == Node::Kind::Special && node.form == Form::Lambda))) {
+            ++at_;
+            Node invoked;
+            invoked.kind = Node::Kind::Call;
+            invoked.children = callArguments();
+            invoked.children.insert(invoked.children.begin(), std::move(node));
+            node = std::move(invoked);
+        } else {
+            return node;
+        }
+    }
+}
+
+Node Parser::primaryWithoutPostfix() {
+    const Depth guard(*this);
+    skipBlanks();
+    const char c = peek();
+    if (at_ >= text_.size()) {
+        fail("it ends too early");
+    }
+    if (c == '(') {
+        ++at_;
+        return unionInParentheses();
+    }
+    if (c == '"') {
+        return quotedText();
+    }
+    if (c == '#') {
+        return errorLiteral();
+    }
+    if (c == '{') {
+        return arrayConstant();
+    }
+    if (c == '\'') {
+        return quotedSheet();
+    }
+    if (c == '[') {
+        return bracketStart();
+    }
+    if (isDigit(c) || c == '.') {
+        std::size_t end = at_;
+        while (end < text_.size() && isDigit(text_[end])) {
+            ++end;
+        }
+        if (end < text_.size() && text_[end] == ':' && end > at_) {
+            return wholeRows(place_.sheet, place_.sheet, false);
+        }
+        // A sheet name may begin with a digit.
+        const std::size_t start = at_;
+        const std::string_view word = token();
+        if (peek() == '!' && symbols_.sheet(word) >= 0) {
+            ++at_;
+            const int sheet = symbols_.sheet(word);
+            return afterSheet(sheet, sheet);
+        }
+        at_ = start;
+        return number();
+    }
+    if (c == '$' && isDigit(peek(1))) {
+        return wholeRows(place_.sheet, place_.sheet, false);
+    }
+    if (isNamePart(c)) {
+        return identifier();
+    }
+    fail(std::string("'") + c + "' is not expected");
+}
+
+Node Parser::number() {
+    std::size_t end = at_;
+    while (end < text_.size() && (isDigit(text_[end]) || text_[end] == '.')) {
+        ++end;
+    }
+    if (end < text_.size() && (text_[end] == 'E' || text_[end] == 'e')) {
+        std::size_t exponent = end + 1;
+        if (exponent < text_.size() && (text_[exponent] == '+' || text_[exponent] == '-')) {
+            ++exponent;
+        }
+        if (exponent < text_.size() && isDigit(text_[exponent])) {
+            end = exponent;
+            while (end < text_.size() && isDigit(text_[end])) {
+                ++end;
+            }
+        }
+    }
+    const auto parsed = parsePlainNumber(text_.substr(at_, end - at_));
+    if (!parsed) {
+        fail("a number cannot be read");
+    }
+    at_ = end;
+    return constant(Value(*parsed));
+}
+
+Node Parser::quotedText() {
+    std::string text;
+    for (++at_;; ++at_) {
+        if (at_ >= text_.size()) {
+            fail("a text does not end");
+        }
+        if (text_[at_] == '"') {
+            if (peek(1) != '"') {
+                break;
+            }
+            ++at_;
+        }
+        text.push_back(text_[at_]);
+    }
+    ++at_;
+    return constant(Value(std::move(text)));
+}
+
+Node Parser::errorLiteral() {
+    for (int i = 0; i <= static_cast<int>(ErrorCode::Calc); ++i) {
+        const auto code = static_cast<ErrorCode>(i);
+        if (text_.substr(at_).starts_with(errorText(code))) {
+            at_ += errorText(code).size();
+            return constant(Value(code));
+        }
+    }
+    fail("an error value is not known");
+}
+
+Value Parser::arrayElement() {
+    skipBlanks();
+    bool negative = false;
+    while (peek() == '-' || peek() == '+') {
+        negative = negative != (peek() == '-');
+        ++at_;
+    }
+    const char c = peek();
+    if (c == '"') {
+        return quotedText().value;
+    }
+    if (c == '#') {
+        return errorLiteral().value;
+    }
+    if (isDigit(c) || c == '.') {
+        const Value value = number().value;
+        return negative ? Value(-value.number()) : value;
+    }
+    const std::string word = toUpper(token());
+    if (word == "TRUE" || word == "FALSE") {
+        return Value(word == "TRUE");
+    }
+    fail("an array constant holds something else than constants");
+}
+
+Node Parser::arrayConstant() {
+    ++at_;
+    std::vector<Value> cells;
+    int rows = 0;
+    int columns = 0;
+    int column = 0;
+    for (;;) {
+        cells.push_back(arrayElement());
+        ++column;
+        if (accept(',')) {
+            continue;
+        }
+        if (rows > 0 && column != columns) {
+            fail("the rows of an array constant differ in length");
+        }
+        columns = column;
+        column = 0;
+        ++rows;
+        if (accept(';')) {
+            continue;
+        }
+        expect('}');
+        return constant(Value::array(rows, columns, std::move(cells)));
+    }
+}
+
+std::string_view Parser::token() {
+    const std::size_t start = at_;
+    while (at_ < text_.size() && isNamePart(text_[at_])) {
+        ++at_;
+    }
+    return text_.substr(start, at_ - start);
+}
+
+/// 'My sheet'!A1, 'First sheet:Last sheet'!A1, '[1]Other'!A1
+Node Parser::quotedSheet() {
+    std::string name;
+    for (++at_;; ++at_) {
+        if (at_ >= text_.size()) {
+            fail("a sheet's name does not end");
+        }
+        if (text_[at_] == '\'') {
+            if (peek(1) != '\'') {
+                break;
+            }
+            ++at_;
+        }
+        name.push_back(text_[at_]);
+    }
+    ++at_;
+    if (peek() != '!') {
+        fail("'!' is missing behind a sheet's name");
+    }
+    ++at_;
+    int first = symbols_.sheet(name);
+    int last = first;
+    const auto colon = name.find(':');
+    if (first < 0 && colon != std::string::npos) {
+        first = symbols_.sheet(std::string_view(name).substr(0, colon));
+        last = symbols_.sheet(std::string_view(name).substr(colon + 1));
+    }
+    return afterSheet(first, last);
+}
+
+/// [1]Sheet!A1 of an external book, or [Column] and [@Column] inside a table.
+Node Parser::bracketStart() {
+    std::size_t end = at_ + 1;
+    while (end < text_.size() && isDigit(text_[end])) {
+        ++end;
+    }
+    if (end > at_ + 1 && end < text_.size() && text_[end] == ']') {
+        const std::size_t start = at_;
+        at_ = end + 1;
+        token();
+        if (peek() == '!') {
+            const std::string_view name = text_.substr(start, at_ - start);
+            ++at_;
+            if (name.back() == ']') {
+                return unsupported("a name of another workbook (" + std::string(token()) + ")");
+            }
+            const int sheet = symbols_.sheet(name);
+            return afterSheet(sheet, sheet);
+        }
+        at_ = start;
+    }
+    const RawTable* table = symbols_.tableAt(place_.sheet, place_.row, place_.column);
+    if (!table) {
+        fail("a column is named outside any table");
+    }
+    return structured(table);
+}
+
+/// What follows "Sheet!"; a sheet of -1 does not exist, and the reference is #REF!.
+Node Parser::afterSheet(int firstSheet, int lastSheet) {
+    if (peek() == '#') {
+        return errorLiteral();
+    }
+    if (firstSheet > lastSheet) {
+        std::swap(firstSheet, lastSheet);
+    }
+    if (isDigit(peek()) || (peek() == '$' && isDigit(peek(1)))) {
+        return wholeRows(firstSheet, lastSheet, true);
+    }
+    const std::string_view word = token();
+    Node node;
+    if (word.empty()) {
+        fail("a reference is missing behind a sheet's name");
+    }
+    if (wholeColumns(word, firstSheet, lastSheet, true, node) || cell(word, firstSheet, lastSheet, true, node)) {
+        return node;
+    }
+    return definedName(word, firstSheet);
+}
+
+Node Parser::reference(int firstSheet, int lastSheet, Area area, bool explicitSheet) {
+    if (firstSheet < 0 || lastSheet < 0) {
+        return constant(Value(ErrorCode::Ref));
+    }
+    if (area.firstRow > area.lastRow) {
+        std::swap(area.firstRow, area.lastRow);
+    }
+    if (area.firstColumn > area.lastColumn) {
+        std::swap(area.firstColumn, area.lastColumn);
+    }
+    std::vector<Area> areas;
+    for (int sheet = firstSheet; sheet <= lastSheet; ++sheet) {
+        area.sheet = sheet;
+        areas.push_back(area);
+    }
+    Node node;
+    node.kind = Node::Kind::Reference;
+    node.explicitSheet = explicitSheet;
+    node.value = Value::reference(std::move(areas));
+    return node;
+}
+
+Node Parser::wholeRows(int firstSheet, int lastSheet, bool explicitSheet) {
+    const Part first = rowPart(token());
+    if (peek() != ':') {
+        fail("a reference cannot be read");
+    }
+    ++at_;
+    const Part last = rowPart(token());
+    if (first.position < 0 || last.position < 0) {
+        fail("a reference to rows cannot be read");
+    }
+    return reference(
+        firstSheet, lastSheet,
+        {0, shifted(first, place_.shiftRows, maxRows), 0, shifted(last, place_.shiftRows, maxRows), maxColumns - 1},
+        explicitSheet);
+}
+
+bool Parser::wholeColumns(std::string_view word, int firstSheet, int lastSheet, bool explicitSheet, Node& node) {
+    const Part first = columnPart(word);
+    if (first.position < 0 || peek() != ':') {
+        return false;
+    }
+    const std::size_t start = at_;
+    ++at_;
+    const Part last = columnPart(token());
+    if (last.position < 0 || peek() == '(' || peek() == '!') {
+        at_ = start;
+        return false;
+    }
+    node = reference(firstSheet, lastSheet,
+                     {0, 0, shifted(first, place_.shiftColumns, maxColumns), maxRows - 1,
+                      shifted(last, place_.shiftColumns, maxColumns)},
+                     explicitSheet);
+    return true;
+}
+
+bool Parser::cell(std::string_view word, int firstSheet, int lastSheet, bool explicitSheet, Node& node) {
+    std::size_t split = word.starts_with('$') ? 1 : 0;
+    while (split < word.size() && isLetter(word[split])) {
+        ++split;
+    }
+    const Part column = columnPart(word.substr(0, split));
+    const Part row = rowPart(word.substr(split));
+    if (column.position < 0 || row.position < 0) {
+        return false;
+    }
+    const int r = shifted(row, place_.shiftRows, maxRows);
+    const int c = shifted(column, place_.shiftColumns, maxColumns);
+    node = reference(firstSheet, lastSheet, {0, r, c, r, c}, explicitSheet);
+    return true;
+}
+
+int Parser::variable(std::string_view name) const {
+    const std::string lower = toLower(withoutPrefix(name));
+    for (auto entry = scope_.rbegin(); entry != scope_.rend(); ++entry) {
+        if (entry->first == lower) {
+            return entry->second;
+        }
+    }
+    return -1;
+}
+
+Node Parser::identifier() {
+    const std::string_view word = token();
+    const std::size_t behind = at_;
+    if (peek() == '!') {
+        ++at_;
+        const int sheet = symbols_.sheet(word);
+        return afterSheet(sheet, sheet);
+    }
+    if (peek() == ':') {  // First:Last!A1
+        ++at_;
+        const std::string_view last = token();
+        if (peek() == '!' && symbols_.sheet(word) >= 0 && symbols_.sheet(last) >= 0) {
+            ++at_;
+            return afterSheet(symbols_.sheet(word), symbols_.sheet(last));
+        }
+        at_ = behind;
+    }
+    if (const int index = variable(word); index >= 0) {
+        Node node;
+        node.kind = Node::Kind::Variable;
+        node.index = index;
+        if (peek() == '(') {
+            ++at_;
+            Node invoked;
+            invoked.kind = Node::Kind::Call;
+            invoked.children = callArguments();
+            invoked.children.insert(invoked.children.begin(), std::move(node));
+            return invoked;
+        }
+        return node;
+    }
+    if (peek() == '(') {
+        ++at_;
+        return call(word);
+    }
+    if (peek() == '[') {
+        if (const RawTable* table = symbols_.table(word)) {
+            return structured(table);
+        }
+        fail("a table named " + std::string(word) + " does not exist");
+    }
+    Node node;
+    if (wholeColumns(word, place_.sheet, place_.sheet, false, node) ||
+        cell(word, place_.sheet, place_.sheet, false, node)) {
+        return node;
+    }
+    const std::string upper = toUpper(word);
+    if (upper == "TRUE" || upper == "FALSE") {
+        return constant(Value(upper == "TRUE"));
+    }
+    return definedName(word, place_.sheet);
+}
+
+Node Parser::definedName(std::string_view name, int sheet) {
+    const RawName* found = symbols_.name(withoutPrefix(name), sheet);
+    if (!found) {
+        if (const RawTable* table = symbols_.table(name)) {
+            return reference(table->area.sheet, table->area.sheet,
+                             {0, table->area.firstRow + table->headerRows, table->area.firstColumn,
+                              table->area.lastRow - table->totalsRows, table->area.lastColumn},
+                             true);
+        }
+        return constant(Value(ErrorCode::Name));
+    }
+    if (nameDepth_ > 30) {
+        fail("names refer to each other without end");
+    }
+    FormulaPlace place = place_;
+    place.sheet = found->sheet >= 0 ? found->sheet : place_.sheet;
+    place.shiftRows = place_.row;
+    place.shiftColumns = place_.column;
+    try {
+        Node node = Parser(found->formula, place, symbols_, nameDepth_ + 1).parse();
+        if (peek() == '(') {
+            ++at_;
+            Node invoked;
+            invoked.kind = Node::Kind::Call;
+            invoked.children = callArguments();
+            invoked.children.insert(invoked.children.begin(), std::move(node));
+            return invoked;
+        }
+        node.explicitSheet = true;
+        return node;
+    } catch (const ParseError& error) {
+        return unsupported("the name " + std::string(name) + ": " + error.what());
+    }
+}
+
+std::vector<Node> Parser::callArguments() {
+    std::vector<Node> arguments;
+    if (accept(')')) {
+        return arguments;
+    }
+    for (;;) {
+        skipBlanks();
+        if (peek() == ',' || peek() == ')') {
+            arguments.emplace_back();
+        } else {
+            arguments.push_back(comparison());
+        }
+        if (accept(',')) {
+            continue;
+        }
+        expect(')');
+        return arguments;
+    }
+}
+
+/// An identifier that a comma follows: the name of a variable in LET or LAMBDA.
+bool Parser::variableAhead(std::string_view& name, bool& optional) {
+    const std::size_t start = at_;
+    skipBlanks();
+    optional = peek() == '[';
+    at_ += optional ? 1 : 0;
+    name = token();
+    bool ok = !name.empty() && !isDigit(name.front());
+    if (optional) {
+        ok = ok && accept(']');
+    }
+    if (ok && accept(',')) {
+        name = withoutPrefix(name);
+        return true;
+    }
+    at_ = start;
+    return false;
+}
+
+Node Parser::letCall() {
+    Node node;
+    node.kind = Node::Kind::Special;
+    node.form = Form::Let;
+    const std::size_t outer = scope_.size();
+    std::string_view name;
+    bool optional = false;
+    while (variableAhead(name, optional)) {
+        Node value = comparison();
+        node.children.push_back(std::move(value));
+        node.parameters.push_back(nextVariable_);
+        scope_.emplace_back(toLower(name), nextVariable_++);
+        expect(',');
+    }
+    if (node.children.empty()) {
+        fail("LET defines no name");
+    }
+    node.children.push_back(comparison());
+    node.depth = node.children.back().depth + 1;
+    expect(')');
+    scope_.resize(outer);
+    return node;
+}
+
+Node Parser::lambdaCall() {
+    Node node;
+    node.kind = Node::Kind::Special;
+    node.form = Form::Lambda;
+    const std::size_t outer = scope_.size();
+    std::string_view name;
+    bool optional = false;
+    while (variableAhead(name, optional)) {
+        node.parameters.push_back(optional ? ~nextVariable_ : nextVariable_);
+        scope_.emplace_back(toLower(name), nextVariable_++);
+    }
+    node.children.push_back(comparison());
+    node.depth = node.children.back().depth + 1;
+    expect(')');
+    scope_.resize(outer);
+    return node;
+}
+
+Node Parser::call(std::string_view written) {
+    const std::string name = toUpper(withoutPrefix(written));
+    if (name == "LET") {
+        return letCall();
+    }
+    if (name == "LAMBDA") {
+        return lambdaCall();
+    }
+    Node node;
+    node.children = callArguments();
+    const int count = static_cast<int>(node.children.size());
+    for (const Node& child : node.children) {
+        node.depth = std::max(node.depth, child.depth + 1);
+    }
+    const auto checkCount = [&](int least, int most) {
+        if (count < least || count > most) {
+            fail(name + " has " + std::to_string(count) + " arguments");
+        }
+    };
+    if (const FormRow* form = findForm(name)) {
+        checkCount(form->minArgs, form->maxArgs);
+        node.kind = Node::Kind::Special;
+        node.form = form->form;
+    } else if (const FunctionRow* row = findFunction(name)) {
+        checkCount(row->minArgs, row->maxArgs);
+        node.kind = Node::Kind::TableCall;
+        node.row = row;
+    } else if (name.starts_with("QUORVA_")) {
+        node.kind = Node::Kind::ModelCall;
+        node.index = symbols_.modelFunction(name);
+    } else if (symbols_.name(name, place_.sheet)) {
+        Node callee = definedName(name, place_.sheet);
+        node.kind = Node::Kind::Call;
+        node.children.insert(node.children.begin(), std::move(callee));
+    } else {
+        node.kind = Node::Kind::Unsupported;
+        node.text = "the function " + name;
+    }
+    return node;
+}
+
+}  // namespace quorva::workbook

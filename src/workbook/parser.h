@@ -1,0 +1,84 @@
+// The parser's inside: one pass over the text of a formula.
+#pragma once
+
+#include "workbook/syntax.h"
+
+namespace quorva::workbook {
+
+class Parser {
+public:
+    Parser(std::string_view text, const FormulaPlace& place, Symbols& symbols, int nameDepth = 0)
+        : text_(text), place_(place), symbols_(symbols), nameDepth_(nameDepth) {}
+    Node parse();
+
+private:
+    // parser.cpp: operators
+    Node comparison();
+    Node concatenation();
+    Node additive();
+    Node multiplicative();
+    Node power();
+    Node percent();
+    Node unary();
+    Node intersection();
+    Node rangeOperand();
+    Node unionInParentheses();
+    Node binary(Operator op, Node left, Node right);
+    Node fold(Operator op, Node left, Node right);
+
+    // operands.cpp: constants, references, names, calls
+    Node primary();
+    Node primaryWithoutPostfix();
+    Node number();
+    Node quotedText();
+    Node errorLiteral();
+    Node arrayConstant();
+    Value arrayElement();
+    Node quotedSheet();
+    Node bracketStart();
+    Node identifier();
+    Node afterSheet(int firstSheet, int lastSheet);
+    Node wholeRows(int firstSheet, int lastSheet, bool explicitSheet);
+    bool wholeColumns(std::string_view token, int firstSheet, int lastSheet, bool explicitSheet, Node& node);
+    bool cell(std::string_view token, int firstSheet, int lastSheet, bool explicitSheet, Node& node);
+    Node reference(int firstSheet, int lastSheet, Area area, bool explicitSheet);
+    Node definedName(std::string_view name, int sheet);
+    Node call(std::string_view name);
+    Node letCall();
+    Node lambdaCall();
+    std::vector<Node> callArguments();
+    std::string_view token();
+    bool variableAhead(std::string_view& name, bool& optional);
+    int variable(std::string_view name) const;
+    static std::string_view withoutPrefix(std::string_view name);
+
+    // structured.cpp: tables
+    Node structured(const RawTable* table);
+
+    char peek(std::size_t ahead = 0) const { return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0'; }
+    bool skipBlanks();
+    bool accept(char c);
+    void expect(char c);
+    [[noreturn]] void fail(const std::string& what) const;
+
+    struct Depth {
+        explicit Depth(Parser& parser) : parser_(parser) {
+            if (++parser_.depth_ > 300) {
+                parser_.fail("it is nested too deeply");
+            }
+        }
+        ~Depth() { --parser_.depth_; }
+        Parser& parser_;
+    };
+
+    std::string_view text_;
+    FormulaPlace place_;
+    Symbols& symbols_;
+    int nameDepth_ = 0;
+    std::size_t at_ = 0;
+    int depth_ = 0;
+    int nextVariable_ = 0;
+    std::vector<std::pair<std::string, int>> scope_;
+};
+
+}  // namespace quorva::workbook

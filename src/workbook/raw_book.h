@@ -1,0 +1,57 @@
+// What a reader hands to the book: sheets, cells, names and tables as the file has them, nothing interpreted.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "workbook/value.h"
+
+namespace quorva::workbook {
+
+enum class FormulaKind : std::uint8_t { None, Normal, Array, Dynamic };
+
+struct RawCell {
+    int row = 0;
+    int column = 0;
+    FormulaKind kind = FormulaKind::None;
+    bool hasValue = false;
+    Value value;          ///< the constant, or what the file saved for the formula
+    std::string formula;  ///< without the equals sign
+    /// A shared formula's text is its first cell's; these many rows and columns further down it stands.
+    int shiftRows = 0;
+    int shiftColumns = 0;
+    Area spill;  ///< of array formulas: the cells that the file gives them
+};
+
+struct RawSheet {
+    std::string name;
+    std::vector<RawCell> cells;
+    std::vector<bool> hiddenRows;
+};
+
+struct RawName {
+    std::string name;
+    int sheet = -1;  ///< -1: of the whole book
+    std::string formula;
+};
+
+struct RawTable {
+    std::string name;
+    Area area;  ///< with headers and totals
+    int headerRows = 1;
+    int totalsRows = 0;
+    std::vector<std::string> columns;
+};
+
+struct RawBook {
+    /// The book's own sheets, then those of external books (their saved values), named "[1]Sheet1".
+    std::vector<RawSheet> sheets;
+    int ownSheets = 0;
+    std::vector<RawName> names;
+    std::vector<RawTable> tables;
+    bool date1904 = false;
+    bool iterative = false;
+    std::string fileName;
+};
+
+}  // namespace quorva::workbook

@@ -1,0 +1,149 @@
+// Formulas as trees: what the parser makes and the evaluator walks.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "workbook/function_api.h"
+#include "workbook/raw_book.h"
+
+namespace quorva::workbook {
+
+enum class Operator : std::uint8_t {
+    Add,
+    Subtract,
+    Multiply,
+    Divide,
+    Power,
+    Concat,
+    Equal,
+    Different,
+    Less,
+    LessOrEqual,
+    Greater,
+    GreaterOrEqual,
+    Negate,
+    Plus,
+    Percent,
+    Range,
+    Intersection,
+    Union
+};
+
+/// Functions that see their arguments before evaluation: branches, references, lambdas.
+enum class Form : std::uint8_t {
+    If,
+    Ifs,
+    Switch,
+    Choose,
+    IfError,
+    IfNa,
+    Let,
+    Lambda,
+    Map,
+    Reduce,
+    Scan,
+    ByRow,
+    ByCol,
+    MakeArray,
+    Offset,
+    Index,
+    Indirect,
+    Row,
+    Column,
+    Rows,
+    Columns,
+    Cell,
+    FormulaText,
+    IsFormula,
+    Sheet,
+    Sheets,
+    Areas,
+    IsRef,
+    Single,
+    AnchorArray,
+    IsOmitted
+};
+
+struct FormRow {
+    std::string_view name;
+    Form form;
+    int minArgs;
+    int maxArgs;
+    Category category;
+    Volatility volatility = Volatility::Stable;
+};
+std::span<const FormRow> allForms();
+const FormRow* findForm(std::string_view name);
+
+struct Node {
+    enum class Kind : std::uint8_t {
+        Constant,
+        Reference,
+        Missing,
+        Unary,
+        Binary,
+        TableCall,
+        Special,
+        ModelCall,
+        Variable,
+        Call,
+        Unsupported
+    };
+
+    Kind kind = Kind::Missing;
+    Operator op{};
+    Form form{};
+    bool explicitSheet = false;  ///< of a reference: its sheet was written
+    bool parenthesised = false;
+    int depth = 1;  ///< of the tree from here down
+    int index = 0;  ///< variable or model function
+    Value value;    ///< constant or reference
+    const FunctionRow* row = nullptr;
+    std::string text;             ///< Unsupported: what is not supported
+    std::vector<int> parameters;  ///< variables of LET and LAMBDA, in order; ~i marks an optional one
+    std::vector<Node> children;
+};
+
+struct ParseError : std::runtime_error {
+    ParseError(const std::string& what, std::size_t where) : std::runtime_error(what), position(where) {}
+    std::size_t position;
+};
+
+/// Names that formulas refer to, and the model functions that they call.
+class Symbols {
+public:
+    explicit Symbols(const RawBook& book);
+
+    int sheet(std::string_view name) const;  ///< -1 when there is none
+    int ownSheets() const { return book_->ownSheets; }
+    const RawName* name(std::string_view name, int sheet) const;
+    const RawTable* table(std::string_view name) const;
+    const RawTable* tableAt(int sheet, int row, int column) const;
+    /// Number of a model function by its name; made on first use.
+    int modelFunction(std::string_view name);
+    const std::vector<std::string>& modelFunctions() const { return modelNames_; }
+
+private:
+    const RawBook* book_;
+    std::unordered_map<std::string, int> sheets_;
+    std::unordered_map<std::string, std::vector<const RawName*>> names_;
+    std::unordered_map<std::string, const RawTable*> tables_;
+    std::vector<std::string> modelNames_;
+};
+
+/// Where a formula stands: relative references of a shared formula or a name move by the shift.
+struct FormulaPlace {
+    int sheet = 0;
+    int row = 0;
+    int column = 0;
+    int shiftRows = 0;
+    int shiftColumns = 0;
+};
+
+/// Parses a formula without its equals sign; throws ParseError.
+Node parseFormula(std::string_view text, const FormulaPlace& place, Symbols& symbols);
+
+}  // namespace quorva::workbook

@@ -1,0 +1,449 @@
+#include "workbook/workings.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <ctime>
+
+#include "workbook/module_link.h"
+#include "workbook/program.h"
+
+namespace quorva::workbook {
+
+namespace {
+
+/// Sums and differences that vanish on 15 digits are 0 when they are the whole formula.
+Value snapped(const Node& tree, const CellStore&, Value value, Evaluator& evaluator) {
+    const bool sum = tree.kind == Node::Kind::Binary && (tree.op == Operator::Add || tree.op == Operator::Subtract);
+    if (!sum || tree.parenthesised || !value.isNumber() || value.number() == 0 || std::fabs(value.number()) > 1e300) {
+        return value;
+    }
+    const Node& right = tree.children[1];
+    if (right.kind != Node::Kind::Constant && right.kind != Node::Kind::Reference) {
+        return value;  // evaluating it again could have effects
+    }
+    const Value operand = evaluator.evaluateScalar(right);
+    if (!operand.isNumber() || std::fabs(value.number()) > 2e-15 * std::fabs(operand.number())) {
+        return value;
+    }
+    const double left =
+        tree.op == Operator::Add ? value.number() - operand.number() : value.number() + operand.number();
+    const double other = tree.op == Operator::Add ? -operand.number() : operand.number();
+    return compareNumbers(left, other) == 0 ? Value(0.0) : value;
+}
+
+double currentSerial(bool date1904) {
+    const auto now = std::chrono::system_clock::now();
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+    std::tm local{};
+    localtime_r(&seconds, &local);
+    const double day = *serialFromDate(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, date1904);
+    const double fraction =
+        std::chrono::duration<double>(now - std::chrono::system_clock::from_time_t(seconds)).count();
+    return day + (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec + fraction) / 86400;
+}
+
+}  // namespace
+
+Workings::Workings(std::unique_ptr<RawBook> book) : raw(std::move(book)) {
+    symbols = std::make_unique<Symbols>(*raw);
+    layCells();
+    around.cells = &cells;
+    around.symbols = symbols.get();
+    around.raw = raw.get();
+    around.now = currentSerial(raw->date1904);
+    around.bringUpToDate = [this](const Area& area) { bringUpToDate(area); };
+    around.callModel = [this](Evaluator& evaluator, const Node& node) -> Value {
+        if (!module) {
+            throw Unsupported{"the function " + symbols->modelFunctions()[static_cast<std::size_t>(node.index)] +
+                              " without its module"};
+        }
+        return callModel(*module, evaluator, node);
+    };
+    around.formulaText = [this](int sheet, int row, int column) -> const std::string* {
+        const Slot slot = cells.find(sheet, row, column);
+        const int formula = slot == noSlot ? -1 : formulaAt(slot);
+        return formula < 0 ? nullptr : formulas[static_cast<std::size_t>(formula)].text;
+    };
+    around.spillOf = [this](int sheet, int row, int column, Area& area) {
+        const Slot slot = cells.find(sheet, row, column);
+        const int formula = slot == noSlot ? -1 : formulaAt(slot);
+        if (formula < 0 || formulas[static_cast<std::size_t>(formula)].kind == FormulaKind::Normal) {
+            return false;
+        }
+        area = formulas[static_cast<std::size_t>(formula)].spill;
+        return true;
+    };
+    addFormulas();
+}
+
+Workings::~Workings() = default;
+
+void Workings::layCells() {
+    std::vector<std::vector<std::uint64_t>> keys;
+    for (RawSheet& sheet : raw->sheets) {
+        std::stable_sort(sheet.cells.begin(), sheet.cells.end(), [](const RawCell& a, const RawCell& b) {
+            return cellKey(a.row, a.column) < cellKey(b.row, b.column);
+        });
+        // Of a cell that stands twice in the file, the last counts.
+        std::vector<RawCell> distinct;
+        distinct.reserve(sheet.cells.size());
+        for (RawCell& cell : sheet.cells) {
+            if (!distinct.empty() && distinct.back().row == cell.row && distinct.back().column == cell.column) {
+                distinct.back() = std::move(cell);
+            } else {
+                distinct.push_back(std::move(cell));
+            }
+        }
+        sheet.cells = std::move(distinct);
+        auto& sheetKeys = keys.emplace_back();
+        sheetKeys.reserve(sheet.cells.size());
+        for (const RawCell& cell : sheet.cells) {
+            sheetKeys.push_back(cellKey(cell.row, cell.column));
+        }
+    }
+    cells.build(keys);
+    for (std::size_t s = 0; s < raw->sheets.size(); ++s) {
+        SheetIndex& index = cells.sheet(static_cast<int>(s));
+        index.hiddenRows = raw->sheets[s].hiddenRows;
+        Slot slot = index.firstSlot;
+        for (const RawCell& cell : raw->sheets[s].cells) {
+            cells.set(slot++, cell.value);
+        }
+    }
+}
+
+void Workings::addFormulas() {
+    formulaOfSlot_.assign(static_cast<std::size_t>(cells.slotCount()), -1);
+    spillOwner.assign(static_cast<std::size_t>(cells.slotCount()), -1);
+    for (int s = 0; s < raw->ownSheets; ++s) {
+        Slot slot = cells.sheet(s).firstSlot;
+        for (const RawCell& cell : raw->sheets[static_cast<std::size_t>(s)].cells) {
+            const Slot own = slot++;
+            if (cell.kind == FormulaKind::None) {
+                continue;
+            }
+            Formula formula;
+            formula.cell = {s, cell.row, cell.column};
+            formula.slot = own;
+            formula.kind = cell.kind;
+            formula.text = &cell.formula;
+            formula.spill =
+                cell.kind == FormulaKind::Normal ? Area{s, cell.row, cell.column, cell.row, cell.column} : cell.spill;
+            formula.spill.sheet = s;
+            if (cell.hasValue) {
+                formula.saved = cell.value;
+            }
+            formula.done = cell.hasValue;
+            try {
+                formula.tree =
+                    parseFormula(cell.formula, {s, cell.row, cell.column, cell.shiftRows, cell.shiftColumns}, *symbols);
+            } catch (const ParseError& error) {
+                formula.tree.kind = Node::Kind::Unsupported;
+                formula.tree.text =
+                    "the formula at its character " + std::to_string(error.position + 1) + ": " + error.what();
+            }
+            const Node& tree = formula.tree;
+            formula.subtotal =
+                tree.kind == Node::Kind::TableCall && (tree.row->name == "SUBTOTAL" || tree.row->name == "AGGREGATE");
+            cells.markFormula(own);
+            if (formula.subtotal) {
+                cells.markSubtotal(own);
+            }
+            formulaOfSlot_[static_cast<std::size_t>(own)] = static_cast<int>(formulas.size());
+            formulas.push_back(std::move(formula));
+        }
+    }
+    for (std::size_t i = 0; i < formulas.size(); ++i) {
+        const Formula& formula = formulas[i];
+        if (formula.spill.single()) {
+            continue;
+        }
+        cells.forEachSlot(formula.spill, [&](int, int, Slot slot) {
+            if (formulaOfSlot_[static_cast<std::size_t>(slot)] < 0) {
+                spillOwner[static_cast<std::size_t>(slot)] = static_cast<int>(i);
+            }
+        });
+    }
+}
+
+void Workings::store(Formula& formula, Value value) {
+    if (value.isBlank()) {
+        value = Value(0.0);
+    } else if (value.isLambda()) {
+        value = ErrorCode::Calc;
+    }
+    cells.set(formula.slot, value);
+}
+
+/// Spreads an array over the cells of an array formula, or spills it.
+void Workings::storeArray(int index, const Value& value) {
+    Formula& formula = formulas[static_cast<std::size_t>(index)];
+    Area target = formula.spill;
+    if (formula.kind == FormulaKind::Dynamic) {
+        target = {formula.cell.sheet, formula.cell.row, formula.cell.column, formula.cell.row, formula.cell.column};
+        if (value.isArray()) {
+            target.lastRow += value.arrayRows() - 1;
+            target.lastColumn += value.arrayColumns() - 1;
+        }
+        bool blocked = target.lastRow >= maxRows || target.lastColumn >= maxColumns;
+        if (!blocked) {
+            cells.forEachSlot(target, [&](int, int, Slot slot) {
+                const auto at = static_cast<std::size_t>(slot);
+                const bool own = slot == formula.slot || (at < spillOwner.size() && spillOwner[at] == index);
+                blocked = blocked || (!own && (formulaAt(slot) >= 0 || !cells.get(slot).isBlank()));
+            });
+        }
+        if (blocked) {
+            store(formula, ErrorCode::Spill);
+            target = {formula.cell.sheet, formula.cell.row, formula.cell.column, formula.cell.row, formula.cell.column};
+        }
+        if (!(target == formula.spill)) {
+            cells.forEachSlot(formula.spill, [&](int row, int column, Slot slot) {
+                if (slot != formula.slot && !target.contains(row, column) &&
+                    spillOwner[static_cast<std::size_t>(slot)] == index) {
+                    cells.set(slot, Value());
+                    spillOwner[static_cast<std::size_t>(slot)] = -1;
+                }
+            });
+            formula.spill = target;
+            spillsChanged_ = true;
+        }
+        if (blocked) {
+            return;
+        }
+    }
+    for (int row = target.firstRow; row <= target.lastRow; ++row) {
+        for (int column = target.firstColumn; column <= target.lastColumn; ++column) {
+            Value one = combinedElement(value, row - target.firstRow, column - target.firstColumn);
+            one = one.isBlank() ? Value(0.0) : one.isLambda() ? Value(ErrorCode::Calc) : one;
+            const Slot slot = cells.findOrAdd(target.sheet, row, column);
+            spillOwner.resize(static_cast<std::size_t>(cells.slotCount()), -1);
+            if (slot != formula.slot) {
+                spillOwner[static_cast<std::size_t>(slot)] = index;
+            }
+            cells.set(slot, one);
+        }
+    }
+}
+
+void Workings::compute(int index) {
+    Formula& formula = formulas[static_cast<std::size_t>(index)];
+    formula.pass = pass_;
+    if (formula.removed) {
+        return;
+    }
+    if (formula.circular) {
+        return;
+    }
+    formula.running = true;
+    formula.why.clear();
+    formula.modelCalls = 0;
+    Evaluator evaluator(around, formula.cell.sheet, formula.cell.row, formula.cell.column,
+                        formula.kind != FormulaKind::Normal);
+    try {
+        Value value = evaluator.evaluateOperand(formula.tree);
+        if (formula.kind == FormulaKind::Normal) {
+            if (value.isArray()) {
+                value = value.arrayCells()[0];
+            }
+            store(formula, snapped(formula.tree, cells, std::move(value), evaluator));
+        } else if (value.isArray() || !formula.spill.single()) {
+            storeArray(index, value);
+        } else {
+            store(formula, snapped(formula.tree, cells, std::move(value), evaluator));
+        }
+        formula.done = true;
+    } catch (const Unsupported& unsupported) {
+        formula.why = unsupported.what;
+        if (formula.saved) {
+            cells.set(formula.slot, *formula.saved);
+        } else {
+            cells.set(formula.slot, ErrorCode::Name);
+        }
+    }
+    formula.running = false;
+}
+
+void Workings::computeLive(int index) {
+    Formula& formula = formulas[static_cast<std::size_t>(index)];
+    if (formula.pass == pass_) {
+        return;
+    }
+    compute(index);
+    if (!formula.why.empty()) {
+        throw Failure(Failure::Kind::Unsupported,
+                      "Cell " + formulaName(index) + " uses " + formula.why + ", which is not supported.");
+    }
+}
+
+void Workings::bringUpToDate(const Area& area) {
+    if (!anyDynamic_) {
+        return;
+    }
+    std::vector<int> late;
+    cells.forEachSlot(area, [&](int, int, Slot slot) {
+        int formula = formulaAt(slot);
+        if (formula < 0 && static_cast<std::size_t>(slot) < spillOwner.size()) {
+            formula = spillOwner[static_cast<std::size_t>(slot)];
+        }
+        if (formula >= 0 && formulas[static_cast<std::size_t>(formula)].pass != pass_ &&
+            (formulas[static_cast<std::size_t>(formula)].live || !formulas[static_cast<std::size_t>(formula)].done)) {
+            late.push_back(formula);
+        }
+    });
+    for (const int formula : late) {
+        if (formulas[static_cast<std::size_t>(formula)].pass != pass_) {
+            compute(formula);
+        }
+    }
+}
+
+std::string Workings::formulaName(int formula) const {
+    const CellAddress& cell = formulas[static_cast<std::size_t>(formula)].cell;
+    return raw->sheets[static_cast<std::size_t>(cell.sheet)].name + "!" + cellName(cell.row, cell.column);
+}
+
+void Workings::computeAll() {
+    for (int round = 0; round < 8; ++round) {
+        if (!connected_ || spillsChanged_) {
+            connect();
+        }
+        spillsChanged_ = false;
+        ++pass_;
+        for (Formula& formula : formulas) {
+            formula.done = false;
+        }
+        for (const int index : order) {
+            if (formulas[static_cast<std::size_t>(index)].pass != pass_) {
+                compute(index);
+            }
+        }
+        if (!spillsChanged_) {
+            break;
+        }
+    }
+    edits_.clear();
+    prepared_ = false;
+}
+
+void Workings::computeFixed() {
+    for (int round = 0; round < 8; ++round) {
+        if (!connected_ || spillsChanged_) {
+            connect();
+        }
+        spillsChanged_ = false;
+        ++pass_;
+        for (const int index : order) {
+            Formula& formula = formulas[static_cast<std::size_t>(index)];
+            if (!formula.live && !formula.done && !formula.removed && formula.pass != pass_) {
+                compute(index);
+            }
+        }
+        if (!spillsChanged_) {
+            return;
+        }
+    }
+}
+
+void Workings::prepare() {
+    if (!connected_) {
+        connect();
+    }
+    computeFixed();
+    liveOrder.clear();
+    for (const int index : order) {
+        const Formula& formula = formulas[static_cast<std::size_t>(index)];
+        if (formula.removed) {
+            continue;
+        }
+        if (formula.circular && (formula.live || !formula.saved)) {
+            throw Failure(Failure::Kind::Model, "The workbook has a circular reference: " + formula.why + ".");
+        }
+        if (!formula.live && !formula.done && !formula.saved) {
+            throw Failure(Failure::Kind::Unsupported,
+                          "Cell " + formulaName(index) + " uses " + formula.why + ", which is not supported.");
+        }
+        if (formula.live) {
+            liveOrder.push_back(index);
+        }
+    }
+    program = compileProgram(*this);
+    prepared_ = true;
+}
+
+void Workings::recalculate() {
+    if (!edits_.empty()) {
+        applyEdits();
+    }
+    if (!prepared_) {
+        prepare();
+    }
+    for (int round = 0; round < 8; ++round) {
+        ++pass_;
+        around.now = program->usesClock ? currentSerial(raw->date1904) : around.now;
+        spillsChanged_ = false;
+        runProgram(*this, *program);
+        if (!spillsChanged_) {
+            return;
+        }
+        connect();
+        prepare();
+        if (program->callsModel) {
+            return;  // model cells run once per recalculation
+        }
+    }
+}
+
+void Workings::set(const CellAddress& cell, const Value& value) {
+    const Slot slot = cells.findOrAdd(cell.sheet, cell.row, cell.column);
+    spillOwner.resize(static_cast<std::size_t>(cells.slotCount()), -1);
+    const int formula = formulaAt(slot);
+    if (formula >= 0) {
+        formulas[static_cast<std::size_t>(formula)].removed = true;
+        formulaOfSlot_[static_cast<std::size_t>(slot)] = -1;
+        connected_ = false;
+    }
+    cells.set(slot, value);
+    edits_.push_back(cell);
+}
+
+/// Formulas downstream of the edited cells have to be computed again.
+void Workings::applyEdits() {
+    if (!connected_) {
+        connect();
+    }
+    std::vector<bool> dirtyArea(areas_.size());
+    for (std::size_t i = 0; i < areas_.size(); ++i) {
+        for (const CellAddress& cell : edits_) {
+            dirtyArea[i] =
+                dirtyArea[i] || (areas_[i].area.sheet == cell.sheet && areas_[i].area.contains(cell.row, cell.column));
+        }
+    }
+    std::vector<bool> dirty(formulas.size());
+    std::vector<std::vector<int>> containing(formulas.size());
+    for (std::size_t i = 0; i < areas_.size(); ++i) {
+        for (const int formula : areas_[i].formulas) {
+            containing[static_cast<std::size_t>(formula)].push_back(static_cast<int>(i));
+        }
+    }
+    for (const int index : order) {
+        Formula& formula = formulas[static_cast<std::size_t>(index)];
+        const bool touched =
+            std::any_of(formula.uses.begin(), formula.uses.end(),
+                        [&](int use) { return dirtyArea[static_cast<std::size_t>(use)]; }) ||
+            (formula.kind == FormulaKind::Dynamic && cells.get(formula.slot).isError());  // a #SPILL! may be free now
+        if (!touched) {
+            continue;
+        }
+        dirty[static_cast<std::size_t>(index)] = true;
+        formula.done = false;
+        for (const int area : containing[static_cast<std::size_t>(index)]) {
+            dirtyArea[static_cast<std::size_t>(area)] = true;
+        }
+    }
+    edits_.clear();
+    prepared_ = false;
+}
+
+}  // namespace quorva::workbook

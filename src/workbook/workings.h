@@ -1,0 +1,116 @@
+// The inside of a book: its cells, formulas, their dependencies and the order of calculation.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "workbook/book.h"
+#include "workbook/evaluator.h"
+#include "workbook/raw_book.h"
+#include "workbook/syntax.h"
+
+namespace quorva::workbook {
+
+struct Formula {
+    CellAddress cell;
+    Slot slot = noSlot;
+    FormulaKind kind = FormulaKind::Normal;
+    Node tree;
+    const std::string* text = nullptr;
+    std::optional<Value> saved;
+    Area spill;             ///< cells that the result fills; one cell for ordinary formulas
+    std::vector<int> uses;  ///< numbers of the areas that it refers to
+    bool volatileItself = false;
+    bool callsModel = false;
+    bool dynamic = false;  ///< refers to cells found only while evaluating
+    bool live = false;     ///< runs at every recalculation
+    bool done = false;     ///< its cell holds a value that was computed or saved
+    bool subtotal = false;
+    bool removed = false;  ///< an edit replaced it
+    bool running = false;
+    unsigned pass = 0;
+    std::string why;  ///< what is not supported, or the cycle it is part of
+    bool circular = false;
+    int modelCalls = 0;  ///< model functions called in the pass
+};
+
+/// A block of cells that formulas refer to, and the formulas whose cells lie in it.
+struct UsedArea {
+    Area area;
+    std::vector<int> formulas;
+};
+
+struct Program;
+struct ModuleLink;
+
+class Workings {
+public:
+    explicit Workings(std::unique_ptr<RawBook> book);
+    ~Workings();
+    Workings(const Workings&) = delete;
+    Workings& operator=(const Workings&) = delete;
+
+    void computeAll();
+    void recalculate();
+    void set(const CellAddress& cell, const Value& value);
+    void bringUpToDate(const Area& area);
+    /// Computes one formula and stores the result.
+    void compute(int formula);
+    /// As compute, for the part that runs at every recalculation: what is not supported ends it.
+    void computeLive(int formula);
+    std::string formulaName(int formula) const;
+    int formulaAt(Slot slot) const {
+        return static_cast<std::size_t>(slot) < formulaOfSlot_.size() ? formulaOfSlot_[slot] : -1;
+    }
+    /// Forgets what was compiled: the next recalculation prepares anew.
+    void unprepare() { prepared_ = false; }
+
+    std::unique_ptr<RawBook> raw;
+    std::unique_ptr<Symbols> symbols;
+    CellStore cells;
+    std::vector<Formula> formulas;  ///< in sheet, row and column order
+    std::vector<int> order;         ///< numbers of all formulas, dependencies first
+    std::vector<int> liveOrder;
+    std::vector<int> spillOwner;  ///< by slot: number of the formula whose result spilled there, else -1
+    Surroundings around;
+    std::unique_ptr<Program> program;
+    std::unique_ptr<ModuleLink> module;
+
+private:
+    void layCells();
+    void addFormulas();
+    void connect();
+    void sortFormulas();
+    void markLive();
+    void prepare();
+    void computeFixed();
+    void store(Formula& formula, Value value);
+    void storeArray(int index, const Value& value);
+    int useArea(const Area& area);
+    void collectUses(Formula& formula, const Node& node);
+    void describeCircle(const std::vector<int>& path, int from);
+    void applyEdits();
+
+    std::vector<int> formulaOfSlot_;
+    std::vector<UsedArea> areas_;
+    std::map<std::array<int, 5>, int> areaNumbers_;
+    std::vector<int> spillers_;  ///< formulas whose results fill more than a cell
+    std::vector<CellAddress> edits_;
+    unsigned pass_ = 0;
+    bool spillsChanged_ = false;
+    bool anyDynamic_ = false;
+    bool connected_ = false;
+    bool prepared_ = false;
+};
+
+/// Lines of a text workbook as a raw book; throws Failure.
+std::unique_ptr<RawBook> readText(std::string_view lines);
+/// An .xlsx or .xlsm file; throws Failure.
+std::unique_ptr<RawBook> readFile(const std::filesystem::path& file);
+std::unique_ptr<RawBook> readPackage(const std::string& bytes, const std::string& fileName);
+
+/// The position a text such as "B3" or "$B$3" means; false when it means none.
+bool parseCellName(std::string_view text, int& row, int& column);
+
+}  // namespace quorva::workbook

@@ -1,0 +1,149 @@
+#include "model_test.h"
+
+using namespace quorva;
+using namespace quorva::testing;
+
+namespace {
+
+class Registry : public ModelTest {
+protected:
+    static void enter(int row, int column, std::uint32_t sheet = 1, int* slot = nullptr) {
+        ++run.fields.registered;
+        int ignored = 0;
+        checkfieldentry(&column, &row, slot ? slot : &ignored, sheet,
+                        u"[B]S" + std::u16string(1, static_cast<char16_t>(u'0' + sheet % 10)));
+    }
+};
+
+TEST_F(Registry, ACellMetTwiceIsAnErrorAndKeepsItsFirstNumber) {
+    init();
+    enter(4, 2);
+    enter(9, 9);
+    enter(4, 2);
+    EXPECT_EQ(getFieldInfo(2, 4, 0), 1U);
+    const ReportedError error = reportedError();
+    EXPECT_EQ(error.code, -10);
+    EXPECT_EQ(error.line, 4);
+    EXPECT_EQ(error.column, 2);
+    EXPECT_EQ(error.texts, std::vector<std::u16string>{u"[B]S1"});
+}
+
+TEST_F(Registry, TenSheetsAreListedInTheOrderMetAndTheEleventhIsRefused) {
+    init(true);
+    int slot = 0;
+    for (std::uint32_t sheet = 1; sheet <= 10; ++sheet) {
+        enter(1, 1, 1000 - sheet, &slot);
+        EXPECT_EQ(slot, static_cast<int>(sheet));
+        EXPECT_EQ(getFieldInfo(1, 1, slot), sheet);
+    }
+    EXPECT_EQ(run.error.flag, hostFalse);
+    slot = 77;
+    enter(12, 34, 5, &slot);
+    EXPECT_EQ(slot, 77);
+    const ReportedError error = reportedError();
+    EXPECT_EQ(error.code, -16);
+    EXPECT_EQ(error.line, 12);
+    EXPECT_EQ(error.column, 34);
+    EXPECT_EQ(error.texts, std::vector<std::u16string>{u"[B]S5"});
+}
+
+TEST_F(Registry, RowsEndAt65000AndColumnsAt256) {
+    init();
+    enter(64'999, 3);
+    EXPECT_EQ(run.error.flag, hostFalse);
+    EXPECT_EQ(getFieldInfo(3, 64'999, 0), 1U);
+    enter(0, 255);
+    EXPECT_EQ(run.error.flag, hostFalse);
+    enter(65'000, 3);
+    EXPECT_EQ(reportedError().code, -15);
+    EXPECT_EQ(reportedError().line, 65'000);
+    run.error.flag = hostFalse;
+    enter(3, 256);
+    EXPECT_EQ(reportedError().code, -15);
+}
+
+TEST_F(Registry, Column255SharesItsEntryWithTheNextRow) {
+    init();
+    enter(7, 255);
+    EXPECT_EQ(getFieldInfo(0, 8, 0), 1U);
+    enter(8, 0);
+    EXPECT_EQ(reportedError().code, -10);
+}
+
+TEST_F(Registry, TheEntryPastTheEndIsNeverTouched) {
+    init();
+    setFieldInfo(255, 64'999, 0, 5);
+    EXPECT_EQ(getFieldInfo(255, 64'999, 0), 0U);
+    for (const int wild : {-1, -2'147'483'647, 65'000, 2'147'483'647}) {
+        setFieldInfo(0, wild, 0, 5);
+        setFieldInfo(wild, 0, 0, 5);
+        EXPECT_EQ(getFieldInfo(0, wild, 0), 0U);
+        EXPECT_EQ(getFieldInfo(wild, 0, 0), 0U);
+    }
+}
+
+TEST_F(Registry, ASingleSheetModelHasOneGridForAllSheets) {
+    init();
+    enter(4, 2, 1);
+    enter(4, 2, 2);
+    EXPECT_EQ(reportedError().code, -10);
+}
+
+TEST_F(Registry, SlotsOutsideTheListReadTheFirstGridAndWriteNothing) {
+    init(true);
+    enter(1, 1, 50);
+    EXPECT_EQ(getFieldInfo(1, 1, 0), 1U);
+    EXPECT_EQ(getFieldInfo(1, 1, 11), 1U);
+    setFieldInfo(1, 1, 0, 9);
+    setFieldInfo(1, 1, 11, 9);
+    EXPECT_EQ(getFieldInfo(1, 1, 1), 1U);
+    setFieldInfo(1, 1, 1, 9);
+    EXPECT_EQ(getFieldInfo(1, 1, 1), 9U);
+    EXPECT_EQ(getFieldInfo(1, 1, 7), 0U) << "a slot whose grid does not exist";
+}
+
+TEST_F(Registry, SheetLookUp) {
+    int column = 3;
+    int row = 2;
+    int slot = 5;
+    init();
+    getSheetId(&column, &row, &slot, 50, u"S");
+    EXPECT_EQ(slot, 0) << "single-sheet models have no slots";
+    init(true);
+    enter(1, 1, 50);
+    enter(1, 1, 60);
+    getSheetId(&column, &row, &slot, 60, u"S");
+    EXPECT_EQ(slot, 2);
+    getSheetId(&column, &row, &slot, 70, u"S");
+    EXPECT_EQ(slot, 2) << "left as it was";
+    EXPECT_EQ(reportedError().code, -16);
+    EXPECT_EQ(reportedError().line, 2);
+    EXPECT_EQ(reportedError().column, 3);
+}
+
+TEST_F(Registry, TheSetUpEmptiesTheGridsAndKeepsTheSheets) {
+    normal({1, 1, "[B]A"}, "x");
+    result({1, 1, "[B]B"}, "r", [] { return 0.0; });
+    init(true);
+    recalculate();
+    EXPECT_EQ(getFieldInfo(1, 1, 2), 2U);
+    ASSERT_EQ(init2(), 0);
+    EXPECT_EQ(getFieldInfo(1, 1, 1), 0U);
+    EXPECT_EQ(getFieldInfo(1, 1, 2), 0U);
+    EXPECT_EQ(run.sheets.inUse, 2);
+    reset();
+    EXPECT_EQ(run.sheets.inUse, 0);
+    EXPECT_FALSE(run.sheets.grids[1].allocated());
+}
+
+TEST_F(Registry, SheetIdentifiersCountIn32Bits) {
+    fakeHost.sheetIds["[B]A"] = 0x1'0000'0007;
+    fakeHost.sheetIds["[B]B"] = 0x2'0000'0007;
+    init(true);
+    evaluate({1, 1, "[B]A"}, [] { return QUORVA_SimRes("a", 0, 0, 0, 0); });
+    evaluate({2, 2, "[B]B"}, [] { return QUORVA_SimRes("b", 0, 0, 0, 0); });
+    EXPECT_EQ(run.sheets.inUse, 1);
+    EXPECT_EQ(run.sheets.identifiers[0], 7U);
+}
+
+}  // namespace

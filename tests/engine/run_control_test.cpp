@@ -1,0 +1,263 @@
+#include "model_test.h"
+
+using namespace quorva;
+using namespace quorva::testing;
+
+namespace {
+
+class RunControl : public ModelTest {
+protected:
+    void smallModel() {
+        normal({0, 0}, "b");
+        result({1, 0}, "a", [this] { return 2 * value(0); });
+    }
+};
+
+TEST_F(RunControl, StatusFollowsTheCallsOfARun) {
+    smallModel();
+    EXPECT_EQ(Cpp_SimGetStatus(), 0);
+    init();
+    EXPECT_EQ(Cpp_SimGetStatus(), 1);
+    recalculate();
+    EXPECT_EQ(init2(), 0);
+    EXPECT_EQ(Cpp_SimGetStatus(), 2);
+    recalculate();
+    EXPECT_EQ(begin(10), 0);
+    EXPECT_EQ(Cpp_SimGetStatus(), 3);
+    matrix<double> general(2, 22), convergence(3, 2), intervals(2, 5);
+    matrix<std::u16string> names(2, 2), labels(2, 1);
+    int converged = 0;
+    SimEnd(0.05, 10, &general, &names, &convergence, &labels, &converged, &intervals);
+    EXPECT_EQ(Cpp_SimGetStatus(), 0);
+}
+
+TEST_F(RunControl, ResetEndsEveryStatus) {
+    smallModel();
+    for (const RunStatus status :
+         {RunStatus::Idle, RunStatus::Initialised, RunStatus::Prepared, RunStatus::Running, RunStatus::Analysing}) {
+        prepare();
+        begin(5);
+        run.status.become(status);
+        ASSERT_EQ(Cpp_SimGetStatus(), static_cast<int>(status));
+        reset();
+        EXPECT_EQ(Cpp_SimGetStatus(), 0);
+        EXPECT_TRUE(run.fields.FieldTable.empty());
+        EXPECT_TRUE(run.sampling.SampleStore.empty());
+        EXPECT_FALSE(run.sheets.grids[0].allocated());
+    }
+}
+
+TEST_F(RunControl, SeedOfInitReproducesTheRunAndResetHandsOutTheNextOne) {
+    int given = 4711;
+    int next = 0;
+    Cpp_SimInit(0, &given, hostTrue, &next);
+    EXPECT_EQ(next, 4711);
+    EXPECT_EQ(given, 4711);
+    int drawn = 0;
+    Cpp_SimInit(0, &given, hostFalse, &drawn);
+    EXPECT_GT(drawn, 0);
+    EXPECT_EQ(given, 4711) << "the seed given is not written back";
+    int again = 0;
+    Cpp_SimInit(0, &drawn, hostTrue, &again);
+    EXPECT_EQ(again, drawn);
+}
+
+TEST_F(RunControl, InitMakesTheModelVolatileAndResetMakesItPlainAgain) {
+    init();
+    fakeHost.requests.clear();
+    Cpp_SimVolatile();
+    EXPECT_TRUE(fakeHost.requests.empty()) << "volatile already";
+    reset();
+    EXPECT_FALSE(fakeHost.requests.empty());
+    fakeHost.requests.clear();
+    Cpp_SimNotVolatile();
+    EXPECT_TRUE(fakeHost.requests.empty());
+}
+
+TEST_F(RunControl, BeginWithoutResultFieldIsRefused) {
+    normal({0, 0}, "only");
+    init();
+    recalculate();
+    run.fields.nRes = 1;  // the registration pass counted one that the description pass does not meet
+    ASSERT_EQ(init2(), 0);
+    recalculate();
+    EXPECT_EQ(begin(10), -2);
+    EXPECT_EQ(Cpp_SimGetStatus(), 0);
+    EXPECT_EQ(counts.all, -7) << "counts are written by a successful start only";
+}
+
+TEST_F(RunControl, MoreFieldsDescribedThanRegisteredAreRefused) {
+    smallModel();
+    init();
+    recalculate();
+    ASSERT_EQ(init2(), 0);
+    normal({5, 5}, "late");
+    recalculate();
+    EXPECT_EQ(begin(10), -11);
+    EXPECT_EQ(Cpp_SimGetStatus(), 0);
+}
+
+TEST_F(RunControl, SampleStoreMayHoldExactly64MillionCells) {
+    smallModel();
+    prepare();
+    EXPECT_EQ(begin(32'000'001), -12);
+    EXPECT_TRUE(run.sampling.SampleStore.empty()) << "tested before anything is allocated";
+    EXPECT_EQ(begin(32'000'000), 0);
+    EXPECT_EQ(run.sampling.SampleStore.size(), 64'000'000U);
+}
+
+TEST_F(RunControl, AProductThatWrapsAround32BitsIsOutOfMemoryInsteadOfAHugeTable) {
+    smallModel();
+    prepare();
+    EXPECT_EQ(begin(2'147'483'647), -15);
+    EXPECT_EQ(reportedError().code, -15);
+}
+
+TEST_F(RunControl, StrataBeyondMemoryAreReported) {
+    smallModel();
+    prepare();
+    EXPECT_EQ(begin(10, 2'147'483'647), -15);
+    EXPECT_EQ(Cpp_SimGetStatus(), 0);
+}
+
+TEST_F(RunControl, FieldNumbersFollowTheNamesWhateverTheOrderOfDescription) {
+    normal({3, 0}, "charlie");
+    normal({4, 1}, "Bravo");
+    result({5, 2}, "alpha", [] { return 1.0; });
+    result({6, 3}, "delta", [] { return 2.0; });
+    prepare();
+    ASSERT_EQ(begin(3), 0);
+    EXPECT_EQ(run.fields.FieldNames(1, 1), u"Bravo") << "code units: upper case first";
+    EXPECT_EQ(run.fields.FieldNames(2, 1), u"alpha");
+    EXPECT_EQ(run.fields.FieldNames(3, 1), u"charlie");
+    EXPECT_EQ(run.fields.FieldNames(4, 1), u"delta");
+    EXPECT_EQ(getFieldInfo(0, 3, 0), 3U);
+    EXPECT_EQ(getFieldInfo(1, 4, 0), 1U);
+    EXPECT_EQ(run.fields.FieldTable(2, fieldcolumn::row), 5);
+    EXPECT_EQ(run.fields.FieldTable(2, fieldcolumn::kind), 3);
+    EXPECT_EQ(run.fields.FieldOrder(1, 1), 3) << "the field described first is third by name";
+    EXPECT_EQ(run.fields.FieldOrder(3, 1), 2);
+    EXPECT_EQ(run.fields.FieldTable(1, fieldcolumn::stream), 2) << "streams keep the order of description";
+    EXPECT_EQ(counts.all, 4);
+    EXPECT_EQ(counts.distributions, 2);
+    EXPECT_EQ(counts.scenarios, 0);
+    EXPECT_EQ(counts.results, 2);
+    EXPECT_EQ(counts.statistics, 0);
+}
+
+TEST_F(RunControl, OneNameOnTwoSheetsIsADuplicate) {
+    normal({0, 0, "[B]One"}, "same");
+    normal({7, 8, "[B]Two"}, "same");
+    result({1, 0, "[B]One"}, "r", [] { return 1.0; });
+    prepare(true);
+    EXPECT_EQ(begin(5), -17);
+    EXPECT_EQ(Cpp_SimGetStatus(), 0);
+    const ReportedError first = reportedError();
+    EXPECT_EQ(first.code, -17);
+    EXPECT_EQ(first.line, 0);
+    EXPECT_EQ(first.texts, std::vector<std::u16string>{u"[B]One"});
+    const ReportedError second = reportedError(-1);
+    EXPECT_EQ(second.line, 7);
+    EXPECT_EQ(second.column, 8);
+    EXPECT_EQ(second.texts, (std::vector<std::u16string>{u"[B]Two", u"same"}));
+    const ReportedError same = reportedError2();
+    EXPECT_EQ(same.code, -17);
+    EXPECT_EQ(same.line, 7);
+    EXPECT_EQ(same.texts, second.texts);
+}
+
+TEST_F(RunControl, ErrorIsSilentWithoutTheFlagAndError2IsNot) {
+    ReportedError untouched{99, 98, 97, {}};
+    HostStringArray* sheets = nullptr;
+    Cpp_SimError(&untouched.code, &untouched.line, &untouched.column, &sheets);
+    EXPECT_EQ(untouched.code, 99);
+    EXPECT_EQ(untouched.line, 98);
+    EXPECT_EQ(sheets, nullptr);
+    EXPECT_EQ(reportedError2().texts.size(), 2U);
+}
+
+TEST_F(RunControl, ConvergenceIsSwitchedOffWithoutAMonitoredResult) {
+    smallModel();
+    prepare();
+    ASSERT_EQ(begin(10, 0, true, false), 0);
+    EXPECT_EQ(run.convergence.iCheckConv, hostFalse);
+    EXPECT_EQ(run.fields.FieldFlags(numberOf(u"a"), 1), 0.0);
+    reset();
+    prepare();
+    ASSERT_EQ(begin(10, 0, true, true), 0);
+    EXPECT_EQ(run.convergence.iCheckConv, hostTrue);
+    EXPECT_EQ(run.convergence.table.rows(), 3);
+    EXPECT_EQ(run.convergence.table.columns(), 2);
+    EXPECT_EQ(run.convergence.firstCheck, hostTrue);
+    EXPECT_EQ(run.fields.FieldFlags(numberOf(u"a"), 1), 1.0);
+    EXPECT_EQ(run.fields.FieldFlags(numberOf(u"b"), 1), 0.0);
+}
+
+TEST_F(RunControl, APlainOneIsNoHostTrue) {
+    smallModel();
+    prepare();
+    FieldCounts n;
+    ASSERT_EQ(Cpp_SimBegin(10, 0, 1, 0, 3, 0.95, 1, 1, 0.5, &n.all, &n.distributions, &n.scenarios, &n.results,
+                           &n.statistics),
+              0);
+    EXPECT_EQ(run.convergence.iCheckConv, hostFalse);
+}
+
+TEST_F(RunControl, AnErrorOfTheRegistrationPassStopsTheSetUpAndLastsUntilReset) {
+    smallModel();
+    init();
+    recalculate();
+    evaluate(0);  // met twice
+    EXPECT_EQ(init2(), -10);
+    EXPECT_EQ(Cpp_SimGetStatus(), 1);
+    EXPECT_EQ(init2(), -10);
+    EXPECT_EQ(Cpp_SimNext(), -1);
+    reset();
+    EXPECT_EQ(run.error.flag, hostFalse);
+    prepare();
+    EXPECT_EQ(begin(5), 0) << "a run after an aborted one";
+}
+
+TEST_F(RunControl, AnErrorOfTheDescriptionPassIsTheResultOfBegin) {
+    smallModel();
+    prepare();
+    evaluate(0);  // numbered twice
+    EXPECT_EQ(begin(5), -10);
+    EXPECT_EQ(Cpp_SimGetStatus(), 0);
+    EXPECT_EQ(reportedError().code, -10);
+}
+
+TEST_F(RunControl, IterationsAreCountedAndTheStoreIsFilledRowByRow) {
+    smallModel();
+    prepare();
+    ASSERT_EQ(begin(3), 0);
+    std::vector<double> seen;
+    for (int k = 1; k <= 5; ++k) {  // two more than planned: the rows start again
+        ASSERT_EQ(iterate(), 0);
+        EXPECT_EQ(run.sampling.iteration, k);
+        seen.push_back(value(1));
+        EXPECT_EQ(stored((k - 1) % 3 + 1, u"a"), value(1));
+    }
+    EXPECT_EQ(stored(2, u"b"), seen[4] / 2);
+    EXPECT_EQ(stored(3, u"b"), seen[2] / 2);
+}
+
+TEST_F(RunControl, ARecalculationBeforeTheFirstIterationLeavesTheStoreAlone) {
+    smallModel();
+    prepare();
+    ASSERT_EQ(begin(2), 0);
+    recalculate();
+    for (std::size_t i = 0; i < run.sampling.SampleStore.size(); ++i) {
+        EXPECT_EQ(run.sampling.SampleStore.data()[i], 0.0);
+    }
+}
+
+TEST_F(RunControl, NoIterationsAtAll) {
+    smallModel();
+    prepare();
+    ASSERT_EQ(begin(0), 0);
+    EXPECT_EQ(iterate(), 0);
+    EXPECT_EQ(run.sampling.SampleStore.size(), 0U);
+}
+
+}  // namespace

@@ -1,0 +1,172 @@
+#include <cmath>
+
+#include "model_test.h"
+
+using namespace quorva;
+using namespace quorva::testing;
+
+namespace {
+
+class RunningMoments : public ModelTest {
+protected:
+    void SetUp() override {
+        ModelTest::SetUp();
+        run.fields.FieldFlags = matrix<double>(2, momentcolumn::columns);
+        for (int i = 1; i <= 2; ++i) {
+            run.fields.FieldFlags(i, momentcolumn::minimum) = MissingValueTwin;
+            run.fields.FieldFlags(i, momentcolumn::maximum) = MissingValue;
+        }
+        run.fields.FieldFlags(1, momentcolumn::collect) = 1.0;
+    }
+    static double get(int column, int field = 1) { return run.fields.FieldFlags(field, column); }
+
+    /// Exact central sums of the whole numbers 1..n times `scale` plus `offset`.
+    static void expectSeries(int n, double scale, double offset, double precision) {
+        const double m = n;
+        const double m2 = m * (m * m - 1) / 12;
+        const double m4 = m * (m * m - 1) * (3 * m * m - 7) / 240;
+        EXPECT_EQ(get(momentcolumn::weight), m);
+        EXPECT_EQ(get(momentcolumn::count), m);
+        const double mean = offset + scale * (m + 1) / 2;
+        EXPECT_NEAR(get(momentcolumn::mean), mean, precision * std::fabs(mean));
+        EXPECT_NEAR(get(momentcolumn::m2), scale * scale * m2, precision * scale * scale * m2);
+        EXPECT_NEAR(get(momentcolumn::m3), 0.0, precision * std::pow(scale, 3) * std::pow(m2, 1.5));
+        EXPECT_NEAR(get(momentcolumn::m4), std::pow(scale, 4) * m4, precision * std::pow(scale, 4) * m4);
+        EXPECT_EQ(get(momentcolumn::minimum), offset + scale);
+        EXPECT_EQ(get(momentcolumn::maximum), offset + scale * m);
+    }
+};
+
+TEST_F(RunningMoments, OneValue) {
+    CalcSimStat(1, 3.5);
+    EXPECT_EQ(get(momentcolumn::weight), 1.0);
+    EXPECT_EQ(get(momentcolumn::count), 1.0);
+    EXPECT_EQ(get(momentcolumn::mean), 3.5);
+    for (const int column : {momentcolumn::m2, momentcolumn::m3, momentcolumn::m4}) {
+        EXPECT_EQ(get(column), 0.0);
+    }
+    EXPECT_EQ(get(momentcolumn::minimum), 3.5);
+    EXPECT_EQ(get(momentcolumn::maximum), 3.5);
+}
+
+TEST_F(RunningMoments, AMissingValueTouchesOnlyTheMinimum) {
+    CalcSimStat(1, 2);
+    CalcSimStat(1, 5);
+    CalcSimStat(1, MissingValue);
+    EXPECT_EQ(get(momentcolumn::weight), 2.0);
+    EXPECT_EQ(get(momentcolumn::count), 2.0);
+    EXPECT_EQ(get(momentcolumn::mean), 3.5);
+    EXPECT_EQ(get(momentcolumn::m2), 4.5);
+    EXPECT_EQ(get(momentcolumn::maximum), 5.0);
+    EXPECT_EQ(get(momentcolumn::minimum), MissingValue);
+}
+
+TEST_F(RunningMoments, AFieldNobodyAsksForKeepsItsStartValues) {
+    CalcSimStat(2, 4);
+    EXPECT_EQ(get(momentcolumn::minimum, 2), MissingValueTwin);
+    EXPECT_EQ(get(momentcolumn::maximum, 2), MissingValue);
+    EXPECT_EQ(get(momentcolumn::count, 2), 0.0);
+    run.fields.FieldFlags(2, momentcolumn::collect) = 2.0;
+    CalcSimStat(2, 4);
+    EXPECT_EQ(get(momentcolumn::count, 2), 0.0) << "exactly 1 collects";
+}
+
+TEST_F(RunningMoments, RowsThatDoNotExistAreIgnored) {
+    for (const int field : {0, -1, 3, 2'147'483'647}) {
+        CalcSimStat(field, 4);
+    }
+    run.fields.FieldFlags = {};
+    CalcSimStat(1, 4);
+    EXPECT_TRUE(run.fields.FieldFlags.empty());
+}
+
+TEST_F(RunningMoments, AConstantSeriesHasNoSpread) {
+    for (int i = 0; i < 100'000; ++i) {
+        CalcSimStat(1, 0.1);
+    }
+    EXPECT_EQ(get(momentcolumn::mean), 0.1);
+    EXPECT_EQ(get(momentcolumn::m2), 0.0);
+    EXPECT_EQ(get(momentcolumn::m3), 0.0);
+    EXPECT_EQ(get(momentcolumn::m4), 0.0);
+}
+
+TEST_F(RunningMoments, WholeNumbersAreExactToRounding) {
+    for (int i = 1; i <= 1000; ++i) {
+        CalcSimStat(1, i);
+    }
+    expectSeries(1000, 1, 0, 1e-13);
+}
+
+TEST_F(RunningMoments, TinyValues) {
+    for (int i = 1; i <= 1000; ++i) {
+        CalcSimStat(1, i * 1e-70);
+    }
+    EXPECT_NEAR(get(momentcolumn::mean), 500.5e-70, 1e-13 * 500.5e-70);
+    EXPECT_NEAR(get(momentcolumn::m2), 83'333'250e-140, 1e-13 * 83'333'250e-140);
+    EXPECT_NEAR(get(momentcolumn::m4), 1000.0 * 999'999 * (3e6 - 7) / 240 * 1e-280, 1e-12 * 1.25e13 * 1e-280);
+}
+
+TEST_F(RunningMoments, AHugeOffsetKeepsTheSpread) {
+    for (int i = 1; i <= 1000; ++i) {
+        CalcSimStat(1, 1e9 + i);
+    }
+    // A mean near 1e9 is known to 1e-7; that is what the spread of the order 1000 can lose.
+    expectSeries(1000, 1, 1e9, 1e-9);
+}
+
+TEST_F(RunningMoments, ALongSeriesInAnyOrder) {
+    constexpr int n = 1'000'000;
+    long long k = 0;
+    for (int i = 0; i < n; ++i) {
+        k = (k + 618'033) % n;  // prime to n: every number once
+        CalcSimStat(1, static_cast<double>(k + 1));
+    }
+    expectSeries(n, 1, 0, 1e-11);
+}
+
+TEST_F(RunningMoments, TheThirdSumOfASkewedSeries) {
+    // 0, 0, 0, 8: mean 2, deviations -2 three times and 6.
+    for (const double x : {0.0, 0.0, 0.0, 8.0}) {
+        CalcSimStat(1, x);
+    }
+    EXPECT_NEAR(get(momentcolumn::m2), 48, 1e-13);
+    EXPECT_NEAR(get(momentcolumn::m3), 192, 1e-12);
+    EXPECT_NEAR(get(momentcolumn::m4), 1344, 1e-11);
+}
+
+TEST_F(RunningMoments, PastTheLastIterationTheRowsStartAgainOneBelow) {
+    normal({0, 0}, "x");
+    result({0, 1}, "y", [] { return 4.0; });
+    cell({0, 2}, [] {
+        XLOPER reference = ownSheetReference(0, 1);
+        return QUORVA_SimStat("a", &reference, 1, 1);
+    });
+    prepare();
+    ASSERT_EQ(begin(100), 0);
+    // The statistic's cell is never recalculated: the next step fills its value in.
+    for (int k = 1; k <= 149; ++k) {
+        Cpp_SimNext();
+        evaluate(0);
+        evaluate(1);
+    }
+    matrix<double>& store = run.sampling.SampleStore;
+    std::fill_n(store.column(numberOf(u"a")), 100, -5.0);
+    Cpp_SimNext();  // the 150th
+    for (int row = 1; row <= 100; ++row) {
+        EXPECT_EQ(store(row, numberOf(u"a")), row == 50 ? 100.0 : -5.0) << row;
+    }
+}
+
+TEST_F(RunningMoments, EveryMarkIsClearedForTheNextIteration) {
+    normal({0, 0}, "x");
+    result({0, 1}, "y", [] { return 4.0; });
+    prepare();
+    ASSERT_EQ(begin(10), 0);
+    iterate();
+    EXPECT_EQ(run.fields.FieldTable(1, fieldcolumn::done), 1.0);
+    SimUpdateStat();
+    EXPECT_EQ(run.fields.FieldTable(1, fieldcolumn::done), 0.0);
+    EXPECT_EQ(run.fields.FieldTable(2, fieldcolumn::done), 0.0);
+}
+
+}  // namespace

@@ -1,0 +1,272 @@
+#include <cmath>
+
+#include "model_test.h"
+#include "numerics/linear_algebra.h"
+
+using namespace quorva;
+using namespace quorva::testing;
+
+namespace {
+
+class SetUpOfCorrelation : public ModelTest {
+protected:
+    /// Distributions named like the labels, one result, registered.
+    void registerModel(const std::vector<std::u16string>& names) {
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            const std::string name(names[i].begin(), names[i].end());
+            keep.push_back(std::make_unique<std::string>(name));
+            normal({static_cast<int>(i), 0}, keep.back()->c_str());
+        }
+        result({50, 5}, "~result", [] { return 1.0; });
+        init();
+        recalculate();
+    }
+    std::vector<std::unique_ptr<std::string>> keep;
+};
+
+TEST_F(SetUpOfCorrelation, NothingRegisteredEndsTheRun) {
+    init();
+    EXPECT_EQ(init2(), -3);
+    EXPECT_EQ(Cpp_SimGetStatus(), 0);
+}
+
+TEST_F(SetUpOfCorrelation, TablesAreSizedByTheRegisteredFields) {
+    registerModel({u"a", u"b"});
+    ASSERT_EQ(init2(), 0);
+    EXPECT_EQ(run.fields.FieldTable.rows(), 3);
+    EXPECT_EQ(run.fields.FieldTable.columns(), 22);
+    EXPECT_EQ(run.fields.FieldFlags.columns(), 9);
+    EXPECT_EQ(run.fields.FieldNames.columns(), 2);
+    for (int i = 1; i <= 3; ++i) {
+        EXPECT_EQ(run.fields.FieldFlags(i, 8), MissingValueTwin);
+        EXPECT_EQ(run.fields.FieldFlags(i, 9), MissingValue);
+        EXPECT_EQ(run.fields.FieldFlags(i, 1), 0.0);
+    }
+}
+
+TEST_F(SetUpOfCorrelation, EmptyCellsCountAsZero) {
+    registerModel({u"a", u"b"});
+    Correlations c{{u"a", u"b"}, {1, MissingValue, MissingValue, 1}};
+    EXPECT_EQ(init2(c), 0);
+    EXPECT_EQ(run.correlation.CorrFactor(2, 1), 0.0);
+    EXPECT_EQ(run.correlation.groups, 0);
+    EXPECT_EQ(c.matrix[1], MissingValue) << "written back after a repair only";
+}
+
+TEST_F(SetUpOfCorrelation, AnIdentityLeavesEveryLabelWithoutAGroup) {
+    registerModel({u"a", u"b", u"c"});
+    Correlations c{{u"a", u"b", u"c"}, {1, 0, 0, 0, 1, 0, 0, 0, 1}};
+    EXPECT_EQ(init2(c), 0);
+    EXPECT_EQ(run.correlation.method, FactorMethod::Triangular);
+    EXPECT_EQ(run.correlation.groups, 0);
+    for (int i = 1; i <= 3; ++i) {
+        EXPECT_EQ(run.correlation.CorrGroups(i, groupcolumn::group), 0.0);
+    }
+}
+
+TEST_F(SetUpOfCorrelation, AnAsymmetricMatrixIsRefusedAndTheCountsAreGone) {
+    registerModel({u"a", u"b"});
+    Correlations c{{u"a", u"b"}, {1, 0.5, 0.4, 1}};
+    EXPECT_EQ(init2(c), -2);
+    EXPECT_EQ(Cpp_SimGetStatus(), 1);
+    EXPECT_EQ(init2(), -3) << "the counters are reset already";
+    EXPECT_EQ(Cpp_SimGetStatus(), 0);
+}
+
+TEST_F(SetUpOfCorrelation, PerfectCorrelationIsFactoredByTheSymmetricRoot) {
+    registerModel({u"a", u"b"});
+    Correlations c{{u"a", u"b"}, {1, 1, 1, 1}};
+    EXPECT_EQ(init2(c), 0);
+    EXPECT_EQ(run.correlation.method, FactorMethod::SquareRoot);
+    EXPECT_NEAR(run.correlation.CorrFactor(1, 2), std::sqrt(0.5), 1e-12);
+}
+
+TEST_F(SetUpOfCorrelation, AMatrixWithoutARootIsRepairedHandedBackAndItselfTheFactor) {
+    registerModel({u"a", u"b", u"c"});
+    Correlations c{{u"a", u"b", u"c"}, {1, 0.9, -0.9, 0.9, 1, 0.9, -0.9, 0.9, 1}};
+    const std::vector<double> wanted = c.matrix;
+    EXPECT_EQ(init2(c), 2);
+    EXPECT_EQ(Cpp_SimGetStatus(), 2);
+    EXPECT_EQ(run.correlation.method, FactorMethod::Triangular);
+    EXPECT_NE(c.matrix, wanted);
+    matrix<double> repaired(3, 3, c.matrix.data());
+    for (int i = 1; i <= 3; ++i) {
+        EXPECT_NEAR(repaired(i, i), 1.0, 1e-9);
+        for (int j = 1; j <= 3; ++j) {
+            EXPECT_EQ(run.correlation.CorrFactor(i, j), repaired(i, j));
+        }
+    }
+    EXPECT_EQ(run.correlation.groups, 1);
+    matrix<double> factor(3, 3);
+    EXPECT_GE(M_SquareRoot(&repaired, 3, &factor), 0) << "the repaired matrix has a factor";
+}
+
+TEST_F(SetUpOfCorrelation, AMatrixBeyondRepairIsRefused) {
+    registerModel({u"a", u"b"});
+    const double nan = std::nan("");
+    Correlations c{{u"a", u"b"}, {nan, 2, 2, nan}};
+    EXPECT_EQ(init2(c), -2);
+    EXPECT_EQ(Cpp_SimGetStatus(), 1);
+}
+
+TEST_F(SetUpOfCorrelation, AGroupGrowsLabelByLabelAndSeparatePairsAreSeparateGroups) {
+    matrix<double> factor(4, 4);
+    factor(2, 1) = 0.5;
+    factor(4, 3) = 0.5;
+    matrix<double> groups(4, 5, 9.0);
+    int count = 99;
+    FindSubGroups(&factor, 4, &groups, &count);
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(groups(1, 1), 1);
+    EXPECT_EQ(groups(2, 1), 1);
+    EXPECT_EQ(groups(3, 1), 2);
+    EXPECT_EQ(groups(4, 1), 2);
+    // The link 2-3 is met before 3-4: label 3 joins the first group and takes label 4 along.
+    factor(3, 2) = 0.5;
+    FindSubGroups(&factor, 4, &groups, &count);
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ(groups(4, 1), 1);
+}
+
+TEST_F(SetUpOfCorrelation, ALaterLinkBetweenTwoGroupsChangesNothing) {
+    // Labels 1-4 and 2-3 first, then the link 3-4 between the groups.
+    matrix<double> factor(4, 4);
+    factor(4, 1) = 0.3;
+    factor(3, 2) = 0.3;
+    factor(4, 3) = 0.3;
+    matrix<double> groups(4, 5, 9.0);
+    int count = 0;
+    FindSubGroups(&factor, 4, &groups, &count);
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(groups(1, 1), 1);
+    EXPECT_EQ(groups(4, 1), 1);
+    EXPECT_EQ(groups(2, 1), 2);
+    EXPECT_EQ(groups(3, 1), 2);
+    EXPECT_EQ(groups(1, groupcolumn::opening), 1) << "the label that opened the group";
+    EXPECT_EQ(groups(2, groupcolumn::opening), 2);
+    EXPECT_EQ(groups(3, groupcolumn::opening), 9) << "the fifth column is not cleared";
+}
+
+TEST_F(SetUpOfCorrelation, GroupsReadBelowTheDiagonalAndSkipMissingEntries) {
+    matrix<double> factor(3, 3);
+    factor(1, 2) = 0.7;  // above the diagonal
+    factor(3, 1) = MissingValue;
+    matrix<double> groups;
+    int count = 5;
+    FindSubGroups(&factor, 3, &groups, &count);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(groups.rows(), 3);
+    EXPECT_EQ(groups.columns(), 4) << "a table that is too small is made anew";
+}
+
+TEST_F(SetUpOfCorrelation, LabelsAreBoundToDistributionsByName) {
+    registerModel({u"b", u"a", u"A"});
+    Correlations c{{u"a", u"b"}, {1, 0.5, 0.5, 1}};
+    ASSERT_EQ(init2(c), 0);
+    recalculate();
+    ASSERT_EQ(begin(5), 0);
+    const int a = numberOf(u"a");
+    const int b = numberOf(u"b");
+    const matrix<double>& t = run.fields.FieldTable;
+    EXPECT_EQ(t(a, fieldcolumn::correlationGroup), 1);
+    EXPECT_EQ(t(b, fieldcolumn::correlationGroup), 1);
+    EXPECT_EQ(t(a, fieldcolumn::correlationPosition), 1);
+    EXPECT_EQ(t(b, fieldcolumn::correlationPosition), 2);
+    EXPECT_EQ(t(a, fieldcolumn::groupOpening), 1);
+    EXPECT_EQ(t(b, fieldcolumn::groupOpening), 0);
+    EXPECT_EQ(t(numberOf(u"A"), fieldcolumn::correlationPosition), 0) << "case matters";
+    EXPECT_EQ(run.correlation.CorrGroups(1, groupcolumn::field), a);
+    EXPECT_EQ(run.correlation.CorrGroups(1, groupcolumn::stream), 2);
+    EXPECT_EQ(run.correlation.CorrGroups(2, groupcolumn::stream), 1);
+}
+
+TEST_F(SetUpOfCorrelation, ALabelOfAResultFieldIsUnknown) {
+    registerModel({u"a"});
+    Correlations c{{u"a", u"~result"}, {1, 0.5, 0.5, 1}};
+    ASSERT_EQ(init2(c), 0);
+    recalculate();
+    EXPECT_EQ(begin(5), -1);
+    EXPECT_EQ(Cpp_SimGetStatus(), 0);
+    EXPECT_EQ(run.error.flag, hostFalse) << "nothing but the code tells";
+    EXPECT_FALSE(run.sampling.SampleStore.empty()) << "renumbering and store stay";
+}
+
+TEST_F(SetUpOfCorrelation, TheCapabilityCheckHidesAnUnknownCorrelationLabel) {
+    registerModel({u"a"});
+    Correlations c{{u"a", u"nobody"}, {1, 0.5, 0.5, 1}};
+    Capabilities spc{{u"~result", u"a", u"neither"}, {1, 2, 3}, {4, 5, 6}, {7, 8, 9}};
+    ASSERT_EQ(init2(c, &spc), 0);
+    recalculate();
+    EXPECT_EQ(begin(5), 0);
+    EXPECT_EQ(Cpp_SimGetStatus(), 3);
+    EXPECT_EQ(run.capability.SpcTable(1, 1), numberOf(u"~result"));
+    EXPECT_EQ(run.capability.SpcTable(2, 1), numberOf(u"a"));
+    EXPECT_EQ(run.capability.SpcTable(3, 1), 0) << "an unknown label stays unbound";
+    EXPECT_EQ(run.capability.SpcTable(2, 2), 2);
+    EXPECT_EQ(run.capability.SpcTable(2, 3), 5);
+    EXPECT_EQ(run.capability.SpcTable(2, 4), 8);
+    EXPECT_EQ(run.fields.FieldTable(numberOf(u"a"), fieldcolumn::capability), 2);
+    EXPECT_EQ(run.capability.iSpcConf, 0.95);
+}
+
+TEST_F(SetUpOfCorrelation, TheCapabilityCheckAlsoHidesAStoredErrorThatTheNextStepReports) {
+    registerModel({u"a"});
+    Correlations none;
+    Capabilities spc{{u"a"}, {1}, {2}, {3}};
+    ASSERT_EQ(init2(none, &spc), 0);
+    recalculate();
+    evaluate(0);  // -10
+    EXPECT_EQ(begin(5), 0);
+    EXPECT_EQ(Cpp_SimGetStatus(), 3);
+    EXPECT_EQ(Cpp_SimNext(), -1);
+}
+
+TEST_F(SetUpOfCorrelation, ACapabilityLabelMayNameAScenarioVariable) {
+    cell({9, 9}, [] { return QUORVA_SimSVar("scenario", 0, 1, 1, 1, 0, 0, 1); });
+    registerModel({u"a"});
+    Correlations none;
+    Capabilities spc{{u"scenario"}, {1}, {2}, {3}};
+    ASSERT_EQ(init2(none, &spc), 0);
+    recalculate();
+    ASSERT_EQ(begin(5), 0);
+    EXPECT_EQ(run.capability.SpcTable(1, 1), numberOf(u"scenario"));
+}
+
+TEST_F(SetUpOfCorrelation, ChecksWithoutFields) {
+    init();
+    run.correlation.nCorr = 2;
+    run.correlation.CorrLabels = matrix<std::u16string>(2, 1);
+    EXPECT_EQ(checkVarlistCorr(), -1);
+    EXPECT_EQ(checkVarlistDoubles(), 0);
+    EXPECT_EQ(checkVarlistSPC(), 0);
+    run.correlation.nCorr = -1;
+    EXPECT_EQ(checkVarlistCorr(), 0);
+}
+
+TEST_F(SetUpOfCorrelation, OfThreeFieldsWithOneNameTheFirstTwoAreReported) {
+    registerModel({u"x", u"same", u"y", u"y", u"same", u"same"});
+    ASSERT_EQ(init2(), 0);
+    recalculate();
+    EXPECT_EQ(begin(5), -17);
+    EXPECT_EQ(reportedError().line, 1);
+    EXPECT_EQ(reportedError(-1).line, 4);
+    EXPECT_EQ(reportedError(-1).texts[1], u"same");
+}
+
+TEST_F(SetUpOfCorrelation, CountsOfNothingNeedNoArrays) {
+    registerModel({u"a"});
+    EXPECT_EQ(Cpp_SimInit2(hostTrue, 0, nullptr, nullptr, hostTrue, 0, 0.9, nullptr, nullptr, nullptr, nullptr), 0);
+    recalculate();
+    EXPECT_EQ(begin(2), 0);
+    EXPECT_EQ(iterate(), 0);
+}
+
+TEST_F(SetUpOfCorrelation, NegativeCountsAreNone) {
+    registerModel({u"a"});
+    EXPECT_EQ(Cpp_SimInit2(hostTrue, -3, nullptr, nullptr, hostTrue, -1, 0.9, nullptr, nullptr, nullptr, nullptr), 0);
+    recalculate();
+    EXPECT_EQ(begin(2), 0);
+    EXPECT_EQ(iterate(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,88 @@
+// Scratch memory: the block of one thread, and the slots of all.
+#include "host/scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace {
+
+using quorva::ScratchPools;
+using quorva::ThreadScratch;
+using quorva::XLOPER;
+
+TEST(ThreadScratch, HoldsAsManyValuesAsFitIntoItsBlock) {
+    ThreadScratch scratch;
+    for (int i = 1; i <= 426; ++i) {
+        ASSERT_NE(scratch.allocate(), nullptr) << i;
+    }
+    EXPECT_EQ(scratch.allocate(), nullptr);
+}
+
+TEST(ThreadScratch, IsWhollyAvailableAgainAfterAReset) {
+    ThreadScratch scratch;
+    const XLOPER* first = scratch.allocate();
+    while (scratch.allocate()) {
+    }
+    scratch.reset();
+    EXPECT_EQ(scratch.allocate(), first);
+    for (int i = 2; i <= 426; ++i) {
+        ASSERT_NE(scratch.allocate(), nullptr) << i;
+    }
+    EXPECT_EQ(scratch.allocate(), nullptr);
+}
+
+TEST(ThreadScratch, HandsOutValuesSideBySide) {
+    ThreadScratch scratch;
+    const XLOPER* first = scratch.allocate();
+    EXPECT_EQ(scratch.allocate(), first + 1);
+    EXPECT_EQ(sizeof(XLOPER), 24u);
+}
+
+TEST(ScratchPools, StartWithFourFreeSlots) {
+    const ScratchPools pools;
+    EXPECT_EQ(pools.capacity(), 4);
+    EXPECT_EQ(pools.inUse(), 0);
+}
+
+TEST(ScratchPools, GiveAThreadTheSameSlotEveryTime) {
+    ScratchPools pools;
+    ThreadScratch& slot = pools.forThread(7);
+    EXPECT_EQ(slot.owner(), 7u);
+    pools.forThread(8);
+    EXPECT_EQ(&pools.forThread(7), &slot);
+    EXPECT_EQ(pools.inUse(), 2);
+}
+
+TEST(ScratchPools, DoubleForAFifthThreadAndTheFirstFourKeepTheirBlocks) {
+    ScratchPools pools;
+    std::vector<XLOPER*> blocks;
+    for (std::uint32_t thread = 1; thread <= 4; ++thread) {
+        blocks.push_back(pools.forThread(thread).allocate());
+    }
+    EXPECT_EQ(pools.capacity(), 4);
+
+    XLOPER* fifth = pools.forThread(5).allocate();
+    EXPECT_EQ(pools.capacity(), 8);
+    EXPECT_EQ(pools.inUse(), 5);
+    for (std::uint32_t thread = 1; thread <= 4; ++thread) {
+        ThreadScratch& slot = pools.forThread(thread);
+        EXPECT_EQ(slot.owner(), thread);
+        EXPECT_EQ(slot.valuesInUse(), 0u) << "nothing is in use after a growth";
+        EXPECT_EQ(slot.allocate(), blocks[thread - 1]);
+        EXPECT_NE(fifth, blocks[thread - 1]);
+    }
+}
+
+TEST(ScratchPools, DoubleAgainForANinthThread) {
+    ScratchPools pools;
+    for (std::uint32_t thread = 1; thread <= 9; ++thread) {
+        pools.forThread(thread);
+    }
+    EXPECT_EQ(pools.capacity(), 16);
+    EXPECT_EQ(pools.inUse(), 9);
+}
+
+}  // namespace
