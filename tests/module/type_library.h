@@ -1,4 +1,4 @@
-// What a module's type library says of the functions in it.
+// What a module's resources say: the functions of its type library, and its version.
 #pragma once
 
 #include <string>
@@ -24,5 +24,8 @@ struct TypeLibraryFunction {
 
 /// The functions of module `module` in the type library that the file carries. Throws when it cannot be read.
 std::vector<TypeLibraryFunction> readTypeLibrary(const std::string& file, const std::string& module);
+
+/// A text of the file's version resource, such as "ProductVersion". Throws when there is none.
+std::string readVersionText(const std::string& file, const std::string& key);
 
 }  // namespace quorva::testing

@@ -131,4 +131,14 @@ TEST(TypeLibrary, OfTheBuiltModuleDeclaresThemToo) {
 #endif
 }
 
+TEST(VersionResource, OfTheBuiltModuleNamesProductAndVersion) {
+#ifdef _WIN32
+    EXPECT_EQ(readVersionText(QUORVA_MODULE_FILE, "ProductName"), "QUORVA-Sim");
+    EXPECT_EQ(readVersionText(QUORVA_MODULE_FILE, "ProductVersion"), QUORVA_VERSION);
+    EXPECT_EQ(readVersionText(QUORVA_MODULE_FILE, "OriginalFilename"), "QUORVAMC4R.xll");
+#else
+    GTEST_SKIP() << "only the Windows module carries a version resource";
+#endif
+}
+
 }  // namespace

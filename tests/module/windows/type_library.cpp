@@ -124,4 +124,18 @@ std::vector<TypeLibraryFunction> readTypeLibrary(const std::string& file, const 
     throw std::runtime_error("no module " + module);
 }
 
+std::string readVersionText(const std::string& file, const std::string& key) {
+    DWORD ignored = 0;
+    std::string data(GetFileVersionInfoSizeA(file.c_str(), &ignored), '\0');
+    void* text = nullptr;
+    UINT length = 0;
+    // American English in Unicode, as the resource is declared.
+    const std::string path = "\\StringFileInfo\\040904B0\\" + key;
+    if (data.empty() || !GetFileVersionInfoA(file.c_str(), 0, static_cast<DWORD>(data.size()), data.data()) ||
+        !VerQueryValueA(data.data(), path.c_str(), &text, &length)) {
+        throw std::runtime_error("no version text " + key);
+    }
+    return static_cast<const char*>(text);
+}
+
 }  // namespace quorva::testing
