@@ -28,9 +28,12 @@ struct SheetIndex {
     int usedRows = 0;     ///< one past the last row with a cell
     int usedColumns = 0;  ///< one past the last column with a cell
     std::vector<bool> hiddenRows;
+    std::vector<bool> filteredRows;
     /// Cells that came into being after loading (an array spilled further than before).
     std::unordered_map<std::uint64_t, Slot> added;
 
+    /// Hidden by a filter (SUBTOTAL never counts these) or by either means.
+    bool filtered(int row) const { return static_cast<std::size_t>(row) < filteredRows.size() && filteredRows[row]; }
     bool hidden(int row) const { return static_cast<std::size_t>(row) < hiddenRows.size() && hiddenRows[row]; }
 };
 

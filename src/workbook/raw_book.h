@@ -26,7 +26,8 @@ struct RawCell {
 struct RawSheet {
     std::string name;
     std::vector<RawCell> cells;
-    std::vector<bool> hiddenRows;
+    std::vector<bool> hiddenRows;    ///< by hand or by a filter
+    std::vector<bool> filteredRows;  ///< of these, those that a filter hides
 };
 
 struct RawName {

@@ -40,7 +40,7 @@ struct TextReader {
                 return static_cast<int>(i);
             }
         }
-        book.sheets.push_back({std::string(name), {}, {}});
+        book.sheets.push_back({std::string(name), {}, {}, {}});
         return static_cast<int>(book.sheets.size()) - 1;
     }
 

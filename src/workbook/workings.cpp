@@ -106,6 +106,7 @@ void Workings::layCells() {
     for (std::size_t s = 0; s < raw->sheets.size(); ++s) {
         SheetIndex& index = cells.sheet(static_cast<int>(s));
         index.hiddenRows = raw->sheets[s].hiddenRows;
+        index.filteredRows = raw->sheets[s].filteredRows;
         Slot slot = index.firstSlot;
         for (const RawCell& cell : raw->sheets[s].cells) {
             cells.set(slot++, cell.value);

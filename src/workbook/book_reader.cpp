@@ -1,0 +1,196 @@
+// Reads a workbook's parts: the book, shared texts, names, tables and saved values of other books.
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+
+#include "workbook/sheet_reader.h"
+#include "workbook/workings.h"
+
+namespace quorva::workbook {
+
+namespace {
+
+constexpr std::size_t mostSheets = 10000;
+
+struct BookReader {
+    const Package& package;
+    RawBook book;
+    SharedTexts texts;
+
+    void read() {
+        const std::string main = mainPart();
+        pugi::xml_document document;
+        package.read(main, document);
+        const pugi::xml_node root = child(document, "workbook");
+        if (!root) {
+            package.fail(main, "it is not a workbook");
+        }
+        book.date1904 = isTrue(attribute(child(root, "workbookPr"), "date1904"));
+        book.iterative = isTrue(attribute(child(root, "calcPr"), "iterate"));
+        const auto relations = package.relationships(main);
+        for (const Relationship& relation : relations) {
+            if (relation.type == "sharedStrings") {
+                readTexts(relation.target);
+            }
+        }
+        std::vector<std::string> parts = listSheets(root, main, relations);
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            if (!parts[i].empty()) {
+                readSheet(package, parts[i], texts, book.sheets[i]);
+                readTables(parts[i], static_cast<int>(i));
+            }
+        }
+        readNames(root);
+        int number = 0;
+        forEachChild(child(root, "externalReferences"), "externalReference", [&](pugi::xml_node node) {
+            readExternal(related(relations, attribute(node, "id").value()), ++number);
+        });
+    }
+
+    std::string mainPart() const {
+        if (!package.has("[Content_Types].xml")) {
+            throw Failure(Failure::Kind::Unreadable,
+                          package.name() + " is a zip archive but not a workbook: [Content_Types].xml is missing.");
+        }
+        for (const Relationship& relation : package.relationships("")) {
+            if (relation.type == "officeDocument") {
+                if (relation.target.ends_with(".bin")) {
+                    throw Failure(Failure::Kind::Unreadable,
+                                  package.name() + " is in the binary format (.xlsb); save it as .xlsx.");
+                }
+                return relation.target;
+            }
+        }
+        throw Failure(Failure::Kind::Unreadable, package.name() + ", _rels/.rels: it names no workbook.");
+    }
+
+    static std::string related(const std::vector<Relationship>& relations, std::string_view id) {
+        for (const Relationship& relation : relations) {
+            if (relation.id == id) {
+                return relation.target;
+            }
+        }
+        return {};
+    }
+
+    /// Sheets in the order of the book with the names of their parts; charts and dialogs are empty sheets.
+    std::vector<std::string> listSheets(pugi::xml_node root, const std::string& main,
+                                        const std::vector<Relationship>& relations) {
+        std::vector<std::string> parts;
+        forEachChild(child(root, "sheets"), "sheet", [&](pugi::xml_node node) {
+            const std::string name = attribute(node, "name").value();
+            const std::string_view id = attribute(node, "id").value();
+            const auto relation =
+                std::find_if(relations.begin(), relations.end(), [&](const Relationship& one) { return one.id == id; });
+            if (name.empty() || relation == relations.end() || relation->target.empty()) {
+                package.fail(main, "the sheet " + std::to_string(parts.size() + 1) + " (" + name + ") has no part");
+            }
+            parts.push_back(relation->type == "worksheet" ? relation->target : "");
+            book.sheets.push_back({name, {}, {}, {}});
+        });
+        if (parts.empty()) {
+            package.fail(main, "it has no sheets");
+        }
+        if (parts.size() > mostSheets) {
+            package.fail(main, "it has too many sheets");
+        }
+        book.ownSheets = static_cast<int>(parts.size());
+        return parts;
+    }
+
+    void readTexts(const std::string& part) {
+        pugi::xml_document document;
+        package.read(part, document);
+        forEachChild(child(document, "sst"), "si",
+                     [&](pugi::xml_node node) { texts.push_back(Value(richText(node))); });
+    }
+
+    void readNames(pugi::xml_node root) {
+        forEachChild(child(root, "definedNames"), "definedName", [&](pugi::xml_node node) {
+            RawName name;
+            name.name = attribute(node, "name").value();
+            if (const auto local = attribute(node, "localSheetId")) {
+                name.sheet = local.as_int(-1);
+            }
+            name.formula = node.child_value();
+            if (name.formula.starts_with('=')) {
+                name.formula.erase(0, 1);
+            }
+            book.names.push_back(std::move(name));
+        });
+    }
+
+    void readTables(const std::string& sheetPart, int sheet) {
+        for (const Relationship& relation : package.relationships(sheetPart)) {
+            if (relation.type != "table") {
+                continue;
+            }
+            pugi::xml_document document;
+            package.read(relation.target, document);
+            const pugi::xml_node node = child(document, "table");
+            RawTable table;
+            table.name = attribute(node, "displayName").value();
+            if (!parseArea(attribute(node, "ref").value(), table.area)) {
+                package.fail(relation.target, "the table's range cannot be read");
+            }
+            table.area.sheet = sheet;
+            table.headerRows = attribute(node, "headerRowCount").as_int(1);
+            table.totalsRows = attribute(node, "totalsRowCount").as_int(0);
+            forEachChild(child(node, "tableColumns"), "tableColumn", [&](pugi::xml_node column) {
+                table.columns.push_back(decodeEscapes(attribute(column, "name").value()));
+            });
+            if (table.headerRows < 0 || table.totalsRows < 0 ||
+                table.headerRows + table.totalsRows > table.area.rows()) {
+                package.fail(relation.target, "the table's rows do not fit its range");
+            }
+            book.tables.push_back(std::move(table));
+        }
+    }
+
+    /// The saved values of another workbook, as sheets "[1]Name" behind the book's own.
+    void readExternal(const std::string& part, int number) {
+        if (part.empty() || !package.has(part)) {
+            return;
+        }
+        pugi::xml_document document;
+        package.read(part, document);
+        const pugi::xml_node external = child(child(document, "externalLink"), "externalBook");
+        const std::size_t first = book.sheets.size();
+        forEachChild(child(external, "sheetNames"), "sheetName", [&](pugi::xml_node node) {
+            book.sheets.push_back({"[" + std::to_string(number) + "]" + attribute(node, "val").value(), {}, {}, {}});
+        });
+        forEachChild(child(external, "sheetDataSet"), "sheetData", [&](pugi::xml_node node) {
+            const std::size_t index = first + attribute(node, "sheetId").as_uint(0);
+            if (index >= book.sheets.size()) {
+                package.fail(part, "saved values belong to a sheet that is not listed");
+            }
+            readSavedValues(package, part, node, texts, book.sheets[index]);
+        });
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<RawBook> readPackage(const std::string& bytes, const std::string& fileName) {
+    const Package package(bytes, fileName);
+    BookReader reader{package, {}, {}};
+    reader.book.fileName = fileName;
+    reader.read();
+    return std::make_unique<RawBook>(std::move(reader.book));
+}
+
+std::unique_ptr<RawBook> readFile(const std::filesystem::path& file) {
+    std::error_code error;
+    if (std::filesystem::is_directory(file, error)) {
+        throw Failure(Failure::Kind::Unreadable, file.string() + " is a folder.");
+    }
+    std::ifstream in(file, std::ios::binary);
+    if (!in) {
+        throw Failure(Failure::Kind::Unreadable, file.string() + " cannot be opened.");
+    }
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return readPackage(bytes.str(), file.filename().string());
+}
+
+}  // namespace quorva::workbook

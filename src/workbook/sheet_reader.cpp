@@ -1,0 +1,247 @@
+#include "workbook/sheet_reader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+#include "workbook/book.h"
+#include "workbook/convert.h"
+#include "workbook/workings.h"
+
+namespace quorva::workbook {
+
+namespace {
+
+struct SharedFormula {
+    std::string text;
+    int row;
+    int column;
+};
+
+struct SheetReader {
+    const Package& package;
+    const std::string& part;
+    const SharedTexts& texts;
+    RawSheet& sheet;
+    std::string_view cellTag = "c";
+    std::map<unsigned, SharedFormula> shared;
+    int row = -1;
+    int column = -1;
+
+    [[noreturn]] void fail(const std::string& what) const {
+        package.fail(part, "cell " + cellName(std::max(row, 0), std::max(column, 0)) + ": " + what);
+    }
+
+    void readRows(pugi::xml_node data) {
+        forEachChild(data, "row", [&](pugi::xml_node node) {
+            row += 1;
+            if (const auto number = attribute(node, "r")) {
+                const auto parsed = parsePlainNumber(number.value());
+                if (!parsed || *parsed < 1 || *parsed > maxRows || *parsed != std::floor(*parsed)) {
+                    package.fail(part, std::string("a row numbered \"") + number.value() + "\" cannot exist");
+                }
+                row = static_cast<int>(*parsed) - 1;
+            } else if (row >= maxRows) {
+                package.fail(part, "it has more rows than a sheet can have");
+            }
+            if (isTrue(attribute(node, "hidden"))) {
+                sheet.hiddenRows.resize(std::max(sheet.hiddenRows.size(), static_cast<std::size_t>(row) + 1));
+                sheet.hiddenRows[static_cast<std::size_t>(row)] = true;
+            }
+            column = -1;
+            forEachChild(node, cellTag, [&](pugi::xml_node cell) { readCell(cell); });
+        });
+    }
+
+    void readCell(pugi::xml_node node) {
+        column += 1;
+        if (const auto name = attribute(node, "r")) {
+            int cellRow = 0;
+            int cellColumn = 0;
+            if (!parseCellName(name.value(), cellRow, cellColumn)) {
+                package.fail(part, std::string("a cell named \"") + name.value() + "\" cannot exist");
+            }
+            row = cellRow;
+            column = cellColumn;
+        } else if (column >= maxColumns) {
+            fail("the row has more cells than a sheet has columns");
+        }
+        RawCell cell;
+        cell.row = row;
+        cell.column = column;
+        readValue(node, cell);
+        if (const pugi::xml_node formula = child(node, "f")) {
+            readFormula(node, formula, cell);
+        }
+        if (cell.hasValue || cell.kind != FormulaKind::None) {
+            sheet.cells.push_back(std::move(cell));
+        }
+    }
+
+    void readValue(pugi::xml_node node, RawCell& cell) const {
+        const std::string_view type = attribute(node, "t").value();
+        if (type == "inlineStr") {
+            if (const pugi::xml_node text = child(node, "is")) {
+                cell.value = Value(richText(text));
+                cell.hasValue = true;
+            }
+            return;
+        }
+        const pugi::xml_node saved = child(node, "v");
+        const char* text = saved.child_value();
+        if (!saved || (*text == '\0' && type != "str")) {
+            return;
+        }
+        if (*text == '\0' && !child(node, "f")) {
+            return;
+        }
+        cell.hasValue = !(*text == '\0' && saved.first_child().empty() && type != "str");
+        if (type == "s") {
+            const auto index = parsePlainNumber(text);
+            if (!index || *index < 0 || *index >= static_cast<double>(texts.size())) {
+                fail(std::string("the shared text ") + text + " does not exist");
+            }
+            cell.value = texts[static_cast<std::size_t>(*index)];
+        } else if (type == "str") {
+            cell.value = Value(decodeEscapes(text));
+        } else if (type == "b") {
+            cell.value = Value(std::string_view(text) == "1" || std::string_view(text) == "true");
+        } else if (type == "e") {
+            ErrorCode code = ErrorCode::Value;
+            if (!errorFromText(text, code)) {
+                fail(std::string("the error value ") + text + " is not known");
+            }
+            cell.value = code;
+        } else if (type == "d") {
+            std::string date = text;
+            std::replace(date.begin(), date.end(), 'T', ' ');
+            date = date.substr(0, date.find('Z'));
+            const auto serial = parseNumber(date);
+            if (!serial) {
+                fail("a date cannot be read");
+            }
+            cell.value = *serial;
+        } else if (type.empty() || type == "n") {
+            const auto number = parsePlainNumber(text);
+            if (!number) {
+                fail(std::string("the number \"") + std::string(std::string_view(text).substr(0, 40)) +
+                     "\" cannot be read");
+            }
+            cell.value = *number;
+        } else {
+            fail("its type \"" + std::string(type) + "\" is not known");
+        }
+    }
+
+    void readFormula(pugi::xml_node node, pugi::xml_node formula, RawCell& cell) {
+        const std::string_view type = attribute(formula, "t").value();
+        cell.formula = formula.child_value();
+        if (cell.formula.starts_with('=')) {
+            cell.formula.erase(0, 1);
+        }
+        if (type == "shared") {
+            const auto index = attribute(formula, "si");
+            const unsigned number = index.as_uint(0);
+            if (!cell.formula.empty()) {
+                shared[number] = {cell.formula, row, column};
+            } else {
+                const auto found = shared.find(number);
+                if (!index || found == shared.end()) {
+                    fail(std::string("the shared formula ") + index.value() + " does not exist");
+                }
+                cell.formula = found->second.text;
+                cell.shiftRows = row - found->second.row;
+                cell.shiftColumns = column - found->second.column;
+            }
+        }
+        if (type == "dataTable") {
+            cell.formula = "TABLE()";  // a what-if table, which is reported as unsupported
+        }
+        if (cell.formula.empty()) {
+            return;
+        }
+        cell.kind = FormulaKind::Normal;
+        if (type == "array") {
+            cell.kind = attribute(node, "cm") ? FormulaKind::Dynamic : FormulaKind::Array;
+            const auto range = attribute(formula, "ref");
+            cell.spill = {0, row, column, row, column};
+            if (range && !parseArea(range.value(), cell.spill)) {
+                fail("the range of its array formula cannot be read");
+            }
+            if (cell.spill.firstRow != row || cell.spill.firstColumn != column) {
+                fail("the range of its array formula does not begin at the cell");
+            }
+        }
+    }
+};
+
+}  // namespace
+
+std::string decodeEscapes(std::string_view text) {
+    std::string decoded;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '_' && i + 6 < text.size() && text[i + 1] == 'x' && text[i + 6] == '_') {
+            const std::string digits(text.substr(i + 2, 4));
+            if (digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos) {
+                const char16_t unit = static_cast<char16_t>(std::stoi(digits, nullptr, 16));
+                decoded += toUtf8(std::u16string_view(&unit, 1));
+                i += 6;
+                continue;
+            }
+        }
+        decoded.push_back(text[i]);
+    }
+    return decoded;
+}
+
+std::string richText(pugi::xml_node node) {
+    std::string text;
+    for (pugi::xml_node one = node.first_child(); one; one = one.next_sibling()) {
+        if (localName(one.name()) == "t") {
+            text += one.child_value();
+        } else if (localName(one.name()) == "r") {
+            text += child(one, "t").child_value();
+        }
+    }
+    return decodeEscapes(text);
+}
+
+bool parseArea(std::string_view text, Area& area) {
+    const auto colon = text.find(':');
+    if (!parseCellName(text.substr(0, colon), area.firstRow, area.firstColumn)) {
+        return false;
+    }
+    area.lastRow = area.firstRow;
+    area.lastColumn = area.firstColumn;
+    return colon == std::string_view::npos || (parseCellName(text.substr(colon + 1), area.lastRow, area.lastColumn) &&
+                                               area.lastRow >= area.firstRow && area.lastColumn >= area.firstColumn);
+}
+
+void readSheet(const Package& package, const std::string& part, const SharedTexts& texts, RawSheet& sheet) {
+    pugi::xml_document document;
+    package.read(part, document);
+    const pugi::xml_node root = child(document, "worksheet");
+    if (!root) {
+        package.fail(part, "it is not a worksheet");
+    }
+    SheetReader reader{package, part, texts, sheet, "c", {}, -1, -1};
+    reader.readRows(child(root, "sheetData"));
+    const pugi::xml_node filter = child(root, "autoFilter");
+    Area filtered;
+    if (child(filter, "filterColumn") && parseArea(attribute(filter, "ref").value(), filtered)) {
+        sheet.filteredRows.resize(sheet.hiddenRows.size());
+        for (int row = filtered.firstRow; row <= filtered.lastRow; ++row) {
+            if (static_cast<std::size_t>(row) < sheet.hiddenRows.size()) {
+                sheet.filteredRows[static_cast<std::size_t>(row)] = sheet.hiddenRows[static_cast<std::size_t>(row)];
+            }
+        }
+    }
+}
+
+void readSavedValues(const Package& package, const std::string& part, pugi::xml_node rows, const SharedTexts& texts,
+                     RawSheet& sheet) {
+    SheetReader reader{package, part, texts, sheet, "cell", {}, -1, -1};
+    reader.readRows(rows);
+}
+
+}  // namespace quorva::workbook

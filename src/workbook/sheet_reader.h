@@ -1,0 +1,23 @@
+// Reads the cells of one sheet.
+#pragma once
+
+#include "workbook/package.h"
+#include "workbook/raw_book.h"
+
+namespace quorva::workbook {
+
+using SharedTexts = std::vector<Value>;
+
+/// The text of a shared or inline string, its runs joined.
+std::string richText(pugi::xml_node node);
+/// "_x000A_" and its like as the characters they stand for.
+std::string decodeEscapes(std::string_view text);
+/// "A1" or "A1:B3"; false when the text is no range.
+bool parseArea(std::string_view text, Area& area);
+
+void readSheet(const Package& package, const std::string& part, const SharedTexts& texts, RawSheet& sheet);
+/// Rows of saved values of another workbook.
+void readSavedValues(const Package& package, const std::string& part, pugi::xml_node rows, const SharedTexts& texts,
+                     RawSheet& sheet);
+
+}  // namespace quorva::workbook

@@ -1,0 +1,87 @@
+// Recalculates the workbooks that a spreadsheet program saved and compares with the values in the files.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <map>
+
+#include "workbook/book.h"
+
+namespace quorva::workbook {
+namespace {
+
+const std::filesystem::path folder = QUORVA_SOURCE_DIR "/../shared/workbooks/excel-saved";
+
+std::string show(const CellValue& value) {
+    char digits[40];
+    std::snprintf(digits, sizeof digits, "%.17g", value.number);
+    switch (value.type) {
+        case CellValue::Type::Blank:
+            return "blank";
+        case CellValue::Type::Number:
+            return digits;
+        case CellValue::Type::Boolean:
+            return value.number != 0 ? "TRUE" : "FALSE";
+        case CellValue::Type::Text:
+            return '"' + value.text + '"';
+        default:
+            return value.text;
+    }
+}
+
+bool same(const CellValue& saved, const CellValue& computed, const std::string& formula) {
+    if (saved.type != computed.type) {
+        return false;
+    }
+    const bool iterative = formula.find("IRR(") != std::string::npos || formula.find("RATE(") != std::string::npos;
+    const double tolerance = iterative ? 1e-9 : 1e-14;
+    return saved.type == CellValue::Type::Number
+               ? std::fabs(saved.number - computed.number) <= tolerance * std::fabs(saved.number)
+               : saved.number == computed.number && saved.text == computed.text;
+}
+
+TEST(SavedValues, AreReproducedByRecalculation) {
+    if (!std::filesystem::exists(folder)) {
+        GTEST_SKIP() << "the folder with saved workbooks is not there: " << folder;
+    }
+    int equal = 0;
+    int different = 0;
+    int unsupported = 0;
+    int changing = 0;
+    std::map<std::string, int> reasons;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (!entry.path().extension().string().starts_with(".xls")) {
+            continue;
+        }
+        Book book(entry.path());
+        book.recalculateAll();
+        for (const FormulaCell& cell : book.formulas()) {
+            const std::string place = entry.path().filename().string() + " " + book.sheetName(cell.cell.sheet) + "!" +
+                                      cellName(cell.cell.row, cell.cell.column);
+            if (cell.unsupported) {
+                ++unsupported;
+                ++reasons[cell.why];
+            } else if (cell.isVolatile || !cell.saved) {
+                ++changing;
+            } else if (same(*cell.saved, cell.computed, cell.formula)) {
+                ++equal;
+            } else {
+                ++different;
+                std::cout << place << " =" << cell.formula << ": saved " << show(*cell.saved) << ", computed "
+                          << show(cell.computed) << "\n";
+            }
+        }
+    }
+    for (const auto& [why, count] : reasons) {
+        std::cout << count << " cells: " << why << "\n";
+    }
+    std::cout << equal << " equal, " << different << " different, " << unsupported << " unsupported, " << changing
+              << " volatile or without a saved value\n";
+    EXPECT_GT(equal, 1000);
+}
+
+}  // namespace
+}  // namespace quorva::workbook
