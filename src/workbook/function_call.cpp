@@ -43,6 +43,9 @@ bool convert(char kind, Argument& argument, bool date1904) {
 Value callScalars(Call& call, const FunctionRow& row, std::span<Argument> arguments) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const char kind = argumentKind(row.kinds, static_cast<int>(i));
+        if (kind == 'N' && row.refusesRanges && arguments[i].value.isBoolean()) {
+            return ErrorCode::Value;
+        }
         if (isScalarKind(kind) && !convert(kind, arguments[i], call.date1904)) {
             return arguments[i].value;
         }

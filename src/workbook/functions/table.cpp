@@ -29,6 +29,7 @@ std::vector<const FunctionRow*> collectRows() {
                                lookupFunctions(),
                                arrayFunctions(),
                                sortingFunctions(),
+                               randomFunctions(),
                                informationFunctions(),
                                databaseFunctions(),
                                conditionalFunctions(),
