@@ -56,6 +56,7 @@ bool createSampleStore(int nSim) {
         return false;
     }
     run.sampling.SampleStore = {};
+    run.sampling.ordered.clear();
     run.sampling.SampleStore = matrix<double>(nSim, run.fields.nFields);
     return true;
 }

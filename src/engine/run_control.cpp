@@ -27,6 +27,7 @@ void releaseTables() {
     fields.FieldNames = {};
     run.sampling.SampleStore = {};
     run.sampling.LhsTable = {};
+    run.sampling.ordered.clear();
     run.sampling.permutation = {};
     run.convergence.table = {};
     CorrelationState& correlation = run.correlation;

@@ -5,8 +5,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "common/matrix.h"
 #include "common/missing_value.h"
@@ -207,15 +209,22 @@ struct SeedState {
     int inUse = 0;  ///< the seed that the run started from
 };
 
+/// A column of SampleStore whose order the statistics keep up with the iterations.
+struct OrderedColumn {
+    std::vector<double> seen;     ///< the values taken in, by iteration
+    std::vector<double> ordered;  ///< the same in ascending order
+};
+
 struct SamplingState {
     int nSim = 0;
     int inbuckets = 0;  ///< Latin hypercube strata per distribution; 0: plain random sampling
     int iteration = 0;  ///< number of the iteration being calculated
     double lastValue = 0.0;
     SeedState seed;
-    matrix<double> SampleStore;  ///< nSim x nFields
-    matrix<double> LhsTable;     ///< (inbuckets + 1) x nDist
-    matrix<double> permutation;  ///< inbuckets x 2, work space of the permutations of LhsTable
+    matrix<double> SampleStore;            ///< nSim x nFields
+    matrix<double> LhsTable;               ///< (inbuckets + 1) x nDist
+    std::map<int, OrderedColumn> ordered;  ///< by field number
+    matrix<double> permutation;            ///< inbuckets x 2, work space of the permutations of LhsTable
 };
 
 /// How the correlation factor was made.

@@ -27,6 +27,25 @@ double unweighted(std::vector<double>& values, double p) {
     return between(*lower, *std::min_element(lower + 1, values.end(), NanLast()), fraction);
 }
 
+/// Moves the values of the given ranks (ascending, from 0, within first..last) to their places in order.
+void placeRanks(std::vector<double>& values, std::size_t first, std::size_t last, std::span<const std::size_t> ranks) {
+    if (ranks.empty()) {
+        return;
+    }
+    const auto at = [&](std::size_t rank) { return values.begin() + static_cast<std::ptrdiff_t>(rank); };
+    const std::size_t middle = ranks.size() / 2;
+    const std::size_t rank = ranks[middle];
+    if (rank == first) {
+        std::iter_swap(at(rank), std::min_element(at(first), at(last)));
+    } else if (rank + 1 == last) {
+        std::iter_swap(at(rank), std::max_element(at(first), at(last)));
+    } else {
+        std::nth_element(at(first), at(rank), at(last));
+    }
+    placeRanks(values, first, rank, ranks.first(middle));
+    placeRanks(values, rank + 1, last, ranks.subspan(middle + 1));
+}
+
 struct Weighted {
     double value;
     double weight;
@@ -54,6 +73,39 @@ double weighted(std::vector<Weighted>& sample, double p) {
 }
 
 }  // namespace
+
+void quantilesOf(std::vector<double>& values, std::span<const double> probabilities, std::span<double> quantiles) {
+    // Behind every number, where NaN belongs, and out of the way of the comparisons.
+    const auto numbers = std::partition(values.begin(), values.end(), [](double x) { return !std::isnan(x); });
+    const auto count = static_cast<std::size_t>(numbers - values.begin());
+    std::vector<std::size_t> ranks;
+    for (const double p : probabilities) {
+        if (p >= 0 && p <= 1 && !values.empty()) {
+            const auto below = static_cast<std::size_t>(static_cast<double>(values.size() - 1) * p);
+            ranks.push_back(below);
+            ranks.push_back(below + 1);
+        }
+    }
+    std::sort(ranks.begin(), ranks.end());
+    ranks.erase(std::unique(ranks.begin(), ranks.end()), ranks.end());
+    ranks.erase(std::lower_bound(ranks.begin(), ranks.end(), count), ranks.end());
+    placeRanks(values, 0, count, ranks);
+    std::transform(probabilities.begin(), probabilities.end(), quantiles.begin(),
+                   [&](double p) { return quantileOfOrdered(values, p); });
+}
+
+double quantileOfOrdered(std::span<const double> ordered, double p) {
+    if (!(p >= 0 && p <= 1) || ordered.empty()) {
+        return MissingValue;
+    }
+    const double position = static_cast<double>(ordered.size() - 1) * p;
+    const auto below = static_cast<std::size_t>(position);
+    const double fraction = position - static_cast<double>(below);
+    if (fraction == 0 || below + 1 == ordered.size()) {
+        return ordered[below];
+    }
+    return between(ordered[below], ordered[below + 1], fraction);
+}
 
 double orderStatistic(std::vector<double>& values, int rank) {
     const auto wanted = values.begin() + (rank - 1);

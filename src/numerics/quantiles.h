@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cmath>
+#include <span>
 #include <vector>
 
 #include "common/missing_value.h"
@@ -16,6 +17,13 @@ struct NanLast {
 /// p-quantile as V_QuantileM (weights null or all 1) and V_QuantileMW define it. Observations that are flagged or
 /// without positive weight take no part; MissingValue when none is left or p is outside [0, 1].
 double quantileOf(const double* values, int n, const short* flags, const double* weights, double p);
+
+/// Quantiles at several probabilities of values that count once each, by selections within selections; every one is
+/// what quantileOf gives, MissingValue for a probability outside [0, 1] and for no values. Rearranges the values.
+void quantilesOf(std::vector<double>& values, std::span<const double> probabilities, std::span<double> quantiles);
+
+/// The same of values in ascending order, NaN last.
+double quantileOfOrdered(std::span<const double> ordered, double p);
 
 /// The rank-th smallest (rank from 1 to the number of values); rearranges the values.
 double orderStatistic(std::vector<double>& values, int rank);

@@ -2,12 +2,13 @@
 #include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 #include "common/guarded.h"
 #include "common/whole_number.h"
 #include "engine/inner_calls.h"
 #include "engine/run_state.h"
-#include "numerics/linear_algebra.h"
+#include "numerics/quantiles.h"
 #include "quorva/front_end.h"
 #include "results/front_end_tables.h"
 
@@ -28,13 +29,18 @@ constexpr int fieldRow = 3;
 void fillIntervals(double TorProb, int nSim, matrix<double>& IntT) {
     const auto& store = std::as_const(run.sampling.SampleStore);
     const std::array<double, intervalColumns> probabilities{TorProb, 0.5, 1.0 - TorProb, 0.0, 1.0};
-    const int n = std::min(nSim, store.rows());
+    std::array<double, intervalColumns> quantiles{};
+    const int n = std::clamp(nSim, 0, store.rows());
     const int fields = std::min(run.fields.nFields, IntT.rows());
+    std::vector<double> values;
     for (int field = 1; field <= fields; ++field) {
+        values.clear();
+        if (n > 0 && field <= store.columns()) {
+            values.assign(store.column(field), store.column(field) + n);
+        }
+        quantilesOf(values, probabilities, quantiles);
         for (int j = 1; j <= std::min(intervalColumns, IntT.columns()); ++j) {
-            IntT(field, j) = n >= 1 && field <= store.columns()
-                                 ? M_QuantileMW(&store, n, field, nullptr, nullptr, probabilities[j - 1])
-                                 : MissingValue;
+            IntT(field, j) = quantiles[static_cast<std::size_t>(j - 1)];
         }
     }
 }

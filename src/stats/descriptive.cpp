@@ -1,13 +1,16 @@
 // One statistic of one field at the current point of a run: the place where the statistic identifiers get their
 // meaning.
+#include <span>
 #include <utility>
 
 #include "common/guarded.h"
 #include "common/whole_number.h"
 #include "engine/inner_calls.h"
 #include "engine/run_state.h"
+#include "numerics/quantiles.h"
 #include "numerics/vector_statistics.h"
 #include "stats/capability.h"
+#include "stats/ordered_samples.h"
 #include "stats/running_statistics.h"
 #include "stats/samples.h"
 #include "stats/statistic_id.h"
@@ -39,22 +42,37 @@ static_assert([] {
     return true;
 }());
 
-double quantile(const Samples& samples, double p) {
-    if (samples.weights() == nullptr) {
-        return V_QuantileM(samples.values(), samples.size(), nullptr, p);
+/// Quantiles of a field's values, from their order where it is kept.
+class Quantiles {
+public:
+    Quantiles(const Samples& samples, int field) : samples_(samples) {
+        if (samples.weights() == nullptr) {
+            ordered_ = orderedSamples(field, {samples.values(), static_cast<std::size_t>(samples.size())});
+        }
     }
-    return V_QuantileMW(samples.values(), samples.size(), nullptr, samples.weights(), p);
-}
+    double operator()(double p) const {
+        if (!ordered_.empty()) {
+            return quantileOfOrdered(ordered_, p);
+        }
+        return samples_.weights() == nullptr
+                   ? V_QuantileM(samples_.values(), samples_.size(), nullptr, p)
+                   : V_QuantileMW(samples_.values(), samples_.size(), nullptr, samples_.weights(), p);
+    }
+
+private:
+    const Samples& samples_;
+    std::span<const double> ordered_;
+};
 
 double frequency(const Samples& samples, double value) {
     constexpr double tolerance = 2.220446049250313E-16;
     return V_Freq(samples.values(), samples.size(), samples.weights(), value, tolerance);
 }
 
-double skewnessBowley(const Samples& samples) {
-    const double q1 = quantile(samples, 0.25);
-    const double median = quantile(samples, 0.5);
-    const double q3 = quantile(samples, 0.75);
+double skewnessBowley(const Quantiles& quantile) {
+    const double q1 = quantile(0.25);
+    const double median = quantile(0.5);
+    const double q3 = quantile(0.75);
     return q3 - q1 > 0.0 ? (q1 - 2.0 * median + q3) / (q3 - q1) : 0.0;
 }
 
@@ -82,17 +100,18 @@ double storedStatistic(int nObs, int field, int statistic) {
         case statistic::freqMax:
             return frequency(samples, V_Max(samples.values(), samples.size(), nullptr));
         case statistic::firstQuartile:
-            return quantile(samples, 0.25);
+            return Quantiles(samples, field)(0.25);
         case statistic::median:
-            return quantile(samples, 0.5);
+            return Quantiles(samples, field)(0.5);
         case statistic::thirdQuartile:
-            return quantile(samples, 0.75);
+            return Quantiles(samples, field)(0.75);
         case statistic::skewnessBowley:
-            return skewnessBowley(samples);
+            return skewnessBowley(Quantiles(samples, field));
         case statistic::meanAbsDeviation:
             return meanAbsDeviation(samples);
         case statistic::medianAbsDeviation:
-            return V_MedianAbsDev(samples.values(), samples.size(), quantile(samples, 0.5), nullptr, samples.weights());
+            return V_MedianAbsDev(samples.values(), samples.size(), Quantiles(samples, field)(0.5), nullptr,
+                                  samples.weights());
         case statistic::geometricMean:
             return geometricMoments(samples).first;
         case statistic::geometricStdev:

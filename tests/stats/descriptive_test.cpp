@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -10,6 +11,7 @@
 
 #include "engine/inner_calls.h"
 #include "engine/run_state.h"
+#include "numerics/vector_statistics.h"
 #include "quorva/catalogue.h"
 #include "stand_ins.h"
 
@@ -347,6 +349,57 @@ TEST_F(Descriptive, ANaNAmongTheValuesCountsBehindEveryNumber) {
     EXPECT_EQ(SimCalcStat(10, 2, 3, 10), 6.5);
     EXPECT_EQ(SimCalcStat(10, 2, 3, 6), 1.0);
     EXPECT_EQ(SimCalcStat(10, 2, 3, 7), 1.0);
+}
+
+/// The quantile of the first n values of field 2, found anew.
+double quantileAnew(int n, double p) {
+    return V_QuantileM(std::as_const(run.sampling.SampleStore).column(2), n, nullptr, p);
+}
+
+TEST_F(Descriptive, QuantilesThatAreAskedForAtEveryIterationAreThoseFoundAnew) {
+    clear(3000);
+    std::mt19937 generator(7);
+    for (int n = 1; n <= 3000; ++n) {
+        // Few distinct values, an infinity and a NaN now and then.
+        const auto drawn = static_cast<int>(generator() % 400);
+        run.sampling.SampleStore(n, 2) = drawn == 1 ? kNaN : drawn == 2 ? kInfinity : drawn * 0.37;
+        EXPECT_EQ(SimCalcStat(n, 2, 3, 9), quantileAnew(n, 0.25));
+        if (n % 3 == 0) {
+            EXPECT_EQ(SimCalcStat(n, 2, 3, 10), quantileAnew(n, 0.5));
+            EXPECT_EQ(SimCalcStat(n, 2, 3, 11), quantileAnew(n, 0.75));
+        }
+    }
+}
+
+TEST_F(Descriptive, QuantilesFollowValuesThatAreReplaced) {
+    clear(500);
+    std::mt19937 generator(11);
+    const auto draw = [&] { return static_cast<double>(generator() % 97); };
+    for (int n = 1; n <= 500; ++n) {
+        run.sampling.SampleStore(n, 2) = draw();
+        if (n % 5 == 0) {
+            run.sampling.SampleStore(n - 3, 2) = n % 25 == 0 ? kNaN : draw();
+        }
+        if (n % 100 == 0) {  // all of them
+            std::generate_n(run.sampling.SampleStore.column(2), n, draw);
+        }
+        EXPECT_EQ(SimCalcStat(n, 2, 3, 10), quantileAnew(n, 0.5)) << n;
+    }
+    for (const int n : {500, 10, 499, 64, 3, 500}) {
+        EXPECT_EQ(SimCalcStat(n, 2, 3, 10), quantileAnew(n, 0.5)) << n;
+    }
+}
+
+TEST_F(Descriptive, QuantilesOfManyFieldsAreAllFoundAnewOrKept) {
+    clear(70, 60);
+    for (int n = 1; n <= 70; ++n) {
+        for (int field = 1; field <= 60; ++field) {
+            run.sampling.SampleStore(n, field) = (n * 31 + field * 17) % 53;
+            EXPECT_EQ(SimCalcStat(n, field, 3, 10),
+                      V_QuantileM(run.sampling.SampleStore.column(field), n, nullptr, 0.5));
+        }
+    }
+    EXPECT_LE(run.sampling.ordered.size(), 40U);
 }
 
 }  // namespace
