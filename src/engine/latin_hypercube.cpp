@@ -69,9 +69,12 @@ double plainUniform(const Generator& generator, Bounds bounds) {
     return uniform;
 }
 
+/// Strata that there is a table for: none when the run that asked for them could not begin.
+int strataInUse() { return run.sampling.inbuckets > 0 ? std::max(run.sampling.LhsTable.rows() - 1, 0) : 0; }
+
 /// A random permutation of the strata: their numbers ordered by uniforms.
 void permuteStrata(const Generator& generator, int stream) {
-    const int strata = run.sampling.inbuckets;
+    const int strata = strataInUse();
     matrix<double>& work = run.sampling.permutation;
     if (work.rows() != strata) {
         work = matrix<double>(strata, 2);
@@ -90,7 +93,7 @@ void permuteStrata(const Generator& generator, int stream) {
 
 double stratifiedUniform(const Generator& generator, int stream, Bounds bounds) {
     matrix<double>& table = run.sampling.LhsTable;
-    const int strata = run.sampling.inbuckets;
+    const int strata = strataInUse();
     for (;;) {
         if (table(strata + 1, stream) == 0.0) {
             permuteStrata(generator, stream);
@@ -121,8 +124,7 @@ double getLHSRandom01(int /*ignored*/, int stream, double lower, double upper, i
     const Bounds bounds(stream, lower, upper);
     double uniform = lower;
     try {
-        uniform =
-            run.sampling.inbuckets > 0 ? stratifiedUniform(generator, stream, bounds) : plainUniform(generator, bounds);
+        uniform = strataInUse() > 0 ? stratifiedUniform(generator, stream, bounds) : plainUniform(generator, bounds);
     } catch (...) {
         recordOutOfMemory();
     }
