@@ -1,8 +1,13 @@
 // Beta laws and those that are beta laws under another name.
+#include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "numerics/boost_policy.h"
+#include "numerics/incomplete_functions.h"
 #include "numerics/law_functions.h"
+#include "numerics/newton.h"
+#include "numerics/normal.h"
 
 namespace quorva::laws {
 namespace {
@@ -13,16 +18,86 @@ struct UnitPoint {
     double fromOne;
 };
 
+bool isArcsine(double alpha, double beta) { return alpha == 0.5 && beta == 0.5; }
+
+/// Below this size of a parameter the law lies on the ends of the interval, but for the last digit.
+constexpr double pointLike = 1e-250;
+
+bool liesOnEnds(double alpha, double beta) { return std::min(alpha, beta) < pointLike; }
+
+/// P(Z = 0) of a law that lies on the ends.
+double weightOfZero(double alpha, double beta) { return 1 / (1 + alpha / beta); }
+
+/// P(Z <= z); in closed form for the arcsine law, on whose upper half the general function loses digits.
 double standardCdf(UnitPoint z, double alpha, double beta) {
-    return z.fromZero <= 0.5 ? boost::math::ibeta(alpha, beta, z.fromZero, NumericPolicy())
-                             : boost::math::ibetac(beta, alpha, z.fromOne, NumericPolicy());
+    if (isArcsine(alpha, beta)) {
+        const double angle = std::asin(std::sqrt(std::min(z.fromZero, z.fromOne))) * (2 * std::numbers::inv_pi);
+        return z.fromZero <= z.fromOne ? angle : 1 - angle;
+    }
+    if (liesOnEnds(alpha, beta)) {
+        return weightOfZero(alpha, beta);
+    }
+    return betaLower(alpha, beta, z.fromZero, z.fromOne);
+}
+
+/// Far down the lower tail P(Z <= z) is z^alpha / (alpha B(alpha, beta)), as long as beta z is small against 1.
+double powerGuess(double u, double alpha, double beta) {
+    const double logBeta = boost::math::lgamma(alpha, NumericPolicy()) + boost::math::lgamma(beta, NumericPolicy()) -
+                           boost::math::lgamma(alpha + beta, NumericPolicy());
+    return std::exp((std::log(u) + std::log(alpha) + logBeta) / alpha);
+}
+
+/// A first estimate of the point with P(Z <= z) = u, by its distances from both ends.
+UnitPoint guessOf(double u, double alpha, double beta) {
+    const double power = u < 1e-10 ? powerGuess(u, alpha, beta) : 1;
+    if (power * std::max(1.0, beta) < 1e-3) {
+        return {power, 1};
+    }
+    if (isAsymptotic(alpha, beta)) {
+        const double ratio = beta / alpha;
+        const double mean = 1 / (1 + ratio);
+        const double deviation = std::sqrt(ratio / alpha / (1 + ratio)) * mean;
+        const double z = std::clamp(mean + deviation * normalQuantile(u), 0.0, 1.0);
+        return {z, 1 - z};
+    }
+    UnitPoint z{};
+    z.fromZero = boost::math::ibeta_inv(alpha, beta, u, &z.fromOne, NumericPolicy());
+    return z;
+}
+
+/// The point with P(Z <= z) = u for u <= 1/2, found at the end of the interval to which it is nearer.
+UnitPoint lowerQuantile(double u, double alpha, double beta) {
+    UnitPoint z = guessOf(u, alpha, beta);
+    if (z.fromZero <= z.fromOne) {
+        z.fromZero = std::min(1.0, polished(z.fromZero, u, [=](double x) {
+                                  return TailPoint{betaLower(alpha, beta, x, 1 - x),
+                                                   boost::math::ibeta_derivative(alpha, beta, x, NumericPolicy())};
+                              }));
+        z.fromOne = 1 - z.fromZero;
+    } else {
+        z.fromOne = std::min(1.0, polished(z.fromOne, u, [=](double y) {
+                                 return TailPoint{betaLower(alpha, beta, 1 - y, y),
+                                                  -boost::math::ibeta_derivative(beta, alpha, y, NumericPolicy())};
+                             }));
+        z.fromZero = 1 - z.fromOne;
+    }
+    return z;
 }
 
 UnitPoint standardQuantile(double u, double alpha, double beta) {
-    UnitPoint z{};
-    z.fromZero = u < 0.5 ? boost::math::ibeta_inv(alpha, beta, u, &z.fromOne, NumericPolicy())
-                         : boost::math::ibetac_inv(alpha, beta, 1 - u, &z.fromOne, NumericPolicy());
-    return z;
+    if (isArcsine(alpha, beta)) {
+        const double sine = std::sin(std::numbers::pi / 2 * std::min(u, 1 - u));
+        const double square = sine * sine;
+        return u <= 0.5 ? UnitPoint{square, 1 - square} : UnitPoint{1 - square, square};
+    }
+    if (liesOnEnds(alpha, beta)) {
+        return u <= weightOfZero(alpha, beta) ? UnitPoint{0, 1} : UnitPoint{1, 0};
+    }
+    if (u <= 0.5) {
+        return lowerQuantile(u, alpha, beta);
+    }
+    const UnitPoint mirrored = lowerQuantile(1 - u, beta, alpha);
+    return {mirrored.fromOne, mirrored.fromZero};
 }
 
 /// Beta law stretched over [c, d].

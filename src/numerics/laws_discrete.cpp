@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "numerics/boost_policy.h"
+#include "numerics/incomplete_functions.h"
 #include "numerics/law_functions.h"
 #include "numerics/normal.h"
 
@@ -30,12 +31,8 @@ struct Shape {
 /// Whether k reaches u: F(k) >= u. A u that is F(k) rounded to a double counts as reached although the exact F(k) may
 /// lie half a unit below it (0.9 of ten equal steps); close to 1 only the exact comparison tells steps apart.
 bool reaches(const Tails& tails, double u) {
-    constexpr Extended rounding = 0x1p-52L;
-    if (u <= 0.5) {
-        return tails.lower >= u * (1 - rounding);
-    }
-    const double rest = 1 - u;
-    return tails.upper <= rest + (rest > 1e-12 ? rounding : rest * 0x1p-60L);
+    constexpr double closeToOne = 1e-12;
+    return 1 - u > closeToOne ? static_cast<double>(tails.lower) >= u : tails.upper <= 1 - u;
 }
 
 /// The smallest integer that reaches u: from a normal guess corrected for skewness, steps that double until the answer
@@ -78,8 +75,8 @@ bool isWhole(double x) { return x == std::floor(x); }
 Tails binomialTails(double k, const LawParameters& p) {
     const Extended a = static_cast<Extended>(k) + 1;
     const Extended b = static_cast<Extended>(p[0]) - k;
-    return {boost::math::ibetac(a, b, static_cast<Extended>(p[1]), NumericPolicy()),
-            boost::math::ibeta(a, b, static_cast<Extended>(p[1]), NumericPolicy())};
+    const Extended success = p[1];
+    return {betaUpper(a, b, success, 1 - success), betaLower(a, b, success, 1 - success)};
 }
 
 Support binomialSupport(const LawParameters& p) {
@@ -100,11 +97,7 @@ double binomialQuantile(double u, const LawParameters& p) {
 Tails negativeBinomialTails(double k, double size, Extended success, Extended failure) {
     const Extended a = size;
     const Extended b = static_cast<Extended>(k) + 1;
-    if (success <= failure) {
-        return {boost::math::ibeta(a, b, success, NumericPolicy()),
-                boost::math::ibetac(a, b, success, NumericPolicy())};
-    }
-    return {boost::math::ibetac(b, a, failure, NumericPolicy()), boost::math::ibeta(b, a, failure, NumericPolicy())};
+    return {betaLower(a, b, success, failure), betaUpper(a, b, success, failure)};
 }
 
 double negativeBinomialQuantile(double u, double size, Extended success, Extended failure) {
@@ -122,8 +115,8 @@ Extended failure2(const LawParameters& p) { return p[1] / (1 + static_cast<Exten
 
 Tails poissonTails(double k, const LawParameters& p) {
     const Extended shape = static_cast<Extended>(k) + 1;
-    return {boost::math::gamma_q(shape, static_cast<Extended>(p[0]), NumericPolicy()),
-            boost::math::gamma_p(shape, static_cast<Extended>(p[0]), NumericPolicy())};
+    const Extended mean = p[0];
+    return {gammaUpper(shape, mean), gammaLower(shape, mean)};
 }
 
 // Discrete uniform: the integers of a..b.

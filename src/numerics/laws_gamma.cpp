@@ -2,16 +2,50 @@
 #include <cmath>
 
 #include "numerics/boost_policy.h"
+#include "numerics/incomplete_functions.h"
 #include "numerics/law_functions.h"
+#include "numerics/newton.h"
 
 namespace quorva::laws {
 namespace {
 
-double standardCdf(double x, double shape) { return boost::math::gamma_p(shape, x, NumericPolicy()); }
+/// Below this shape all but the last digit of the probability lies on numbers too small for a double.
+constexpr double pointLike = 1e-250;
+
+/// Above this shape the tails magnify the last digit so much that they are computed in extended precision.
+constexpr double magnifying = 1000;
+
+double standardCdf(double x, double shape) {
+    if (shape > magnifying) {
+        return static_cast<double>(gammaLower<long double>(shape, x));
+    }
+    return shape < pointLike ? 1.0 : gammaLower(shape, x);
+}
+
+double standardSurvival(double x, double shape) {
+    return shape > magnifying ? static_cast<double>(gammaUpper<long double>(shape, x)) : gammaUpper(shape, x);
+}
+
+double density(double x, double shape) { return boost::math::gamma_p_derivative(shape, x, NumericPolicy()); }
+
+/// Far down the lower tail P(X <= x) is x^shape / Gamma(shape + 1), as long as x is small against 1.
+double powerGuess(double u, double shape) {
+    return std::exp((std::log(u) + boost::math::lgamma(shape + 1, NumericPolicy())) / shape);
+}
 
 double standardQuantile(double u, double shape) {
-    return u < 0.5 ? boost::math::gamma_p_inv(shape, u, NumericPolicy())
-                   : boost::math::gamma_q_inv(shape, 1 - u, NumericPolicy());
+    if (shape < pointLike) {
+        return 0;
+    }
+    if (u > 0.5) {
+        const double rest = 1 - u;
+        return polished(boost::math::gamma_q_inv(shape, rest, NumericPolicy()), rest, [shape](double x) {
+            return TailPoint{standardSurvival(x, shape), -density(x, shape)};
+        });
+    }
+    const double power = powerGuess(u, shape);
+    const double guess = power < 1e-3 ? power : boost::math::gamma_p_inv(shape, u, NumericPolicy());
+    return polished(guess, u, [shape](double x) { return TailPoint{standardCdf(x, shape), density(x, shape)}; });
 }
 
 Support gammaSupport(double shape, double scale, double location) {

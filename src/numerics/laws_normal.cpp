@@ -19,7 +19,7 @@ double expOf(Extended exponent) {
     const double head = static_cast<double>(exponent);
     const double tail = static_cast<double>(exponent - head);
     const double value = std::exp(head);
-    return std::isfinite(value) ? value + value * tail : value;
+    return std::isfinite(value) && std::isfinite(head) ? value + value * tail : value;
 }
 
 /// Standard deviation of the logarithm, from mean and standard deviation of the variable.

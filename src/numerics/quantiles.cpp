@@ -60,8 +60,9 @@ double weighted(std::vector<Weighted>& sample, double p) {
     for (const auto& item : sample) {
         cumulative.push_back(total += item.weight);
     }
-    const long double position = 1 + (total - 1) * p;
-    const long double below = std::floor(position);
+    // In double as without weights, so that whole weights give the bits of repetition.
+    const double position = static_cast<double>(total - 1) * p;
+    const double below = std::floor(position);
     // The value whose share of the step-expanded sample covers a position; weights such as 0.1 add up to a little
     // less than a whole number.
     const auto at = [&](long double wanted) {
@@ -69,7 +70,7 @@ double weighted(std::vector<Weighted>& sample, double p) {
         return found == cumulative.end() ? sample.back().value
                                          : sample[static_cast<std::size_t>(found - cumulative.begin())].value;
     };
-    return between(at(below), at(below + 1), static_cast<double>(position - below));
+    return between(at(below + 1), at(below + 2), position - below);
 }
 
 }  // namespace

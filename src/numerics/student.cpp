@@ -42,8 +42,14 @@ double positiveQuantile(double q, double c, double df) {
                                             : 1 / std::tan(std::numbers::pi_v<long double> * q));
     }
     if (df == 2) {
-        const long double x = c;
-        return static_cast<double>(2 * x * std::sqrt(2 / (4 * static_cast<long double>(q) * (0.5L + x))));
+        const long double upper = q;
+        return static_cast<double>(c * std::sqrt(2 / (upper * (0.5L + c))));
+    }
+    // Far out the tail is a power of t: with x = df / (df + t^2), q = x^(df/2) / (df B(1/2, df/2)).
+    const long double beta = boost::math::beta(0.5L, static_cast<long double>(df) / 2, NumericPolicy());
+    const long double x = std::exp(2 * std::log(q * df * beta) / df);
+    if (x < 1e-20L) {
+        return static_cast<double>(std::sqrt(df / x));
     }
     double complement = 0;
     const double y = c < 0.25 ? boost::math::ibeta_inv(0.5, df / 2, 2 * c, &complement, NumericPolicy())
@@ -66,6 +72,11 @@ double positiveQuantile(double q, double c, double df) {
 }  // namespace
 
 double studentCdf(double x, double df) {
+    if (df == 1) {
+        const double tail =
+            static_cast<double>(std::atan(1 / std::abs(static_cast<long double>(x)))) * std::numbers::inv_pi;
+        return x < -1 ? tail : x > 1 ? 1 - tail : 0.5 + std::atan(x) * std::numbers::inv_pi;
+    }
     if (df >= practicallyNormal) {
         return normalCdf(x);
     }

@@ -2,10 +2,59 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <limits>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
 #include "common/missing_value.h"
+#include "numerics/core.h"
+#include "numerics/laws.h"
 
 namespace quorva {
 namespace {
+
+/// Type 7 by its definition, on the sorted sample.
+double sortedQuantile(std::vector<double> values, double p) {
+    std::sort(values.begin(), values.end());
+    const double position = static_cast<double>(values.size() - 1) * p;
+    const auto k = static_cast<std::size_t>(position);
+    const double fraction = position - static_cast<double>(k);
+    return fraction == 0 ? values[k] : values[k] + fraction * (values[k + 1] - values[k]);
+}
+
+TEST(VectorStatistics, MomentsMatchExactRationalArithmetic) {
+    std::ifstream file(std::string(QUORVA_SOURCE_DIR) + "/tests/numerics/reference/moments.txt");
+    int rows = 0;
+    for (std::string line; std::getline(file, line); ++rows) {
+        std::istringstream words(line);
+        int n = 0;
+        words >> n;
+        std::vector<double> x(static_cast<std::size_t>(n));
+        std::vector<double> w(x.size());
+        const auto next = [&words] {
+            std::string word;
+            words >> word;
+            return word == "-" ? MissingValue : std::strtod(word.c_str(), nullptr);
+        };
+        std::generate(x.begin(), x.end(), next);
+        std::generate(w.begin(), w.end(), next);
+        double results[8] = {};
+        V_MeanVarSkewPKurtP(x.data(), n, results[0], results[1], results[2], results[3], results[4], results[5],
+                            results[6], results[7], nullptr, w.data(), 0, 0);
+        for (const double result : results) {
+            const double expected = next();
+            EXPECT_LE(std::abs(result - expected),
+                      1e-14 * std::max(std::abs(expected), expected == MissingValue ? 0 : 1e-3))
+                << "series " << rows << ": " << result << " for " << expected;
+        }
+    }
+    EXPECT_EQ(rows, 11);
+}
 
 TEST(VectorStatistics, QuantileIsTheSpreadsheetsInclusiveOne) {
     const double values[] = {4, 1, 3, 2};
@@ -13,6 +62,135 @@ TEST(VectorStatistics, QuantileIsTheSpreadsheetsInclusiveOne) {
     EXPECT_EQ(V_QuantileM(values, 4, nullptr, 0), 1);
     EXPECT_EQ(V_QuantileM(values, 4, nullptr, 1), 4);
     EXPECT_EQ(V_QuantileM(values, 0, nullptr, 0.5), MissingValue);
+    EXPECT_EQ(V_QuantileM(values, 4, nullptr, 1.5), MissingValue);
+    const short flags[] = {0, -1, 0, 0};
+    EXPECT_EQ(V_QuantileM(values, 4, flags, 0), 2);
+}
+
+TEST(VectorStatistics, SelectedQuantilesEqualSortedOnesToTheBit) {
+    std::mt19937_64 engine(3);
+    for (const int n : {1, 2, 3, 10, 101, 1000}) {
+        std::vector<double> values(static_cast<std::size_t>(n));
+        std::generate(values.begin(), values.end(),
+                      [&] { return std::ldexp(static_cast<double>(engine() >> 40), -7); });
+        const std::vector<double> ones(values.size(), 1.0);
+        for (const double p : {0.0, 0.025, 0.05, 0.25, 1.0 / 3, 0.5, 0.77, 0.95, 1.0}) {
+            EXPECT_EQ(V_QuantileM(values.data(), n, nullptr, p), sortedQuantile(values, p));
+            EXPECT_EQ(V_QuantileMW(values.data(), n, nullptr, ones.data(), p), sortedQuantile(values, p));
+        }
+    }
+}
+
+TEST(VectorStatistics, WholeWeightsEqualRepetition) {
+    const std::vector<double> values{7, 1, 4, 2.5};
+    const std::vector<double> weights{2, 3, 1, 0};
+    const std::vector<double> repeated{7, 7, 1, 1, 1, 4};
+    for (const double p : {0.0, 0.1, 0.33, 0.5, 0.6, 0.75, 0.9, 1.0}) {
+        EXPECT_EQ(V_QuantileMW(values.data(), 4, nullptr, weights.data(), p), sortedQuantile(repeated, p)) << p;
+    }
+}
+
+TEST(VectorStatistics, NaNObservationsSortLastAndDoNotDerailTheSelection) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double values[] = {nan, 2, nan, 1, 3};
+    EXPECT_EQ(V_QuantileM(values, 5, nullptr, 0.25), 2);
+    EXPECT_TRUE(std::isnan(V_QuantileM(values, 5, nullptr, 1)));
+    EXPECT_EQ(V_Min(values, 5, nullptr), 1);
+    EXPECT_EQ(V_Max(values, 5, nullptr), 3);
+}
+
+TEST(VectorStatistics, MeanAndDeviationWithBothDivisors) {
+    const double values[] = {2, 4, 4, 4, 5, 5, 7, 9};
+    double mean = 0;
+    double stdev = 0;
+    V_MeanStdev(values, 8, mean, stdev, nullptr, nullptr, 0, 0);
+    EXPECT_EQ(mean, 5);
+    EXPECT_EQ(stdev, 2);
+    V_MeanStdev(values, 8, mean, stdev, nullptr, nullptr, hostTrue, 0);
+    EXPECT_DOUBLE_EQ(stdev, std::sqrt(32.0 / 7));
+    V_MeanStdev(values, 1, mean, stdev, nullptr, nullptr, hostTrue, 0);
+    EXPECT_EQ(mean, 2);
+    EXPECT_EQ(stdev, MissingValue);
+    V_MeanStdev(values, 0, mean, stdev, nullptr, nullptr, hostTrue, 0);
+    EXPECT_EQ(mean, MissingValue);
+}
+
+TEST(VectorStatistics, GeometricAndHarmonicMeansNeedPositiveValues) {
+    const double values[] = {1, 4, 16};
+    double mean = 0;
+    double deviation = 0;
+    V_GMeanGSD(values, 3, nullptr, nullptr, mean, deviation);
+    EXPECT_DOUBLE_EQ(mean, 4);
+    EXPECT_DOUBLE_EQ(deviation, 4);
+    EXPECT_DOUBLE_EQ(V_HarmonicMean(values, 3, nullptr, nullptr), 3 / (1 + 0.25 + 0.0625));
+    const double withZero[] = {1, 0, 16};
+    V_GMeanGSD(withZero, 3, nullptr, nullptr, mean, deviation);
+    EXPECT_EQ(mean, MissingValue);
+    EXPECT_EQ(deviation, MissingValue);
+    EXPECT_EQ(V_HarmonicMean(withZero, 3, nullptr, nullptr), MissingValue);
+}
+
+TEST(VectorStatistics, AbsoluteDeviationsFrequenciesAndExtremes) {
+    const double values[] = {1, 2, 3, 4, 10};
+    EXPECT_EQ(V_MeanAbsDev(values, 5, 4, nullptr, nullptr), 2.4);
+    EXPECT_EQ(V_MedianAbsDev(values, 5, 3, nullptr, nullptr), 1);
+    EXPECT_EQ(V_Mean2(values, 5), 4);
+    EXPECT_EQ(V_Sum(values, 5), 20);
+    const double weights[] = {1, 2, 3, 4, 5};
+    EXPECT_EQ(V_Freq(values, 5, weights, 3.5, 0.5), 7);
+    EXPECT_EQ(V_Freq(values, 5, nullptr, 10, 2.220446049250313e-16), 1);
+    EXPECT_EQ(V_IsConstant(values, 5, -1, 1), hostFalse);
+    EXPECT_EQ(V_IsConstant(values, 1, -1, 1), hostTrue);
+    const short flags[] = {-1, 0, 0, 0, -1};
+    EXPECT_EQ(V_Min(values, 5, flags), 2);
+    EXPECT_EQ(V_Max(values, 5, flags), 4);
+    EXPECT_EQ(V_Min(values, 0, nullptr), MissingValue);
+}
+
+TEST(VectorStatistics, LargeSampleBoundsOfAQuantileAreOrderStatistics) {
+    std::vector<double> values(400);
+    for (int i = 0; i < 400; ++i) {
+        values[static_cast<std::size_t>(i)] = (i * 7) % 400 + 1;
+    }
+    double lower = 0;
+    double upper = 0;
+    // 200 -+ 1.96 * 10 = 180.4 and 219.6
+    V_ConfQuantilesLargeSample(values.data(), 400, 0.5, 0.975, lower, upper);
+    EXPECT_EQ(lower, 180);
+    EXPECT_EQ(upper, 220);
+    V_ConfQuantilesLargeSample(values.data(), 400, 0.999, 0.975, lower, upper);
+    EXPECT_EQ(upper, 400);
+    V_ConfQuantilesLargeSample(values.data(), 400, 0.5, 1, lower, upper);
+    EXPECT_EQ(lower, 1);
+    EXPECT_EQ(upper, 400);
+    V_ConfQuantilesLargeSample(values.data(), 0, 0.5, 0.975, lower, upper);
+    EXPECT_EQ(lower, MissingValue);
+}
+
+TEST(TriangularByQuantiles, EndsReproduceTheQuantiles) {
+    struct Case {
+        double a, m, b, q1, q2;
+    };
+    for (const auto& [a, m, b, q1, q2] :
+         {Case{1, 3, 7, 0.1, 0.9}, Case{10, 10, 20, 0.05, 0.95}, Case{-5, 0, 1, 0, 1}, Case{2, 1, 4, 0.5, 0.99},
+          Case{2, 5, 4, 0.01, 0.5}, Case{100, 101, 500, 0.001, 0.8}, Case{3, 8, 8, 0.25, 0.75}}) {
+        double lower = 0;
+        double upper = 0;
+        TriangularQFindAB(a, m, b, q1, q2, lower, upper);
+        if (std::isnan(lower)) {
+            // Only a law whose falling side alone would have to hold both quantiles may be impossible.
+            EXPECT_TRUE(m < a || m > b) << a << " " << m << " " << b;
+            continue;
+        }
+        EXPECT_NEAR(InvCDFFunction(25, q1, lower, m, upper, 0), a, 1e-12 * (upper - lower));
+        EXPECT_NEAR(InvCDFFunction(25, q2, lower, m, upper, 0), b, 1e-12 * (upper - lower));
+    }
+    double lower = 0;
+    double upper = 0;
+    TriangularQFindAB(1, 3, 7, 0.9, 0.1, lower, upper);
+    EXPECT_TRUE(std::isnan(lower) && std::isnan(upper));
+    TriangularQFindAB(7, 3, 1, 0.1, 0.9, lower, upper);
+    EXPECT_TRUE(std::isnan(lower) && std::isnan(upper));
 }
 
 }  // namespace

@@ -1,0 +1,206 @@
+// Properties that every law of the table must have, whatever its formula.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "common/missing_value.h"
+#include "numerics/core.h"
+#include "numerics/laws.h"
+#include "numerics/uniforms.h"
+#include "quorva/catalogue.h"
+
+namespace quorva {
+namespace {
+
+struct LawCase {
+    int law;
+    std::array<double, 4> p;
+    double mean;      ///< textbook mean
+    double variance;  ///< textbook variance
+    double F(double x) const { return CDFFunction(law - 1, x, p[0], p[1], p[2], p[3]); }
+    double Q(double u) const { return InvCDFFunction(law - 1, u, p[0], p[1], p[2], p[3]); }
+    bool discrete() const { return (law >= 2 && law <= 4) || law == 18 || law == 29 || law == 32; }
+};
+
+constexpr double euler = 0.57721566490153286;
+constexpr double pi2 = 9.8696044010893586;
+
+/// One law of ordinary shape for every identifier, with textbook moments.
+const std::vector<LawCase> lawCases{
+    {1, {2, 3}, 0.4, 0.04},
+    {2, {20, 0.25}, 5, 3.75},
+    {3, {4, 0.4}, 6, 15},
+    {4, {3, 2}, 6, 18},
+    {5, {6}, 6, 12},
+    {6, {0.5}, 2, 4},
+    {7, {6, 12}, 1.2, 2.0 * 144 * 16 / (6 * 100 * 8)},
+    {8, {}, euler, pi2 / 6},
+    {9, {3}, 3 * euler, 9 * pi2 / 6},
+    {10, {2, 5}, 5 + 2 * euler, 4 * pi2 / 6},
+    {11, {2.5}, 2.5, 2.5},
+    {12, {2.5, 3}, 7.5, 22.5},
+    {13, {2.5, 3, -1}, 6.5, 22.5},
+    {14, {0, 0.5}, 1.1331484530668263, 0.36469582840001604},
+    {15, {5, 2}, 5, 4},
+    {16, {}, 0, 1},
+    {17, {6, 2}, 2.4, 4 * 6.0 / (25 * 4)},
+    {18, {3.5}, 3.5, 3.5},
+    {19, {10}, 0, 1.25},
+    {20, {-1, 3}, 1, 16.0 / 12},
+    {21, {2}, 0.88622692545275801, 0.21460183660255169},
+    {22, {2, 3}, 2.658680776358274, 1.9314165294229652},
+    {23, {2, 3, 1}, 3.658680776358274, 1.9314165294229652},
+    {24, {1, 0.5, 0}, 2 * (1 - 0.88622692545275801), 4 * 0.21460183660255169},
+    {25, {3, 2}, 1.5, 0.75},
+    {26, {0, 1, 4}, 5.0 / 3, 13.0 / 18},
+    {27, {0, 1, 4}, 8.0 / 6, 16.0 * 2 * 4 / (36 * 7)},
+    {28, {1, 2}, 1, 4 * pi2 / 3},
+    {29, {1, 6}, 3.5, 35.0 / 12},
+    {30, {2, 3, -1, 4}, 1, 1},
+    {31, {0, 1, 3, 4}, 2, 10.0 / 12},
+    {32, {0.3}, 0.3, 0.21},
+    {33, {4, 2}, 4, 4},
+    {35, {0.3}, 0.3, 0.105},
+};
+
+const LawCase& caseOf(int law) {
+    return *std::find_if(lawCases.begin(), lawCases.end(), [law](const LawCase& c) { return c.law == law; });
+}
+
+class LawBattery : public testing::TestWithParam<int> {
+protected:
+    const LawCase& law() const { return caseOf(GetParam()); }
+};
+
+TEST(LawBatteryTable, EveryLawOfTheCatalogueIsCovered) {
+    for (const LawEntry& entry : lawTable) {
+        EXPECT_TRUE(std::any_of(lawCases.begin(), lawCases.end(), [&](const LawCase& c) { return c.law == entry.law; }))
+            << entry.wrapper;
+    }
+}
+
+TEST_P(LawBattery, QuantileInvertsTheDistributionFunction) {
+    for (int i = 1; i < 400; ++i) {
+        const double u = i / 400.0 + 1e-4;
+        const double x = law().Q(u);
+        if (law().discrete()) {
+            EXPECT_EQ(x, std::floor(x));
+            EXPECT_GE(law().F(x), u);
+            EXPECT_LT(law().F(x - 1), u);
+        } else {
+            EXPECT_NEAR(law().F(x), u, 1e-11 * std::min(u, 1 - u) + 2e-16) << u;
+        }
+    }
+}
+
+TEST(LawBatteryTable, AStepOfADiscreteLawIsReachedByItsOwnProbability) {
+    for (const LawCase& law : lawCases) {
+        for (double x = law.Q(0); law.discrete() && law.F(x) < 1 - 1e-9; ++x) {
+            EXPECT_EQ(law.Q(law.F(x)), x) << law.law;
+            EXPECT_EQ(law.F(x + 0.5), law.F(x)) << law.law;
+        }
+    }
+    // Steps that are exact in double, and those that users write as decimal fractions.
+    EXPECT_EQ(InvCDFFunction(1, 0.623046875, 10, 0.5, 0, 0), 5);
+    EXPECT_EQ(InvCDFFunction(1, std::nextafter(0.623046875, 1), 10, 0.5, 0, 0), 6);
+    EXPECT_EQ(InvCDFFunction(28, 0.9, 1, 10, 0, 0), 9);
+    EXPECT_EQ(InvCDFFunction(31, 0.9, 0.1, 0, 0, 0), 0);
+}
+
+TEST_P(LawBattery, DistributionFunctionAndQuantileRise) {
+    double before = law().Q(0);
+    double probability = 0;
+    for (int i = 1; i < 2000; ++i) {
+        const double u = i / 2000.0;
+        const double x = law().Q(u);
+        EXPECT_GE(x, before);
+        EXPECT_GE(law().F(x), probability);
+        before = x;
+        probability = law().F(x);
+    }
+    EXPECT_LE(before, law().Q(1));
+}
+
+TEST_P(LawBattery, EndsOfTheSupportCarryAllProbability) {
+    EXPECT_EQ(law().F(-INFINITY), 0);
+    EXPECT_EQ(law().F(INFINITY), 1);
+    EXPECT_EQ(law().F(law().Q(1)), 1);
+    EXPECT_LE(law().Q(0), law().Q(1e-300));
+    EXPECT_GE(law().Q(1), law().Q(1 - 0x1p-53));
+}
+
+/// Moments and goodness of fit on one fixed stream. Failure probability of each check for a correct law and a fresh
+/// seed: 1e-6 for the mean (normal limit), 1e-6 for the fit.
+TEST_P(LawBattery, DrawsHaveTheLawsMeanAndShape) {
+    constexpr int n = 40000;
+    constexpr int cells = 50;
+    matrix<double> u(n, 1, 0.0);
+    int seed = 1000 + GetParam();
+    int update = 0;
+    M_GenerateRandom01(u, n, 1, &seed, hostTrue, &update);
+    long double sum = 0;
+    std::vector<double> draws;
+    for (int i = 1; i <= n; ++i) {
+        draws.push_back(law().Q(u(i, 1)));
+        sum += draws.back();
+    }
+    const double mean = static_cast<double>(sum / n);
+    long double squares = 0;
+    for (const double x : draws) {
+        squares += (x - mean) * (x - mean);
+    }
+    constexpr double z = 4.8916384756;  // two-sided 1e-6
+    EXPECT_NEAR(mean, law().mean, z * std::sqrt(law().variance / n));
+    // The variance of heavy-tailed samples converges slowly; this catches a wrong scale.
+    EXPECT_NEAR(static_cast<double>(squares / n) / law().variance, 1, 0.15);
+
+    // Pearson's statistic over cells cut at quantiles; equal cuts of a discrete law merge.
+    std::vector<double> cuts;
+    for (int i = 1; i < cells; ++i) {
+        const double cut = law().Q(i / static_cast<double>(cells));
+        if (cuts.empty() || cut > cuts.back()) {
+            cuts.push_back(cut);
+        }
+    }
+    std::vector<int> counts(cuts.size() + 1, 0);
+    for (const double x : draws) {
+        ++counts[static_cast<std::size_t>(std::lower_bound(cuts.begin(), cuts.end(), x) - cuts.begin())];
+    }
+    double statistic = 0;
+    int used = 0;
+    double below = 0;
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        const double upTo = i < cuts.size() ? law().F(cuts[i]) : 1;
+        const double expected = n * (upTo - below);
+        below = upTo;
+        if (expected > 0) {
+            statistic += (counts[i] - expected) * (counts[i] - expected) / expected;
+            ++used;
+        } else {
+            EXPECT_EQ(counts[i], 0);
+        }
+    }
+    if (used > 1) {
+        EXPECT_LT(statistic, InvCDFFunction(4, 1 - 1e-6, used - 1, 0, 0, 0)) << used << " cells, mean " << mean;
+    }
+}
+
+std::vector<int> identifiers() {
+    std::vector<int> result;
+    for (const LawEntry& entry : lawTable) {
+        if (std::find(result.begin(), result.end(), entry.law) == result.end()) {
+            result.push_back(entry.law);
+        }
+    }
+    return result;
+}
+
+INSTANTIATE_TEST_SUITE_P(Laws, LawBattery, testing::ValuesIn(identifiers()),
+                         [](const auto& given) { return "Law" + std::to_string(given.param); });
+
+}  // namespace
+}  // namespace quorva
