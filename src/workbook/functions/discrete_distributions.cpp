@@ -11,6 +11,9 @@ namespace {
 
 using namespace laws;
 
+/// Whole numbers from here on cannot be counted one by one.
+constexpr double wholeLimit = 9007199254740992;  // 2^53
+
 double binomial(const double* x, int) {
     const double successes = std::trunc(x[0]);
     const double trials = std::trunc(x[1]);
@@ -32,8 +35,8 @@ double binomialRange(const double* x, int count) {
     const Binomial law(trials, x[1]);
     if (to - from < 64) {
         double total = 0;
-        for (double k = from; k <= to; ++k) {
-            total += pdf(law, k);
+        for (double i = 0; i <= to - from; ++i) {
+            total += pdf(law, from + i);
         }
         return total;
     }
@@ -43,7 +46,7 @@ double binomialRange(const double* x, int count) {
 /// BINOM.INV(trials, p, alpha): the fewest successes whose cumulative probability reaches alpha.
 double binomialInverse(const double* x, int) {
     const double trials = std::trunc(x[0]);
-    if (x[0] < 0 || !isProbability(x[1]) || !isProbability(x[2])) {
+    if (x[0] < 0 || trials >= wholeLimit || !isProbability(x[1]) || !isProbability(x[2])) {
         return nan;
     }
     const Binomial law(trials, x[1]);
@@ -108,19 +111,27 @@ double hypergeometric(const double* x, bool cumulative) {
     const double m = std::trunc(x[2]);
     const double total = std::trunc(x[3]);
     const double least = std::max(0.0, n + m - total);
-    if (total <= 0 || n <= 0 || n > total || m <= 0 || m > total || k < least || k > std::min(n, m)) {
+    if (total <= 0 || total >= wholeLimit || n <= 0 || n > total || m <= 0 || m > total || k < least ||
+        k > std::min(n, m)) {
         return nan;
     }
     if (!cumulative) {
         return hypergeometricMass(k, n, m, total);
     }
+    // The tail that begins at k and falls off: to the left below the mean, else to the right.
+    const bool left = k * total <= n * m;
     double sum = 0;
-    double mass = hypergeometricMass(k, n, m, total);
-    for (double i = k; i >= least && mass > sum * 1e-18; --i) {
+    double i = left ? k : k + 1;
+    const double most = std::min(n, m);
+    double mass = i <= most ? hypergeometricMass(i, n, m, total) : 0;
+    while (mass > sum * 1e-18) {
         sum += mass;
-        mass *= i * (total - m - n + i) / ((m - i + 1) * (n - i + 1));  // from i to i - 1 successes
+        const double upper = left ? i : i + 1;  // the larger of two neighbouring counts
+        const double ratio = upper * (total - m - n + upper) / ((m - upper + 1) * (n - upper + 1));
+        mass = left ? mass * ratio : i < most ? mass / ratio : 0;
+        i += left ? -1 : 1;
     }
-    return std::min(sum, 1.0);
+    return left ? std::min(sum, 1.0) : 1 - sum;
 }
 double hypergeometricLaw(const double* x, int) { return hypergeometric(x, x[4] != 0); }
 double hypergeometricMassOnly(const double* x, int) { return hypergeometric(x, false); }

@@ -60,7 +60,7 @@ double gammaInverse(const double* x, int) {
     if (!isProbability(x[0]) || !(x[1] > 0) || !(x[2] > 0)) {
         return nan;
     }
-    return x[0] == 0 ? 0 : quantile(Gamma(x[1], x[2]), x[0]);
+    return x[0] == 0 ? 0 : quantileOrNan([&] { return quantile(Gamma(x[1], x[2]), x[0]); });
 }
 double gammaFunction(const double* x, int) {
     return x[0] <= 0 && x[0] == std::trunc(x[0]) ? nan : boost::math::tgamma(x[0], Policy());
@@ -112,7 +112,8 @@ double betaInverse(const double* x, int count) {
     if (!shape.valid() || !(x[0] > 0) || !(x[0] <= 1)) {
         return nan;
     }
-    return shape.lower + (shape.upper - shape.lower) * quantile(Beta(shape.alpha, shape.beta), x[0]);
+    return shape.lower +
+           (shape.upper - shape.lower) * quantileOrNan([&] { return quantile(Beta(shape.alpha, shape.beta), x[0]); });
 }
 
 // ---- Student's t ----
@@ -145,11 +146,12 @@ double studentTails(const double* x, int) {
 }
 double studentInverse(const double* x, int) {
     const double n = degreesOfFreedom(x[1]);
-    return n >= 1 && x[0] > 0 && x[0] < 1 ? quantile(StudentsT(n), x[0]) : nan;
+    return n >= 1 && x[0] > 0 && x[0] < 1 ? quantileOrNan([&] { return quantile(StudentsT(n), x[0]); }) : nan;
 }
 double studentInverseTwoTails(const double* x, int) {
     const double n = degreesOfFreedom(x[1]);
-    return n >= 1 && x[0] > 0 && x[0] <= 1 ? -quantile(StudentsT(n), x[0] / 2) + 0.0 : nan;
+    return n >= 1 && x[0] > 0 && x[0] <= 1 ? -quantileOrNan([&] { return quantile(StudentsT(n), x[0] / 2); }) + 0.0
+                                           : nan;
 }
 
 // ---- F ----
@@ -173,8 +175,10 @@ double fisherFRightTail(const double* x, int) {
 /// left.
 double fisherFQuantile(double n, double m, double p, bool fromRight) {
     double rest = nan;  // 1 - share, with all its digits
-    const double share = fromRight ? boost::math::ibetac_inv(n / 2, m / 2, p, &rest, Policy())
-                                   : boost::math::ibeta_inv(n / 2, m / 2, p, &rest, Policy());
+    const double share = quantileOrNan([&] {
+        return fromRight ? boost::math::ibetac_inv(n / 2, m / 2, p, &rest, Policy())
+                         : boost::math::ibeta_inv(n / 2, m / 2, p, &rest, Policy());
+    });
     return m * share / (n * rest);
 }
 
@@ -213,14 +217,14 @@ double chiSquaredInverse(const double* x, int) {
     if (!(n >= 1) || !isProbability(x[0]) || x[0] == 1) {
         return nan;
     }
-    return x[0] == 0 ? 0 : quantile(ChiSquared(n), x[0]);
+    return x[0] == 0 ? 0 : quantileOrNan([&] { return quantile(ChiSquared(n), x[0]); });
 }
 double chiSquaredInverseRightTail(const double* x, int) {
     const double n = degreesOfFreedom(x[1]);
     if (!(n >= 1) || !isProbability(x[0]) || x[0] == 0) {
         return nan;
     }
-    return x[0] == 1 ? 0 : quantile(complement(ChiSquared(n), x[0]));
+    return x[0] == 1 ? 0 : quantileOrNan([&] { return quantile(complement(ChiSquared(n), x[0])); });
 }
 
 constexpr FunctionRow table[] = {

@@ -27,8 +27,9 @@ Value confidenceStudent(Call&, Arguments arguments) {
     if (alpha <= 0 || alpha >= 1 || deviation <= 0 || size < 1) {
         return ErrorCode::Num;
     }
-    return size == 1 ? Value(ErrorCode::Div0)
-                     : Value(-quantile(StudentsT(size - 1), alpha / 2) * deviation / std::sqrt(size));
+    return size == 1 ? Value(ErrorCode::Div0) : Value(-quantileOrNan([&] {
+        return quantile(StudentsT(size - 1), alpha / 2);
+    }) * deviation / std::sqrt(size));
 }
 
 double count(Sample sample) { return static_cast<double>(sample.size()); }

@@ -1,8 +1,16 @@
 // Boost.Math's laws with the accuracy and the error handling that worksheet functions want, and rows of their tables.
 #pragma once
 
-#include <boost/math/distributions.hpp>
+#include <boost/math/distributions/beta.hpp>
+#include <boost/math/distributions/binomial.hpp>
+#include <boost/math/distributions/chi_squared.hpp>
+#include <boost/math/distributions/fisher_f.hpp>
+#include <boost/math/distributions/gamma.hpp>
+#include <boost/math/distributions/negative_binomial.hpp>
+#include <boost/math/distributions/poisson.hpp>
+#include <boost/math/distributions/students_t.hpp>
 #include <cmath>
+#include <exception>
 #include <limits>
 
 #include "workbook/function_api.h"
@@ -34,6 +42,17 @@ constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 /// Degrees of freedom as they are taken: without their fraction, from 1 to 10^10; NaN otherwise.
 inline double degreesOfFreedom(double n) { return n >= 1 && n <= 1e10 ? std::trunc(n) : nan; }
+
+/// The quantile that `compute` finds; NaN where the iteration inside finds none (it reports that by an exception,
+/// whatever the policy says).
+template <class Compute>
+double quantileOrNan(Compute&& compute) {
+    try {
+        return compute();
+    } catch (const std::exception&) {
+        return nan;
+    }
+}
 
 inline bool isProbability(double p) { return p >= 0 && p <= 1; }
 

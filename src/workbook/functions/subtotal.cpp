@@ -1,4 +1,4 @@
-// SUBTOTAL and AGGREGATE: a statistic of the visible cells, without the subtotals among them.
+// SUBTOTAL and AGGREGATE: a statistic of visible cells, without the subtotals among them.
 #include <cmath>
 #include <optional>
 
@@ -11,50 +11,58 @@ namespace {
 
 struct Leaving {
     bool subtotals = true;  ///< cells whose formula SUBTOTAL or AGGREGATE heads are left out
-    bool hiddenRows = false;
+    bool filteredRows = false;
+    bool hiddenRows = false;  ///< by a filter or by hand
     bool errors = false;
 };
 
-/// The numbers that remain of the references, and how many cells hold anything.
+/// What remains of the arguments.
 struct Collected {
     std::vector<double> numbers;
-    std::int64_t filled = 0;
-};
-
-Result<Collected> collect(const Call& call, Arguments arguments, Leaving leaving) {
-    Collected collected;
+    std::int64_t filled = 0;  ///< cells that hold anything, errors too
     std::optional<ErrorCode> error;
-    const auto take = [&](const Value& value) {
-        if (value.isError() && leaving.errors) {
-            return true;
+
+    void take(const Value& value, Leaving leaving) {
+        if (value.isBlank() || (value.isError() && leaving.errors)) {
+            return;
         }
-        collected.filled += value.isBlank() ? 0 : 1;
+        ++filled;
         if (value.isNumber()) {
-            collected.numbers.push_back(value.number());
-        } else if (value.isError()) {
+            numbers.push_back(value.number());
+        } else if (value.isError() && !error) {
             error = value.error();
         }
-        return !error;
-    };
+    }
+};
+
+Collected collect(const Call& call, Arguments arguments, Leaving leaving) {
+    Collected collected;
     for (const Argument& argument : arguments) {
         if (!argument.value.isReference()) {
-            argument.grid(call).forEach([&](const Value& value, int, int) -> bool { return take(value); });
+            argument.grid(call).forEach([&](const Value& value, int, int) { collected.take(value, leaving); });
             continue;
         }
         for (const Area& area : argument.value.areas()) {
             const SheetIndex& sheet = call.cells.sheet(area.sheet);
-            call.cells.forEachSlot(area, [&](int row, int, Slot slot) -> bool {
-                const bool leave =
-                    (leaving.subtotals && call.cells.isSubtotal(slot)) || (leaving.hiddenRows && sheet.hidden(row));
-                return leave || take(call.cells.get(slot));
+            call.cells.forEachSlot(area, [&](int row, int, Slot slot) {
+                const bool leave = (leaving.subtotals && call.cells.isSubtotal(slot)) ||
+                                   (leaving.hiddenRows && sheet.hidden(row)) ||
+                                   (leaving.filteredRows && sheet.filtered(row));
+                if (!leave) {
+                    collected.take(call.cells.get(slot), leaving);
+                }
             });
         }
     }
-    return error ? Result<Collected>(*error) : Result<Collected>(std::move(collected));
+    return collected;
 }
 
 /// The functions 1 to 13 that both share (SUBTOTAL has the first 11).
 Value summarize(int function, const Collected& collected) {
+    const bool countsOnly = function == 2 || function == 3;
+    if (collected.error && !countsOnly) {
+        return *collected.error;
+    }
     const Sample sample = collected.numbers;
     switch (function) {
         case 1:
@@ -88,32 +96,7 @@ Value summarize(int function, const Collected& collected) {
     }
 }
 
-/// COUNT and COUNTA do not see errors as errors.
-bool countsOnly(int function) { return function == 2 || function == 3; }
-
-Result<Collected> collectFor(const Call& call, int function, Arguments arguments, Leaving leaving) {
-    if (!countsOnly(function) || leaving.errors) {
-        return collect(call, arguments, leaving);
-    }
-    Leaving withoutErrors = leaving;
-    withoutErrors.errors = true;
-    auto collected = collect(call, arguments, withoutErrors);
-    if (collected && function == 3) {
-        for (const Argument& argument : arguments) {
-            for (const Area& area : argument.value.areas()) {
-                const SheetIndex& sheet = call.cells.sheet(area.sheet);
-                call.cells.forEachSlot(area, [&](int row, int, Slot slot) {
-                    const bool leave =
-                        (leaving.subtotals && call.cells.isSubtotal(slot)) || (leaving.hiddenRows && sheet.hidden(row));
-                    collected->filled += !leave && call.cells.get(slot).isError() ? 1 : 0;
-                });
-            }
-        }
-    }
-    return collected;
-}
-
-/// SUBTOTAL(function, references): 101 to 111 leave hidden rows out, 1 to 11 do not.
+/// SUBTOTAL(function, references): 1 to 11 leave out the rows that a filter hides, 101 to 111 every hidden row.
 Value subtotal(Call& call, Arguments arguments) {
     const double chosen = std::trunc(arguments[0].number());
     const bool visibleOnly = chosen > 100;
@@ -121,9 +104,8 @@ Value subtotal(Call& call, Arguments arguments) {
     if (function < 1 || function > 11) {
         return ErrorCode::Value;
     }
-    const auto collected =
-        collectFor(call, static_cast<int>(function), arguments.subspan(1), {.hiddenRows = visibleOnly});
-    return collected ? summarize(static_cast<int>(function), *collected) : Value(collected.error());
+    return summarize(static_cast<int>(function),
+                     collect(call, arguments.subspan(1), {.filteredRows = true, .hiddenRows = visibleOnly}));
 }
 
 /// The functions 14 to 19 of AGGREGATE, with their parameter.
@@ -159,20 +141,19 @@ Value aggregate(Call& call, Arguments arguments) {
         if (arguments.size() != 4) {
             return ErrorCode::Value;
         }
-        const auto collected = collect(call, arguments.subspan(2, 1), leaving);
+        const Collected collected = collect(call, arguments.subspan(2, 1), leaving);
         const auto k = toNumber(arguments[3].scalar(call), call.date1904);
-        if (!collected || !k) {
-            return collected ? k.error() : collected.error();
+        if (collected.error || !k) {
+            return collected.error ? *collected.error : k.error();
         }
-        return orderStatistic(static_cast<int>(function), collected->numbers, *k);
+        return orderStatistic(static_cast<int>(function), collected.numbers, *k);
     }
     for (const Argument& argument : arguments.subspan(2)) {
         if (!argument.value.isReference()) {
             return argument.value.isError() ? argument.value : Value(ErrorCode::Value);
         }
     }
-    const auto collected = collectFor(call, static_cast<int>(function), arguments.subspan(2), leaving);
-    return collected ? summarize(static_cast<int>(function), *collected) : Value(collected.error());
+    return summarize(static_cast<int>(function), collect(call, arguments.subspan(2), leaving));
 }
 
 constexpr FunctionRow table[] = {
