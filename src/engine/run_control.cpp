@@ -3,6 +3,7 @@
 #include "common/guarded.h"
 #include "engine/inner_calls.h"
 #include "engine/run_state.h"
+#include "numerics/laws.h"
 #include "numerics/uniforms.h"
 #include "quorva/front_end.h"
 
@@ -66,6 +67,8 @@ using namespace quorva;
 void Cpp_SimReset(int* mioSeed, HostBool miSeedInit, int* moSeed) {
     guarded([&] {
         resetSeed(mioSeed, miSeedInit, moSeed);
+        // Quantile tables are built by use: a run starts without any, so that one seed gives one run.
+        useQuantileTables(true);
         run.sampling.inbuckets = 0;
         run.correlation.UseCorr = hostFalse;
         run.correlation.nCorr = 0;

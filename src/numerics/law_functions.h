@@ -31,7 +31,16 @@ struct LawFunctions {
     Support (*support)(const LawParameters&);
     double (*cdf)(double x, const LawParameters&);
     double (*quantile)(double u, const LawParameters&);
+    /// Discrete laws: the largest u whose quantile is at most the integer k of the support.
+    double (*largestProbability)(double k, const LawParameters&) = nullptr;
 };
+
+/// Quantile of the law itself, without tables; see InvCDFFunction.
+double directQuantile(int law, double u, const LawParameters& parameters);
+/// The law of an index; null for an index that no law has.
+const LawFunctions* findLaw(int law);
+/// The support at these parameters; not defined for NaN or infinite ones.
+Support supportOf(const LawFunctions& law, const LawParameters& parameters);
 
 namespace laws {
 // Families; each is defined in the file of its name.

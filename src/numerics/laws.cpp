@@ -5,6 +5,7 @@
 
 #include "numerics/boost_policy.h"
 #include "numerics/law_functions.h"
+#include "numerics/quantile_cache.h"
 
 namespace quorva {
 namespace {
@@ -50,13 +51,16 @@ constexpr std::array<const LawFunctions*, 35> functionsOf{{
     &laws::arcsine,
 }};
 
-const LawFunctions* find(int law) {
+}  // namespace
+
+const LawFunctions* findLaw(int law) {
     return law >= 0 && law < static_cast<int>(functionsOf.size()) ? functionsOf[static_cast<std::size_t>(law)]
                                                                   : nullptr;
 }
 
 Support supportOf(const LawFunctions& law, const LawParameters& parameters) {
-    for (int i = 0; i < 4; ++i) {
+    const bool allFinite = std::isfinite(parameters[0] + parameters[1] + parameters[2] + parameters[3]);
+    for (int i = 0; !allFinite && i < 4; ++i) {
         const double value = parameters[static_cast<std::size_t>(i)];
         if (std::isnan(value) || (i < law.parameters && std::isinf(value))) {
             return noLaw;
@@ -65,10 +69,8 @@ Support supportOf(const LawFunctions& law, const LawParameters& parameters) {
     return law.support(parameters);
 }
 
-}  // namespace
-
 double CDFFunction(int law, double x, double p1, double p2, double p3, double p4) {
-    const LawFunctions* functions = find(law);
+    const LawFunctions* functions = findLaw(law);
     if (functions == nullptr || std::isnan(x)) {
         return nan;
     }
@@ -87,12 +89,11 @@ double CDFFunction(int law, double x, double p1, double p2, double p3, double p4
     return f < 0 ? 0 : f > 1 ? 1 : f;
 }
 
-double InvCDFFunction(int law, double u, double p1, double p2, double p3, double p4) {
-    const LawFunctions* functions = find(law);
+double directQuantile(int law, double u, const LawParameters& parameters) {
+    const LawFunctions* functions = findLaw(law);
     if (functions == nullptr || !(u >= 0 && u <= 1)) {
         return nan;
     }
-    const LawParameters parameters{p1, p2, p3, p4};
     const Support support = supportOf(*functions, parameters);
     if (!support.defined) {
         return nan;
@@ -105,6 +106,12 @@ double InvCDFFunction(int law, double u, double p1, double p2, double p3, double
     }
     const double x = functions->quantile(u, parameters);
     return x < support.lower ? support.lower : x > support.upper ? support.upper : x;
+}
+
+double InvCDFFunction(int law, double u, double p1, double p2, double p3, double p4) {
+    const LawParameters parameters{p1, p2, p3, p4};
+    const double x = tabulatedQuantile(law, u, parameters);
+    return std::isnan(x) ? directQuantile(law, u, parameters) : x;
 }
 
 double GammaF(double x) {

@@ -35,6 +35,18 @@ bool reaches(const Tails& tails, double u) {
     return 1 - u > closeToOne ? static_cast<double>(tails.lower) >= u : tails.upper <= 1 - u;
 }
 
+/// The largest u that these tails reach: next to the distribution function, to the last bit.
+double largestReached(const Tails& tails) {
+    double u = tails.upper <= 0 ? 1.0 : std::min(static_cast<double>(tails.lower), 1.0);
+    while (u > 0 && !reaches(tails, u)) {
+        u = std::nextafter(u, 0.0);
+    }
+    while (u < 1 && reaches(tails, std::nextafter(u, 2.0))) {
+        u = std::nextafter(u, 2.0);
+    }
+    return u;
+}
+
 /// The smallest integer that reaches u: from a normal guess corrected for skewness, steps that double until the answer
 /// is enclosed, then bisection.
 template <class TailsAt>
@@ -150,11 +162,16 @@ double uniformQuantile(double u, const LawParameters& p) {
 }  // namespace
 
 constinit const LawFunctions binomial{
-    2, true, binomialSupport,
-    [](double x, const LawParameters& p) { return static_cast<double>(binomialTails(x, p).lower); }, binomialQuantile};
+    2,
+    true,
+    binomialSupport,
+    [](double x, const LawParameters& p) { return static_cast<double>(binomialTails(x, p).lower); },
+    binomialQuantile,
+    [](double k, const LawParameters& p) { return k >= p[0] ? 1.0 : largestReached(binomialTails(k, p)); }};
 
 constinit const LawFunctions negativeBinomial1{
-    2, true,
+    2,
+    true,
     [](const LawParameters& p) {
         return definedIf(p[0] > 0 && p[1] > 0 && p[1] <= 1, p[1] == 1 ? pointMass(0) : from(0));
     },
@@ -163,28 +180,42 @@ constinit const LawFunctions negativeBinomial1{
     },
     [](double u, const LawParameters& p) {
         return negativeBinomialQuantile(u, p[0], p[1], 1 - static_cast<Extended>(p[1]));
+    },
+    [](double k, const LawParameters& p) {
+        return largestReached(negativeBinomialTails(k, p[0], p[1], 1 - static_cast<Extended>(p[1])));
     }};
 
 constinit const LawFunctions negativeBinomial2{
-    2, true,
+    2,
+    true,
     [](const LawParameters& p) { return definedIf(p[0] > 0 && p[1] >= 0, p[1] == 0 ? pointMass(0) : from(0)); },
     [](double x, const LawParameters& p) {
         return static_cast<double>(negativeBinomialTails(x, p[0], success2(p), failure2(p)).lower);
     },
-    [](double u, const LawParameters& p) { return negativeBinomialQuantile(u, p[0], success2(p), failure2(p)); }};
+    [](double u, const LawParameters& p) { return negativeBinomialQuantile(u, p[0], success2(p), failure2(p)); },
+    [](double k, const LawParameters& p) {
+        return largestReached(negativeBinomialTails(k, p[0], success2(p), failure2(p)));
+    }};
 
 constinit const LawFunctions poisson{
-    1, true, [](const LawParameters& p) { return definedIf(p[0] >= 0, p[0] == 0 ? pointMass(0) : from(0)); },
+    1,
+    true,
+    [](const LawParameters& p) { return definedIf(p[0] >= 0, p[0] == 0 ? pointMass(0) : from(0)); },
     [](double x, const LawParameters& p) { return static_cast<double>(poissonTails(x, p).lower); },
     [](double u, const LawParameters& p) {
         const double deviation = std::sqrt(p[0]);
         const Shape shape{p[0], deviation, std::min(1 / deviation, 3.0), 0, infinite};
         return smallestReaching(u, shape, [&p](double k) { return poissonTails(k, p); });
-    }};
+    },
+    [](double k, const LawParameters& p) { return largestReached(poissonTails(k, p)); }};
 
 constinit const LawFunctions uniformDiscrete{
-    2, true, uniformSupport,
-    [](double x, const LawParameters& p) { return static_cast<double>(uniformTails(x, p).lower); }, uniformQuantile};
+    2,
+    true,
+    uniformSupport,
+    [](double x, const LawParameters& p) { return static_cast<double>(uniformTails(x, p).lower); },
+    uniformQuantile,
+    [](double k, const LawParameters& p) { return largestReached(uniformTails(k, p)); }};
 
 constinit const LawFunctions bernoulli{
     1, true,

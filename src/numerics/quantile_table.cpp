@@ -48,8 +48,9 @@ InterpolatedQuantile::InterpolatedQuantile(const TabulatedLaw& law) : coefficien
     };
     int reached = 0;
     for (const bool lower : {true, false}) {
-        const auto& probability = lower ? law.cdf : law.complement;
-        const auto& quantile = lower ? law.quantile : law.quantileComplement;
+        // The upper half is the same curve seen from 1: boundaries have few bits, so 1 - v is exact.
+        const auto probability = [&](double x) { return lower ? law.cdf(x) : 1.0 - law.cdf(x); };
+        const auto quantile = [&](double v) { return law.quantile(lower ? v : 1.0 - v); };
         double left = quantile(boundary(0));
         for (std::uint64_t interval = 0; interval < intervals; ++interval) {
             const double a = boundary(interval);
@@ -86,47 +87,24 @@ InterpolatedQuantile::InterpolatedQuantile(const TabulatedLaw& law) : coefficien
     coverage_ = static_cast<double>(reached) / static_cast<double>(2 * intervals);
 }
 
-SteppedQuantile::SteppedQuantile(const TabulatedLaw& law) {
-    constexpr double tail = 0x1p-20;
-    constexpr double maximumSteps = 4096;
-    const double first = law.quantile(tail);
-    const double last = law.quantileComplement(tail);
-    if (!(last - first < maximumSteps)) {
-        return;
-    }
-    std::vector<double> thresholds;
+SteppedQuantile::SteppedQuantile(double first, double last, double floor,
+                                 const std::function<double(double)>& largestProbability)
+    : first_(first), floor_(floor) {
     for (double k = first; k <= last; ++k) {
-        // The largest u whose quantile is k: the distribution function there, give or take its rounding.
-        double u = std::min(law.cdf(k), 1.0);
-        int moves = 0;
-        while (law.quantile(u) > k && moves < 64) {
-            u = std::nextafter(u, 0.0);
-            ++moves;
-        }
-        while (u < 1.0 && law.quantile(std::nextafter(u, 2.0)) <= k && moves < 64) {
-            u = std::nextafter(u, 2.0);
-            ++moves;
-        }
-        if (moves >= 64 || law.quantile(u) != k || (!thresholds.empty() && !(u > thresholds.back()))) {
-            return;
-        }
-        thresholds.push_back(u);
+        thresholds_.push_back(largestProbability(k));
     }
-    first_ = first;
-    floor_ = tail;
-    const std::size_t entries = 2 * thresholds.size();
+    const std::size_t entries = 2 * thresholds_.size();
     guideScale_ = static_cast<double>(entries);
     guide_.resize(entries + 1);
     std::uint32_t step = 0;
     for (std::size_t i = 0; i <= entries; ++i) {
         // One entry early, so that no rounding of the product leads past the step.
         const double from = (static_cast<double>(i) - 1.0) / guideScale_;
-        while (step + 1 < thresholds.size() && thresholds[step] < from) {
+        while (step + 1 < thresholds_.size() && thresholds_[step] < from) {
             ++step;
         }
         guide_[i] = step;
     }
-    thresholds_ = std::move(thresholds);
 }
 
 }  // namespace quorva

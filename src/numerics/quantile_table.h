@@ -8,12 +8,10 @@
 
 namespace quorva {
 
-/// One law with fixed parameters, seen from both ends.
+/// One continuous law with fixed parameters.
 struct TabulatedLaw {
-    std::function<double(double)> cdf;                 ///< P(X <= x)
-    std::function<double(double)> complement;          ///< P(X > x)
-    std::function<double(double)> quantile;            ///< of a lower-tail probability
-    std::function<double(double)> quantileComplement;  ///< of an upper-tail probability
+    std::function<double(double)> cdf;       ///< P(X <= x)
+    std::function<double(double)> quantile;  ///< of a probability in (0, 1)
 };
 
 /// The quantile of a continuous law as polynomials, after Derflinger, Hoermann and Leydold, "Random variate generation
@@ -63,14 +61,15 @@ private:
 };
 
 /// The quantile of a law on the integers as a table of the probabilities at which it steps, found through a guide of
-/// equally spaced probabilities (Chen and Asau, 1974). Agrees with the law's own quantile for every u.
+/// equally spaced probabilities (Chen and Asau, 1974). Exact: it is the law's own quantile for every u.
 class SteppedQuantile {
 public:
-    /// `complete()` is false, and nothing may be asked, where the law needs more than 4096 steps between its 2^-20
-    /// tails or its quantile and distribution function do not agree on where a step lies.
-    explicit SteppedQuantile(const TabulatedLaw& law);
+    static constexpr double tail = 0x1p-20;       ///< the table spans the probabilities between its tails
+    static constexpr double maximumSteps = 4096;  ///< wider laws have no table
 
-    bool complete() const { return !thresholds_.empty(); }
+    /// A table of the integers first..last; `largestProbability(k)` is the largest u whose quantile is at most k.
+    /// The table answers for u above `floor`, whose quantile must be `first`.
+    SteppedQuantile(double first, double last, double floor, const std::function<double(double)>& largestProbability);
 
     /// The quantile, or NaN in the outer tails.
     double operator()(double u) const {
@@ -85,9 +84,9 @@ public:
     }
 
 private:
-    double first_ = 0.0;              // value of step 0
-    double floor_ = 0.0;              // step 0 holds for u above this
-    double guideScale_ = 0.0;         // guide entries per unit of probability
+    double first_;                    // value of step 0
+    double floor_;                    // step 0 holds for u above this
+    double guideScale_;               // guide entries per unit of probability
     std::vector<double> thresholds_;  // the largest u of each step
     std::vector<std::uint32_t> guide_;
 };

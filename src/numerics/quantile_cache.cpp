@@ -1,0 +1,239 @@
+#include "numerics/quantile_cache.h"
+
+#include <array>
+#include <atomic>
+#include <bit>
+#include <cmath>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "numerics/laws.h"
+#include "numerics/quantile_table.h"
+
+namespace quorva {
+namespace {
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+/// Law indices (identifier - 1).
+enum Index : int {
+    chiSquare = 4,
+    exponential = 5,
+    gumbel = 7,
+    fisherTippett1 = 8,
+    fisherTippett2 = 9,
+    gamma1 = 10,
+    gamma2 = 11,
+    gamma3 = 12,
+    normal = 14,
+    normalStd = 15,
+    uniform = 19,
+    weibull1 = 20,
+    weibull2 = 21,
+    weibull3 = 22,
+    erlang = 24,
+    logistic = 27,
+    bernoulli = 31
+};
+
+/// A law as location + scale times a law of the same shape.
+struct Standardised {
+    int law;
+    double p1, p2, p3, p4;
+    double location = 0.0;
+    double scale = 1.0;
+
+    LawParameters shape() const { return {p1, p2, p3, p4}; }
+};
+
+/// A scale that is not positive, or a location that is not finite, makes the result NaN or leads to a law whose
+/// quantile is asked directly.
+inline Standardised standardise(int law, const LawParameters& p) {
+    switch (law) {
+        case normal:
+            return {normalStd, 0, 0, 0, 0, p[0], p[1]};
+        case exponential:
+            return {exponential, 1, 0, 0, 0, 0, 1 / p[0]};
+        case logistic:
+            return {logistic, 0, 1, 0, 0, p[0], p[1]};
+        case fisherTippett1:
+            return {gumbel, 0, 0, 0, 0, 0, p[0]};
+        case fisherTippett2:
+            return {gumbel, 0, 0, 0, 0, p[1], p[0]};
+        case chiSquare:
+            return {gamma1, p[0] / 2, 0, 0, 0, 0, 2};
+        case gamma2:
+            return {gamma1, p[0], 0, 0, 0, 0, p[1]};
+        case gamma3:
+            return {gamma1, p[0], 0, 0, 0, p[2], p[1]};
+        case erlang:
+            return {gamma1, p[0], 0, 0, 0, 0, 1 / p[1]};
+        case weibull2:
+            return {weibull1, p[0], 0, 0, 0, 0, p[1]};
+        case weibull3:
+            return {weibull1, p[0], 0, 0, 0, p[2], p[1]};
+        case gumbel:
+        case normalStd:
+            return {law, 0, 0, 0, 0};
+        default:
+            return {law, p[0], p[1], p[2], p[3]};
+    }
+}
+
+/// A law and shape with its table; never changed once it can be seen.
+struct Entry {
+    int law;
+    double p1, p2, p3, p4;
+    std::optional<InterpolatedQuantile> interpolated;
+    std::optional<SteppedQuantile> stepped;
+
+    bool is(const Standardised& wanted) const {
+        return law == wanted.law && p1 == wanted.p1 && p2 == wanted.p2 && p3 == wanted.p3 && p4 == wanted.p4;
+    }
+    double quantile(double u) const { return interpolated ? (*interpolated)(u) : stepped ? (*stepped)(u) : nan; }
+};
+
+/// Calls of one law and shape before its table is built: the table costs about a thousand quantiles.
+constexpr std::uint32_t sustainedUse = 400;
+constexpr std::size_t slots = 4096;
+constexpr std::size_t maximumTables = 2048;
+constexpr double worthwhileCoverage = 0.8;
+constexpr std::uint64_t fingerprintMask = ~std::uint64_t{0xFFFF};
+
+struct Slot {
+    std::atomic<const Entry*> entry{nullptr};
+    /// Calls of the law and shape whose fingerprint stands in the upper bits, while it has no table.
+    std::atomic<std::uint64_t> asked{0};
+};
+
+/// A law whose parameters change with every call gains nothing: after this many calls in a row that met neither a
+/// table nor their own count, only one call in `skippedCalls` looks again.
+constexpr std::uint32_t patience = 64;
+constexpr std::uint32_t skippedCalls = 32;
+constexpr std::size_t lawCount = 35;
+
+struct Cache {
+    std::atomic<bool> on{true};
+    std::array<std::atomic<std::uint32_t>, lawCount> strangers{};  ///< such calls in a row, by law index
+    std::array<Slot, slots> table;
+    std::mutex building;
+    std::vector<std::unique_ptr<const Entry>> entries;
+};
+
+constinit Cache cache;
+
+inline std::uint64_t hashOf(const Standardised& law) {
+    const auto mixed = std::bit_cast<std::uint64_t>(law.p1) * 0x9E3779B97F4A7C15 +
+                       std::bit_cast<std::uint64_t>(law.p2) * 0xC2B2AE3D27D4EB4F +
+                       std::bit_cast<std::uint64_t>(law.p3) * 0x165667B19E3779F9 +
+                       std::bit_cast<std::uint64_t>(law.p4) * 0xD6E8FEB86659FD93 +
+                       static_cast<std::uint64_t>(law.law) * 0xFF51AFD7ED558CCD;
+    return mixed ^ (mixed >> 32);
+}
+
+std::optional<SteppedQuantile> stepsOf(const LawFunctions& functions, const Support& support,
+                                       const LawParameters& shape) {
+    const double first = functions.quantile(SteppedQuantile::tail, shape);
+    const double last = functions.quantile(1.0 - SteppedQuantile::tail, shape);
+    if (!(last - first < SteppedQuantile::maximumSteps)) {
+        return std::nullopt;
+    }
+    const double floor = first > support.lower ? functions.largestProbability(first - 1, shape) : 0.0;
+    return SteppedQuantile(first, last, floor,
+                           [&](double k) { return k >= support.upper ? 1.0 : functions.largestProbability(k, shape); });
+}
+
+std::unique_ptr<Entry> build(const Standardised& law) {
+    auto entry = std::make_unique<Entry>(Entry{law.law, law.p1, law.p2, law.p3, law.p4, {}, {}});
+    const LawParameters shape = law.shape();
+    const LawFunctions* functions = findLaw(law.law);
+    const Support support = functions ? supportOf(*functions, shape) : noLaw;
+    if (!support.defined || support.lower == support.upper) {
+        return entry;
+    }
+    if (functions->discrete) {
+        entry->stepped = stepsOf(*functions, support, shape);
+        return entry;
+    }
+    entry->interpolated.emplace(
+        TabulatedLaw{[&](double x) { return CDFFunction(law.law, x, shape[0], shape[1], shape[2], shape[3]); },
+                     [&](double u) { return directQuantile(law.law, u, shape); }});
+    if (entry->interpolated->coverage() < worthwhileCoverage) {
+        entry->interpolated.reset();
+    }
+    return entry;
+}
+
+/// Counts a call of a law and shape without a table, and builds the table when it is due. A law that cannot have one
+/// gets an entry that says so.
+void count(Slot& slot, std::uint64_t fingerprint, const Standardised& law, std::atomic<std::uint32_t>& strangers) {
+    const std::uint64_t seen = slot.asked.load(std::memory_order_relaxed);
+    if ((seen & fingerprintMask) != fingerprint) {
+        slot.asked.store(fingerprint | 1, std::memory_order_relaxed);
+        strangers.store(strangers.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+        return;
+    }
+    strangers.store(0, std::memory_order_relaxed);
+    slot.asked.store(seen + 1, std::memory_order_relaxed);
+    if ((seen & ~fingerprintMask) + 1 < sustainedUse) {
+        return;
+    }
+    const std::lock_guard lock(cache.building);
+    if (slot.entry.load(std::memory_order_relaxed) == nullptr && cache.entries.size() < maximumTables) {
+        cache.entries.push_back(build(law));
+        slot.entry.store(cache.entries.back().get(), std::memory_order_release);
+    }
+    slot.asked.store(0, std::memory_order_relaxed);
+}
+
+}  // namespace
+
+double tabulatedQuantile(int law, double u, const LawParameters& p) {
+    if (law < 0 || law >= static_cast<int>(lawCount) || law == uniform || law == bernoulli ||
+        !std::isfinite(p[0] + p[1] + p[2] + p[3]) || !cache.on.load(std::memory_order_relaxed)) {
+        return nan;
+    }
+    auto& strangers = cache.strangers[static_cast<std::size_t>(law)];
+    const std::uint32_t inARow = strangers.load(std::memory_order_relaxed);
+    if (inARow >= patience) {
+        strangers.store(inARow + 1, std::memory_order_relaxed);
+        if (inARow % skippedCalls != 0) {
+            return nan;
+        }
+    }
+    const Standardised wanted = standardise(law, p);
+    if (!(wanted.scale > 0.0)) {
+        return nan;
+    }
+    const std::uint64_t hash = hashOf(wanted);
+    Slot& slot = cache.table[hash % slots];
+    const Entry* entry = slot.entry.load(std::memory_order_acquire);
+    if (entry == nullptr) {
+        count(slot, hash & fingerprintMask, wanted, strangers);
+        return nan;
+    }
+    if (!entry->is(wanted)) {
+        return nan;
+    }
+    if (inARow != 0) {
+        strangers.store(0, std::memory_order_relaxed);
+    }
+    return wanted.location + wanted.scale * entry->quantile(u);
+}
+
+void useQuantileTables(bool on) {
+    const std::lock_guard lock(cache.building);
+    for (Slot& slot : cache.table) {
+        slot.entry.store(nullptr, std::memory_order_relaxed);
+        slot.asked.store(0, std::memory_order_relaxed);
+    }
+    for (auto& inARow : cache.strangers) {
+        inARow.store(0, std::memory_order_relaxed);
+    }
+    cache.entries.clear();
+    cache.on.store(on, std::memory_order_relaxed);
+}
+
+}  // namespace quorva
