@@ -48,8 +48,7 @@ struct Standardised {
     LawParameters shape() const { return {p1, p2, p3, p4}; }
 };
 
-/// A scale that is not positive, or a location that is not finite, makes the result NaN or leads to a law whose
-/// quantile is asked directly.
+/// With a scale that is not positive and finite the law is asked directly.
 inline Standardised standardise(int law, const LawParameters& p) {
     switch (law) {
         case normal:
@@ -204,7 +203,7 @@ double tabulatedQuantile(int law, double u, const LawParameters& p) {
         }
     }
     const Standardised wanted = standardise(law, p);
-    if (!(wanted.scale > 0.0)) {
+    if (!(wanted.scale > 0.0 && wanted.scale <= std::numeric_limits<double>::max())) {
         return nan;
     }
     const std::uint64_t hash = hashOf(wanted);

@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cmath>
-#include <ctime>
 #include <limits>
 #include <vector>
 
@@ -17,10 +16,7 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr int lawCount = 35;
 
-bool slow(std::clock_t start) { return std::clock() - start > CLOCKS_PER_SEC / 20; }
-
 void check(int law, double x, const std::array<double, 4>& p) {
-    const auto start = std::clock();
     const double f = CDFFunction(law, x, p[0], p[1], p[2], p[3]);
     const auto where = [&] {
         return testing::Message() << "index " << law << " at " << x << " of (" << p[0] << ", " << p[1] << ", " << p[2]
@@ -35,7 +31,6 @@ void check(int law, double x, const std::array<double, 4>& p) {
     if (!std::isnan(x) && x >= 0 && x <= 1) {
         EXPECT_EQ(std::isnan(f), std::isnan(q)) << where() << ": F = " << f << ", Q = " << q;
     }
-    EXPECT_FALSE(slow(start)) << where();
 }
 
 TEST(LawsBadInput, NoCombinationOfOddArgumentsThrowsHangsOrLeavesTheUnitInterval) {
