@@ -6,7 +6,7 @@ Writes laws_cdf.txt      id p1 p2 p3 p4 x F(x)
 Inputs are doubles written exactly enough to be read back; results have 20 digits. The incomplete beta and gamma
 functions are summed here as series of positive terms and a continued fraction (Abramowitz and Stegun 26.5.4, 6.5.29,
 6.5.31), each on the side where it converges, so that no tail comes from a difference.
-Run: python3 laws.py [id ...]   (a few minutes)
+Run: python3 laws.py [id ...]   (half an hour)
 """
 import sys
 
@@ -203,8 +203,8 @@ def binomial_tails(k, n, p):
 
 
 DISCRETE = {
-    2: ([(1, 0.5), (10, 0.5), (10, 0.1), (50, 0.9), (100, 0.01), (1000, 0.3), (20, 1e-6), (20000, 0.75),
-         (1000000, 0.0001)], binomial_tails),
+    2: ([(1, 0.5), (10, 0.5), (10, 0.1), (50, 0.9), (100, 0.01), (1000, 0.3), (20, 1e-6), (20000, 0.75)],
+        binomial_tails),
     3: ([(1, 0.5), (0.5, 0.1), (10, 0.25), (3, 0.99), (100, 0.5), (2.5, 1e-3), (1000, 0.9), (40, 0.02)],
         lambda k, n, p: beta_tails(n, k + 1, p, 1 - p)),
     4: ([(1, 1), (0.5, 9), (10, 3), (3, 0.01), (100, 1), (2.5, 1e3), (1000, 0.125), (40, 49)],
