@@ -181,8 +181,8 @@ constexpr FunctionRow table[] = {
     row("FTEST", "AA", varianceTest),
     row("T.TEST", "AANN", studentTest),
     row("TTEST", "AANN", studentTest),
-    row("Z.TEST", "ANN", normalTest, 1),
-    row("ZTEST", "ANN", normalTest, 1),
+    row("Z.TEST", "RNN", normalTest, 1),
+    row("ZTEST", "RNN", normalTest, 1),
 };
 
 }  // namespace

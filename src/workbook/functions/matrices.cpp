@@ -142,43 +142,50 @@ Value transpose(Call& call, Arguments arguments) {
 
 /// Anything but a number counts as 0; the first error in the leftmost array that has one wins.
 Value sumProduct(Call& call, Arguments arguments) {
-    std::vector<Grid> grids;
+    const Grid first = arguments[0].grid(call);
+    // Beyond what one array uses every product is 0, but errors there count.
+    int rows = first.rows();
+    int columns = first.columns();
     for (const Argument& argument : arguments) {
         if (argument.value.isError()) {
             return argument.value;
         }
-        grids.push_back(argument.grid(call));
-        if (grids.back().rows() != grids[0].rows() || grids.back().columns() != grids[0].columns()) {
+        const Grid grid = argument.grid(call);
+        if (grid.rows() != first.rows() || grid.columns() != first.columns()) {
             return ErrorCode::Value;
         }
+        rows = std::min(rows, grid.usedRows());
+        columns = std::min(columns, grid.usedColumns());
     }
-    // Where one array ends, the others are multiplied by blanks, but their errors still count.
-    int rows = 0;
-    int columns = 0;
-    for (const Grid& grid : grids) {
-        rows = std::max(rows, grid.usedRows());
-        columns = std::max(columns, grid.usedColumns());
-    }
-    rows = std::min(rows, grids[0].rows());
-    columns = std::min(columns, grids[0].columns());
-    double total = 0;
-    std::optional<ErrorCode> error;
-    std::size_t errorGrid = grids.size();
-    for (int row = 0; row < rows; ++row) {
-        for (int column = 0; column < columns; ++column) {
-            double product = 1;
-            for (std::size_t i = 0; i < errorGrid; ++i) {
-                const Value value = grids[i].at(row, column);
-                if (value.isError()) {
-                    error = value.error();
-                    errorGrid = i;
-                }
-                product *= value.isNumber() ? value.number() : 0;
+    // Kept between calls, so that recalculations do not allocate.
+    thread_local std::vector<double> products;
+    thread_local std::vector<double> factors;
+    products.assign(static_cast<std::size_t>(rows) * columns, 1.0);
+    for (const Argument& argument : arguments) {
+        factors.assign(products.size(), 0.0);
+        std::optional<ErrorCode> error;
+        argument.grid(call).forEach([&](const Value& value, int row, int column) -> bool {
+            if (value.isError()) {
+                error = value.error();
+                return false;
             }
-            total += product;
+            if (value.isNumber() && row < rows && column < columns) {
+                factors[static_cast<std::size_t>(row) * columns + column] = value.number();
+            }
+            return true;
+        });
+        if (error) {
+            return *error;
+        }
+        for (std::size_t i = 0; i < products.size(); ++i) {
+            products[i] *= factors[i];
         }
     }
-    return error ? Value(*error) : Value(total);
+    double total = 0;
+    for (const double product : products) {
+        total += product;
+    }
+    return total;
 }
 
 constexpr FunctionRow table[] = {

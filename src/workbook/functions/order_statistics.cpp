@@ -154,25 +154,25 @@ constexpr FunctionRow many(std::string_view name, Function function) {
 }
 
 constexpr FunctionRow table[] = {
-    row("FREQUENCY", "AA", frequency),
-    row("LARGE", "AN", withParameter<largestOf>),
+    row("FREQUENCY", "RR", frequency),
+    row("LARGE", "RN", withParameter<largestOf>),
     many("MODE", mode),
     many("MODE.MULT", modes),
     many("MODE.SNGL", mode),
-    row("PERCENTILE", "AN", withParameter<percentileInclusive>),
-    row("PERCENTILE.EXC", "AN", withParameter<percentileExclusive>),
-    row("PERCENTILE.INC", "AN", withParameter<percentileInclusive>),
-    row("PERCENTRANK", "ANN", percentRank<Ranks::Inclusive>, 1),
-    row("PERCENTRANK.EXC", "ANN", percentRank<Ranks::Exclusive>, 1),
-    row("PERCENTRANK.INC", "ANN", percentRank<Ranks::Inclusive>, 1),
-    row("QUARTILE", "AN", withParameter<quartileInclusive>),
-    row("QUARTILE.EXC", "AN", withParameter<quartileExclusive>),
-    row("QUARTILE.INC", "AN", withParameter<quartileInclusive>),
+    row("PERCENTILE", "RN", withParameter<percentileInclusive>),
+    row("PERCENTILE.EXC", "RN", withParameter<percentileExclusive>),
+    row("PERCENTILE.INC", "RN", withParameter<percentileInclusive>),
+    row("PERCENTRANK", "RNN", percentRank<Ranks::Inclusive>, 1),
+    row("PERCENTRANK.EXC", "RNN", percentRank<Ranks::Exclusive>, 1),
+    row("PERCENTRANK.INC", "RNN", percentRank<Ranks::Inclusive>, 1),
+    row("QUARTILE", "RN", withParameter<quartileInclusive>),
+    row("QUARTILE.EXC", "RN", withParameter<quartileExclusive>),
+    row("QUARTILE.INC", "RN", withParameter<quartileInclusive>),
     row("RANK", "NFN", rank<false>, 1),
     row("RANK.AVG", "NFN", rank<true>, 1),
     row("RANK.EQ", "NFN", rank<false>, 1),
-    row("SMALL", "AN", withParameter<smallestOf>),
-    row("TRIMMEAN", "AN", withParameter<trimmedMean>),
+    row("SMALL", "RN", withParameter<smallestOf>),
+    row("TRIMMEAN", "RN", withParameter<trimmedMean>),
 };
 
 }  // namespace

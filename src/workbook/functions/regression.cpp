@@ -227,15 +227,15 @@ constexpr FunctionRow table[] = {
     row("COVARIANCE.S", "AA", ofPairs<sampleCovariance>),
     row("FORECAST", "NAA", forecast),
     row("FORECAST.LINEAR", "NAA", forecast),
-    row("GROWTH", "AAAB", fittedValues<true>, 3),
+    row("GROWTH", "RRRB", fittedValues<true>, 3),
     row("INTERCEPT", "AA", ofPairs<intercept>),
-    row("LINEST", "AABB", fitTable<false>, 3),
-    row("LOGEST", "AABB", fitTable<true>, 3),
+    row("LINEST", "RRBB", fitTable<false>, 3),
+    row("LOGEST", "RRBB", fitTable<true>, 3),
     row("PEARSON", "AA", ofPairs<correlation>),
     row("RSQ", "AA", ofPairs<determination>),
     row("SLOPE", "AA", ofPairs<slope>),
     row("STEYX", "AA", ofPairs<standardError>),
-    row("TREND", "AAAB", fittedValues<false>, 3),
+    row("TREND", "RRRB", fittedValues<false>, 3),
 };
 
 }  // namespace
