@@ -81,6 +81,9 @@ Value timeValue(Call& call, Arguments arguments) {
     return serial ? Value(*serial - std::floor(*serial)) : Value(ErrorCode::Value);
 }
 
+Value today(Call& call, Arguments) { return std::floor(call.now()); }
+Value now(Call& call, Arguments) { return call.now(); }
+
 Value edate(Call& call, Arguments arguments) {
     return fromResult(addMonths(arguments[0].number(), std::trunc(arguments[1].number()), call.date1904));
 }
@@ -382,6 +385,14 @@ constexpr FunctionRow numeric(std::string_view name, int args, NumericFunction f
     return {
         .name = name, .minArgs = args, .maxArgs = args, .kinds = "N", .category = Category::Date, .numeric = function};
 }
+constexpr FunctionRow clock(std::string_view name, Function function) {
+    return {.name = name,
+            .kinds = "",
+            .category = Category::Date,
+            .volatility = Volatility::Volatile,
+            .function = function};
+}
+
 constexpr FunctionRow table[] = {
     row("DATE", 3, 3, "N", date),
     row("DATEDIF", 3, 3, "NNT", dateDifference),
@@ -397,9 +408,11 @@ constexpr FunctionRow table[] = {
     row("MONTH", 1, 1, "N", month),
     row("NETWORKDAYS", 2, 3, "NNA", networkDays, true),
     row("NETWORKDAYS.INTL", 2, 4, "NNSA", networkDaysInternational),
+    clock("NOW", now),
     numeric("SECOND", 1, second),
     numeric("TIME", 3, time),
     row("TIMEVALUE", 1, 1, "S", timeValue),
+    clock("TODAY", today),
     row("WEEKDAY", 1, 2, "N", weekday),
     row("WEEKNUM", 1, 2, "N", weekNumber, true),
     row("WORKDAY", 2, 3, "NNA", workDay, true),
