@@ -78,7 +78,11 @@ Value dateValue(Call& call, Arguments arguments) {
 }
 Value timeValue(Call& call, Arguments arguments) {
     const auto serial = serialFromText(call, arguments[0]);
-    return serial ? Value(*serial - std::floor(*serial)) : Value(ErrorCode::Value);
+    // To the millisecond, which is what texts hold: the day in front of the time has taken its last digits.
+    constexpr double milliseconds = 86400000;
+    return serial ? Value(std::fmod(std::round((*serial - std::floor(*serial)) * milliseconds), milliseconds) /
+                          milliseconds)
+                  : Value(ErrorCode::Value);
 }
 
 Value today(Call& call, Arguments) { return std::floor(call.now()); }

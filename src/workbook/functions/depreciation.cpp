@@ -13,7 +13,10 @@ namespace {
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 double straightLine(const double* x, int) { return x[2] == 0 ? nan : (x[0] - x[1]) / x[2]; }
-Value straightLineValue(Call&, Arguments) { return ErrorCode::Div0; }  // for a life of 0
+Value straightLineValue(Call&, Arguments arguments) {
+    const double x[] = {arguments[0].number(), arguments[1].number(), arguments[2].number()};
+    return x[2] == 0 ? Value(ErrorCode::Div0) : Value(straightLine(x, 3));
+}
 
 double sumOfYears(const double* x, int) {
     const double life = x[2];

@@ -87,7 +87,8 @@ double periodCount(const double* x, int count) {
 double evenPrincipalInterest(const double* x, int) { return x[2] == 0 ? nan : x[3] * x[0] * (x[1] / x[2] - 1); }
 
 Value evenPrincipalInterestValue(Call&, Arguments arguments) {
-    return arguments[2].number() == 0 ? ErrorCode::Div0 : ErrorCode::Num;
+    const double x[] = {arguments[0].number(), arguments[1].number(), arguments[2].number(), arguments[3].number()};
+    return x[2] == 0 ? Value(ErrorCode::Div0) : Value(evenPrincipalInterest(x, 4));
 }
 
 /// What the annuity equation is off by at a rate, and its slope.
@@ -176,8 +177,11 @@ double rate(const double* x, int count) {
         return nan;
     }
     const auto balance = [&](double r) { return annuityBalance(r, n, x[1], x[2], future, type); };
-    const double found = newton(guess, -1, 60, balance);
-    return std::isnan(found) ? bracketAndBisect(guess, -1, [&](double r) { return balance(r).value; }) : found;
+    double found = newton(guess, -1, 60, balance);
+    if (std::isnan(found)) {
+        found = bracketAndBisect(guess, -1, [&](double r) { return balance(r).value; });
+    }
+    return found > -1 + 1e-9 ? found : nan;  // at -1 every payment is worth nothing: no rate
 }
 
 // ---- loans between two periods ----
