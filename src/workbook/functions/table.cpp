@@ -27,6 +27,7 @@ std::vector<const FunctionRow*> collectRows() {
                                textFunctions(),
                                textArrayFunctions(),
                                depreciationFunctions(),
+                               securityFunctions(),
                                engineeringFunctions(),
                                unitFunctions(),
                                complexFunctions(),
