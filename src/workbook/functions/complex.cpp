@@ -190,7 +190,7 @@ Complex cosecant(const Complex& z) { return reciprocal(std::sin(z)); }
 Complex hyperbolicCosecant(const Complex& z) { return reciprocal(std::sinh(z)); }
 Complex secant(const Complex& z) { return reciprocal(std::cos(z)); }
 Complex hyperbolicSecant(const Complex& z) { return reciprocal(std::cosh(z)); }
-Complex cotangent(const Complex& z) { return std::cos(z) * reciprocal(std::sin(z)); }
+Complex cotangent(const Complex& z) { return reciprocal(std::tan(z)); }
 Complex sine(const Complex& z) { return std::sin(z); }
 Complex cosine(const Complex& z) { return std::cos(z); }
 Complex tangent(const Complex& z) { return std::tan(z); }

@@ -60,21 +60,22 @@ Result<std::int64_t> readDecimal(const Call& call, const Argument& argument) {
                                      : ErrorCode::Num;
 }
 
-/// Writes a number in a base, padded to `places` digits when that argument is there. Negative numbers take ten digits
-/// whatever the places.
-Value writeDigits(const Call& call, std::int64_t number, Base base, Arguments arguments) {
-    double places = 0;
-    if (arguments.size() > 1 && !arguments[1].missing) {
-        const auto wanted = arguments[1].value.isBoolean() ? Result<double>(ErrorCode::Value)
-                                                           : toNumber(arguments[1].value, call.date1904);
-        if (!wanted) {
-            return wanted.error();
-        }
-        places = std::trunc(*wanted);
-        if (places < 1 || places > mostDigits) {
-            return ErrorCode::Num;
-        }
+/// The places of an argument list, 1 to 10; 0 when there are none.
+Result<int> readPlaces(const Call& call, Arguments arguments) {
+    if (arguments.size() < 2 || arguments[1].missing) {
+        return 0;
     }
+    const auto wanted =
+        arguments[1].value.isBoolean() ? Result<double>(ErrorCode::Value) : toNumber(arguments[1].value, call.date1904);
+    if (!wanted) {
+        return wanted.error();
+    }
+    const double places = std::trunc(*wanted);
+    return places >= 1 && places <= mostDigits ? Result<int>(static_cast<int>(places)) : ErrorCode::Num;
+}
+
+/// Writes a number in a base, padded to a count of digits. Negative numbers take ten digits whatever the places.
+Value writeDigits(std::int64_t number, Base base, int places) {
     if (number < -base.range() / 2 || number >= base.range() / 2) {
         return ErrorCode::Num;
     }
@@ -85,19 +86,26 @@ Value writeDigits(const Call& call, std::int64_t number, Base base, Arguments ar
         digits.insert(digits.begin(), "0123456789ABCDEF"[rest & ((1u << base.bits) - 1)]);
         rest >>= base.bits;
     } while (rest > 0);
+    const int count = static_cast<int>(digits.size());
     if (places == 0 || negative) {
         return digits;
     }
-    if (static_cast<double>(digits.size()) > places) {
-        return ErrorCode::Num;
+    return count > places ? Value(ErrorCode::Num)
+                          : Value(std::string(static_cast<std::size_t>(places - count), '0') + digits);
+}
+
+/// Wrong places win over a wrong number.
+Value writeDigits(const Call& call, const Result<std::int64_t>& number, Base base, Arguments arguments) {
+    const auto places = readPlaces(call, arguments);
+    if (!places) {
+        return places.error();
     }
-    return std::string(static_cast<std::size_t>(places) - digits.size(), '0') + digits;
+    return number ? writeDigits(*number, base, *places) : Value(number.error());
 }
 
 template <int fromBits, int toBits>
 Value convertDigits(Call& call, Arguments arguments) {
-    const auto number = readDigits(arguments[0], Base{fromBits});
-    return number ? writeDigits(call, *number, Base{toBits}, arguments) : Value(number.error());
+    return writeDigits(call, readDigits(arguments[0], Base{fromBits}), Base{toBits}, arguments);
 }
 template <int fromBits>
 Value toDecimal(Call&, Arguments arguments) {
@@ -106,8 +114,7 @@ Value toDecimal(Call&, Arguments arguments) {
 }
 template <int toBits>
 Value fromDecimal(Call& call, Arguments arguments) {
-    const auto number = readDecimal(call, arguments[0]);
-    return number ? writeDigits(call, *number, Base{toBits}, arguments) : Value(number.error());
+    return writeDigits(call, readDecimal(call, arguments[0]), Base{toBits}, arguments);
 }
 
 // ---- bits ----

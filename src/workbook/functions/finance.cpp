@@ -24,14 +24,16 @@ double numberOr(Arguments arguments, std::size_t index, double otherwise) {
 
 /// Payments due at the beginning of each period weigh 1 + r.
 double dueFactor(double rate, double type) { return type != 0 ? 1 + rate : 1; }
-double growth(double rate, double periods) { return std::pow(1 + rate, periods); }
-/// ((1 + r)^n - 1) / r; cancellation matters when n r is small.
+/// Through the logarithm of 1 + r, whose last digits a small rate would otherwise lose.
+double growth(double rate, double periods) {
+    return rate > -1 ? std::exp(periods * std::log1p(rate)) : std::pow(1 + rate, periods);
+}
+/// ((1 + r)^n - 1) / r
 double annuityFactor(double rate, double periods) {
     if (rate == 0) {
         return periods;
     }
-    return std::fabs(periods * rate) < 1e-3 && rate > -1 ? std::expm1(periods * std::log1p(rate)) / rate
-                                                         : (growth(rate, periods) - 1) / rate;
+    return (rate > -1 ? std::expm1(periods * std::log1p(rate)) : std::pow(1 + rate, periods) - 1) / rate;
 }
 
 double futureValueOf(double rate, double periods, double payment, double present, double type) {

@@ -82,8 +82,26 @@ int bisect(const Line& line, const Value& key, bool descending) {
 
 enum class Match { Exact, Wildcard, NextSmaller, NextLarger };
 
+/// The first (or the last) position without a value; a cell that does not exist is one.
+int scanForBlank(const Line& line, bool backwards) {
+    const int used = line.used();
+    if (backwards && used < line.size()) {
+        return line.size() - 1;
+    }
+    for (int i = 0; i < used; ++i) {
+        const int position = backwards ? used - 1 - i : i;
+        if (line.at(position).isBlank()) {
+            return position;
+        }
+    }
+    return used < line.size() ? used : -1;
+}
+
 /// Walks the line for an exact match, a pattern, or the nearest value on one side; the first (or the last) of equals.
 int scan(const Line& line, const Value& key, Match match, bool backwards) {
+    if (key.isBlank()) {
+        return scanForBlank(line, backwards);
+    }
     const bool pattern = match == Match::Wildcard && key.isText() && hasWildcard(key.text());
     const bool near = match == Match::NextSmaller || match == Match::NextLarger;
     int found = -1;
@@ -106,9 +124,6 @@ int scan(const Line& line, const Value& key, Match match, bool backwards) {
         }
         return true;
     });
-    if (found < 0 && key.isBlank() && line.used() < line.size()) {
-        return backwards ? line.size() - 1 : line.used();
-    }
     return found >= 0 ? found : nearest;
 }
 

@@ -393,18 +393,19 @@ Value billYield(Call& call, Arguments arguments) {
     return days ? Value((100 - arguments[2].number()) / arguments[2].number() * 360 / *days) : Value(days.error());
 }
 
-constexpr FunctionRow row(std::string_view name, int minArgs, int maxArgs, Function function) {
+constexpr FunctionRow row(std::string_view name, int minArgs, int maxArgs, Function function,
+                          std::string_view kinds = "N") {
     return {.name = name,
             .minArgs = minArgs,
             .maxArgs = maxArgs,
-            .kinds = "N",
+            .kinds = kinds,
             .category = Category::Finance,
             .function = function,
             .refusesRanges = true};
 }
 
 constexpr FunctionRow table[] = {
-    row("ACCRINT", 6, 8, accruedInterest),
+    row("ACCRINT", 6, 8, accruedInterest, "NNNNNNNB"),
     row("ACCRINTM", 3, 5, accruedAtMaturity),
     row("COUPDAYBS", 3, 4, couponElapsedDays),
     row("COUPDAYS", 3, 4, couponPeriodDays),
