@@ -232,7 +232,7 @@ void PrepareTor(int iDefCase, int iIntMeth, double ialpha, int inbrPts, int p, i
 
 /// The table of a pass, which ends with it.
 ///   TorT       nCases x nFields: a column for each input (distributions and scenario variables in field-number
-///              order), inbrPts rows for each result in the order of FieldInd's results; MissingValue where clamped
+///              order), inbrPts rows for each result in the order that ResInd gives; MissingValue where clamped
 ///   FieldInd   nFields: field number of each column
 ///   ResInd     N: order number of a field as a result, 0 for any other
 ///   FieldName  nFields: name of each column's field
