@@ -209,6 +209,20 @@ std::vector<FormulaCell> Book::formulas() const {
 
 void Book::set(const CellAddress& cell, const CellValue& value) { contents_->workings.set(cell, taken(value)); }
 void Book::recalculateAll() { contents_->workings.computeAll(); }
+
+void Book::attach() {
+    Workings& workings = contents_->workings;
+    workings.module = std::make_unique<ModuleLink>(workings);
+    workings.module->open();
+    workings.unprepare();
+}
+
+void Book::detach() {
+    contents_->workings.module.reset();
+    contents_->workings.unprepare();
+}
+
+void Book::seed(std::uint64_t seed) { contents_->workings.around.seedRandom(seed); }
 void Book::recalculate() { contents_->workings.recalculate(); }
 
 std::vector<CellAddress> Book::modelCells() const {

@@ -1,6 +1,7 @@
 // A workbook read, compiled and ready to be recalculated: the embedded host.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -101,6 +102,8 @@ public:
     /// One recalculation: every volatile and model cell and what depends on them, dependencies first. The first one
     /// prepares the program; throws Failure when the part that has to run has a cycle or something unsupported.
     void recalculate();
+    /// Starts the numbers of RAND and its kind; without it they start the same in every process.
+    void seed(std::uint64_t seed);
     /// Cells whose formula calls a model function, in calculation order.
     std::vector<CellAddress> modelCells() const;
 

@@ -77,6 +77,16 @@ double Surroundings::nextRandom() {
     return (static_cast<double>(result >> 12) + 0.5) * 0x1p-52;
 }
 
+void Surroundings::seedRandom(std::uint64_t seed) {
+    for (std::uint64_t& word : random) {  // splitmix64, as the generator's authors recommend
+        seed += 0x9E3779B97F4A7C15;
+        std::uint64_t z = seed;
+        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9;
+        z = (z ^ (z >> 27)) * 0x94D049BB133111EB;
+        word = z ^ (z >> 31);
+    }
+}
+
 double Call::random() const { return evaluator->around.nextRandom(); }
 double Call::now() const { return evaluator->around.now; }
 Value Call::invoke(const Value& lambda, std::span<const Value> arguments) const {

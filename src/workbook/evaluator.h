@@ -31,6 +31,7 @@ struct Surroundings {
     double now = 0;
 
     double nextRandom();
+    void seedRandom(std::uint64_t seed);
 };
 
 /// Variables of LET and LAMBDA, innermost first.

@@ -1,8 +1,8 @@
 // A workbook file as a package of parts: a zip archive with relationships between its members.
 #pragma once
 
-#include <pugixml.hpp>
 #include <zip.h>
+#include <pugixml.hpp>
 
 #include <string>
 #include <string_view>
