@@ -66,6 +66,18 @@ Slot CellStore::findOrAdd(int sheet, int row, int column) {
     return slot;
 }
 
+Slot CellStore::appendScratch(std::size_t count) {
+    const Slot first = slotCount();
+    numbers_.resize(numbers_.size() + count, std::numeric_limits<double>::quiet_NaN());
+    others_.resize(others_.size() + count);
+    return first;
+}
+
+void CellStore::truncate(Slot first) {
+    numbers_.resize(static_cast<std::size_t>(first));
+    others_.resize(static_cast<std::size_t>(first));
+}
+
 void CellStore::markSubtotal(Slot slot) {
     subtotals_.resize(numbers_.size());
     subtotals_[slot] = true;

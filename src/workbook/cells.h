@@ -77,6 +77,10 @@ public:
     bool isFormula(Slot slot) const { return static_cast<std::size_t>(slot) < formulas_.size() && formulas_[slot]; }
     void markFormula(Slot slot);
     double* numbers() { return numbers_.data(); }
+    /// Numbers behind the cells for a compiled program; the first one's slot.
+    Slot appendScratch(std::size_t count);
+    /// Gives up the slots from `first` on.
+    void truncate(Slot first);
 
     /// Calls visit(row, column, slot) for each existing cell of the area, row by row.
     template <class Visit>

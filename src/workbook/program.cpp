@@ -1,21 +1,340 @@
 #include "workbook/program.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "workbook/workings.h"
 
 namespace quorva::workbook {
 
-std::unique_ptr<Program> compileProgram(Workings& workings) {
-    auto program = std::make_unique<Program>();
-    for (const int index : workings.liveOrder) {
-        program->callsModel = program->callsModel || workings.formulas[static_cast<std::size_t>(index)].callsModel;
-        program->usesClock = true;
+namespace {
+
+bool finite(double x) { return std::isfinite(x); }
+
+/// Compared on 15 digits, as compareNumbers does.
+bool holds(Operator comparison, double a, double b) {
+    int order = a < b ? -1 : a > b ? 1 : 0;
+    if (order != 0 && !(std::fabs(a - b) > 1e-14 * std::max(std::fabs(a), std::fabs(b)))) {
+        order = compareNumbers(a, b);
     }
-    return program;
+    switch (comparison) {
+        case Operator::Equal:
+            return order == 0;
+        case Operator::Different:
+            return order != 0;
+        case Operator::Less:
+            return order < 0;
+        case Operator::LessOrEqual:
+            return order <= 0;
+        case Operator::Greater:
+            return order > 0;
+        default:
+            return order >= 0;
+    }
 }
 
-void runProgram(Workings& workings, Program&) {
-    for (const int index : workings.liveOrder) {
-        workings.computeLive(index);
+/// Runs instructions on the numbers of a book. Each method gives false when the cell has to be left to the evaluator.
+struct Machine {
+    Workings& workings;
+    Program& program;
+    double* m;
+    Call call;
+    const ModelSite* lastSite = nullptr;
+
+    bool callNumeric(const Instruction& code) {
+        const CompiledCall& compiled = program.calls[static_cast<std::size_t>(code.a)];
+        double arguments[8];
+        const int count = static_cast<int>(compiled.operands.size());
+        for (int i = 0; i < count; ++i) {
+            arguments[i] = m[compiled.operands[static_cast<std::size_t>(i)]];
+            if (!finite(arguments[i])) {
+                return false;
+            }
+        }
+        const double result = compiled.row->numeric(arguments, count);
+        m[code.target] = result;
+        return finite(result);
+    }
+
+    bool callRow(const Instruction& code) {
+        const CompiledCall& compiled = program.calls[static_cast<std::size_t>(code.a)];
+        Argument arguments[8];
+        for (std::size_t i = 0; i < compiled.operands.size(); ++i) {
+            arguments[i].value = Value(m[compiled.operands[i]]);
+            if (arguments[i].value.isError()) {
+                return false;
+            }
+        }
+        const Value result = compiled.row->function(call, {arguments, compiled.operands.size()});
+        m[code.target] = result.number();
+        return result.isNumber();
+    }
+
+    bool extreme(const Instruction& code, bool largest) {
+        double best = m[code.b];
+        for (const std::int32_t slot : program.lists[static_cast<std::size_t>(code.a)]) {
+            const double x = m[slot];
+            if (x != x) {
+                return false;
+            }
+            best = largest ? (x > best ? x : best) : (x < best ? x : best);
+        }
+        m[code.target] = best;
+        return true;
+    }
+
+    void sumProduct(const Instruction& code) {
+        const std::int32_t* slots = program.lists[static_cast<std::size_t>(code.a)].data();
+        double total = 0;
+        for (int i = 0; i < code.b; ++i) {
+            double product = m[slots[i]];
+            for (int k = 1; k < code.count; ++k) {
+                product *= m[slots[k * code.b + i]];
+            }
+            total += product;
+        }
+        m[code.target] = total;
+    }
+
+    bool presentValue(const Instruction& code) {
+        const double step = 1 + m[code.b];
+        if (step == 0 || !finite(step)) {
+            return false;
+        }
+        double discount = 1;
+        double total = 0;
+        for (const std::int32_t slot : program.lists[static_cast<std::size_t>(code.a)]) {
+            discount *= step;
+            total += m[slot] / discount;
+        }
+        m[code.target] = total;
+        return finite(discount) && discount != 0;
+    }
+
+    bool countIf(const Instruction& code) {
+        int count = 0;
+        const double bound = m[code.b];
+        for (const std::int32_t slot : program.lists[static_cast<std::size_t>(code.a)]) {
+            const double x = m[slot];
+            if (x != x) {
+                return false;
+            }
+            count += holds(code.comparison, x, bound) ? 1 : 0;
+        }
+        m[code.target] = count;
+        return true;
+    }
+
+    bool model(const Instruction& code) {
+        ModelSite& site = program.sites[static_cast<std::size_t>(code.a)];
+        Registered& function = *workings.module->function(site.function);
+        for (const auto& [position, slot] : site.operands) {
+            const double x = m[slot];
+            if (!finite(x) || std::fabs(x) >= 2147483648.0) {
+                if (!finite(x) || function.types[position + 1] == 'J') {
+                    return false;
+                }
+            }
+            HostArgument& argument = site.arguments[position];
+            argument.number = x;
+            argument.integer = std::fabs(x) < 2147483648.0 ? static_cast<int>(x) : 0;
+            argument.boolean = x != 0 ? 1 : 0;
+        }
+        const double result =
+            workings.module->call(function, site.arguments, site.cell.sheet, site.cell.row, site.cell.column);
+        m[code.target] = result;
+        if (!lastSite || lastSite->cell != site.cell) {
+            workings.module->replay.clear();
+        }
+        lastSite = &site;
+        workings.module->replay.emplace_back(site.node, result);
+        return finite(result);
+    }
+
+    /// Where the run stopped: at End, or behind an instruction that gave up (`gaveUp`).
+    std::size_t run(std::size_t at, bool& gaveUp);
+};
+
+std::size_t Machine::run(std::size_t at, bool& gaveUp) {
+    const Instruction* const code = program.instructions.data();
+    for (;; ++at) {
+        const Instruction& now = code[at];
+        bool fine = true;
+        switch (now.operation) {
+            case Operation::Add:
+                m[now.target] = m[now.a] + m[now.b];
+                break;
+            case Operation::Subtract:
+                m[now.target] = m[now.a] - m[now.b];
+                break;
+            case Operation::Multiply:
+                m[now.target] = m[now.a] * m[now.b];
+                break;
+            case Operation::Divide: {
+                const double divisor = m[now.b];
+                m[now.target] = m[now.a] / divisor;
+                fine = divisor != 0 && finite(divisor);
+                break;
+            }
+            case Operation::Power: {
+                const double base = m[now.a];
+                m[now.target] = std::pow(base, m[now.b]);
+                fine = base != 0 && finite(base) && finite(m[now.b]);
+                break;
+            }
+            case Operation::Negate:
+                m[now.target] = -m[now.a];
+                break;
+            case Operation::Percent:
+                m[now.target] = m[now.a] / 100;
+                break;
+            case Operation::AddToCell:
+            case Operation::SubtractToCell: {
+                const double b = m[now.b];
+                const double result = now.operation == Operation::AddToCell ? m[now.a] + b : m[now.a] - b;
+                // What vanishes on 15 digits is 0 there; the evaluator sees to that.
+                fine = finite(result) && (std::fabs(result) > 2e-15 * std::fabs(b) || result == 0);
+                if (fine) {
+                    m[now.target] = result;
+                }
+                break;
+            }
+            case Operation::MultiplyToCell: {
+                const double result = m[now.a] * m[now.b];
+                fine = finite(result);
+                if (fine) {
+                    m[now.target] = result;
+                }
+                break;
+            }
+            case Operation::Store:
+                fine = finite(m[now.a]);
+                if (fine) {
+                    m[now.target] = m[now.a];
+                }
+                break;
+            case Operation::Compare:
+                fine = finite(m[now.a]) && finite(m[now.b]);
+                m[now.target] = fine && holds(now.comparison, m[now.a], m[now.b]) ? 1 : 0;
+                break;
+            case Operation::And:
+            case Operation::Or: {
+                fine = finite(m[now.a]) && finite(m[now.b]);
+                const bool a = m[now.a] != 0;
+                const bool b = m[now.b] != 0;
+                m[now.target] = (now.operation == Operation::And ? a && b : a || b) ? 1 : 0;
+                break;
+            }
+            case Operation::Copy:
+                m[now.target] = m[now.a];
+                break;
+            case Operation::Jump:
+                at = static_cast<std::size_t>(now.b) - 1;
+                break;
+            case Operation::JumpUnless:
+                fine = finite(m[now.a]);
+                if (fine && m[now.a] == 0) {
+                    at = static_cast<std::size_t>(now.b) - 1;
+                }
+                break;
+            case Operation::Random:
+                m[now.target] = workings.around.nextRandom();
+                break;
+            case Operation::Call:
+                fine = callNumeric(now);
+                break;
+            case Operation::CallRow:
+                fine = callRow(now);
+                break;
+            case Operation::Sum: {
+                double total = m[now.b];
+                for (const std::int32_t slot : program.lists[static_cast<std::size_t>(now.a)]) {
+                    total += m[slot];
+                }
+                m[now.target] = total;
+                break;
+            }
+            case Operation::Smallest:
+                fine = extreme(now, false);
+                break;
+            case Operation::Largest:
+                fine = extreme(now, true);
+                break;
+            case Operation::Minimum:
+            case Operation::Maximum: {
+                const double a = m[now.a];
+                const double b = m[now.b];
+                fine = a == a && b == b;
+                m[now.target] = (now.operation == Operation::Minimum ? b < a : b > a) ? b : a;
+                break;
+            }
+            case Operation::SumProduct:
+                sumProduct(now);
+                break;
+            case Operation::PresentValue:
+                fine = presentValue(now);
+                break;
+            case Operation::CountIf:
+                fine = countIf(now);
+                break;
+            case Operation::Model:
+                fine = model(now);
+                break;
+            case Operation::Tree:
+                fine = false;
+                break;
+            case Operation::Skip:
+                if (workings.computed(now.a)) {
+                    at = static_cast<std::size_t>(now.b) - 1;
+                } else {
+                    workings.markComputed(now.a);
+                }
+                break;
+            case Operation::End:
+                gaveUp = false;
+                return at;
+        }
+        if (!fine) {
+            gaveUp = true;
+            return at;
+        }
+    }
+}
+
+}  // namespace
+
+void runProgram(Workings& workings, Program& program) {
+    Machine machine{workings, program, workings.cells.numbers(), Call{workings.cells}};
+    Evaluator evaluator(workings.around, 0, 0, 0, false);
+    machine.call.evaluator = &evaluator;
+    std::size_t at = 0;
+    if (workings.module) {
+        workings.module->replay.clear();
+    }
+    for (;;) {
+        bool gaveUp = false;
+        at = machine.run(at, gaveUp);
+        if (!gaveUp) {
+            return;
+        }
+        const auto cell = std::prev(std::upper_bound(program.cells.begin(), program.cells.end(), at,
+                                                     [](std::size_t position, const CompiledCell& one) {
+                                                         return position < static_cast<std::size_t>(one.begin);
+                                                     }));
+        if (program.instructions[at].operation == Operation::Tree) {
+            workings.computeLive(cell->formula, false);
+        } else {
+            workings.computeLive(cell->formula, true);
+        }
+        if (workings.module) {
+            workings.module->replay.clear();
+        }
+        machine.m = workings.cells.numbers();
+        const auto next = std::next(cell);
+        if (next == program.cells.end()) {
+            return;
+        }
+        at = static_cast<std::size_t>(next->begin);
     }
 }
 

@@ -1,15 +1,99 @@
-// The live part of a book, compiled for running again and again.
+// The live part of a book, compiled for running again and again: one flat list of instructions on numbers. Whatever is
+// not plain numbers (a text, a blank, an error, an overflow) makes the cell's instructions give up, and the evaluator
+// computes the cell instead.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <vector>
+
+#include "workbook/book.h"
+#include "workbook/function_api.h"
+#include "workbook/module_link.h"
 
 namespace quorva::workbook {
 
 class Workings;
 
+enum class Operation : std::uint8_t {
+    Add,
+    Subtract,
+    Multiply,
+    Divide,
+    Power,
+    Negate,
+    Percent,
+    // The same, straight into the cell; they give up when the result is no finite number.
+    AddToCell,
+    SubtractToCell,
+    MultiplyToCell,
+    Store,
+    Compare,
+    And,
+    Or,
+    Copy,
+    Jump,
+    JumpUnless,
+    Random,
+    Call,
+    CallRow,
+    Sum,
+    Smallest,
+    Largest,
+    Minimum,
+    Maximum,
+    SumProduct,
+    PresentValue,
+    CountIf,
+    Model,
+    Tree,
+    Skip,
+    End
+};
+
+/// `target`, `a` and `b` are slots, except: jumps (b: where to), ranges (a: number of a slot list), calls (a: number of
+/// the call), Tree and Skip (a: number of the formula).
+struct Instruction {
+    Operation operation;
+    Operator comparison{};
+    std::uint16_t count = 0;
+    std::int32_t target = 0;
+    std::int32_t a = 0;
+    std::int32_t b = 0;
+};
+static_assert(sizeof(Instruction) == 16);
+
+struct CompiledCall {
+    const FunctionRow* row;
+    std::vector<std::int32_t> operands;
+};
+
+/// A call of a model function: constant arguments are converted once, the others at each call.
+struct ModelSite {
+    const Node* node;
+    int function;
+    CellAddress cell;
+    HostArguments arguments;
+    std::vector<std::string> texts;
+    std::vector<std::pair<std::size_t, std::int32_t>> operands;  ///< argument and the slot that it comes from
+};
+
+struct CompiledCell {
+    std::int32_t begin;
+    int formula;
+};
+
 struct Program {
+    std::vector<Instruction> instructions;
+    std::vector<CompiledCell> cells;
+    std::vector<std::vector<std::int32_t>> lists;
+    std::vector<CompiledCall> calls;
+    std::vector<ModelSite> sites;
+    Slot scratch = noSlot;  ///< first of its own slots
+    Slot scratchEnd = noSlot;
     bool usesClock = false;
     bool callsModel = false;
+    int trees = 0;  ///< formulas left to the evaluator
 };
 
 std::unique_ptr<Program> compileProgram(Workings& workings);

@@ -266,9 +266,9 @@ void Workings::compute(int index) {
     formula.running = false;
 }
 
-void Workings::computeLive(int index) {
+void Workings::computeLive(int index, bool again) {
     Formula& formula = formulas[static_cast<std::size_t>(index)];
-    if (formula.pass == pass_) {
+    if (formula.pass == pass_ && !again) {
         return;
     }
     compute(index);
@@ -368,6 +368,9 @@ void Workings::prepare() {
         if (formula.live) {
             liveOrder.push_back(index);
         }
+    }
+    if (program && program->scratchEnd == cells.slotCount()) {
+        cells.truncate(program->scratch);
     }
     program = compileProgram(*this);
     prepared_ = true;

@@ -58,7 +58,11 @@ public:
     /// Computes one formula and stores the result.
     void compute(int formula);
     /// As compute, for the part that runs at every recalculation: what is not supported ends it.
-    void computeLive(int formula);
+    /// `again`: also when it was computed in this pass.
+    void computeLive(int formula, bool again);
+    bool computed(int formula) const { return formulas[static_cast<std::size_t>(formula)].pass == pass_; }
+    void markComputed(int formula) { formulas[static_cast<std::size_t>(formula)].pass = pass_; }
+    bool anyDynamic() const { return anyDynamic_; }
     std::string formulaName(int formula) const;
     int formulaAt(Slot slot) const {
         return static_cast<std::size_t>(slot) < formulaOfSlot_.size() ? formulaOfSlot_[slot] : -1;

@@ -1,0 +1,447 @@
+#include "workbook/compiler.h"
+
+#include <cmath>
+#include <limits>
+
+namespace quorva::workbook {
+
+namespace {
+constexpr int mostTemporaries = 400;
+constexpr std::size_t longestList = 1 << 20;
+
+bool isCall(const Node& node, std::string_view name) {
+    return node.kind == Node::Kind::TableCall && node.row->name == name;
+}
+}  // namespace
+
+Compiler::Compiler(Workings& workings) : workings_(workings) {
+    base_ = workings.cells.slotCount();
+    scratchValues_.assign(mostTemporaries, std::numeric_limits<double>::quiet_NaN());
+}
+
+std::unique_ptr<Program> Compiler::compile() {
+    Program& program = *program_;
+    for (const int index : workings_.liveOrder) {
+        const Formula& one = workings_.formulas[static_cast<std::size_t>(index)];
+        program.callsModel = program.callsModel || one.callsModel;
+        const auto begin = static_cast<std::int32_t>(program.instructions.size());
+        program.cells.push_back({begin, index});
+        if (workings_.anyDynamic()) {
+            program.instructions.push_back({Operation::Skip, {}, 0, 0, index, 0});
+        }
+        const std::size_t sites = program.sites.size();
+        if (!formula(one)) {
+            program.instructions.resize(static_cast<std::size_t>(begin));
+            program.sites.resize(sites);
+            program.instructions.push_back({Operation::Tree, {}, 0, 0, index, 0});
+            program.usesClock = true;
+            ++program.trees;
+        } else if (workings_.anyDynamic()) {
+            program.instructions[static_cast<std::size_t>(begin)].b =
+                static_cast<std::int32_t>(program.instructions.size());
+        }
+    }
+    program.instructions.push_back({Operation::End, {}, 0, 0, 0, 0});
+    program.scratch = workings_.cells.appendScratch(scratchValues_.size());
+    program.scratchEnd = workings_.cells.slotCount();
+    std::copy(scratchValues_.begin(), scratchValues_.end(), workings_.cells.numbers() + program.scratch);
+    return std::move(program_);
+}
+
+bool Compiler::formula(const Formula& one) {
+    formula_ = &one;
+    temporaries_ = 0;
+    if (!one.spill.single() || one.kind == FormulaKind::Array) {
+        return false;
+    }
+    const Compiled result = expression(one.tree);
+    if (!result || result->boolean) {
+        return false;
+    }
+    const bool sumOfTwo = one.tree.kind == Node::Kind::Binary && !one.tree.parenthesised &&
+                          (one.tree.op == Operator::Add || one.tree.op == Operator::Subtract);
+    finish(result->slot, one.slot, sumOfTwo);
+    return true;
+}
+
+/// Stores the result, or lets the last operation store it itself.
+void Compiler::finish(std::int32_t result, Slot cell, bool sumOfTwo) {
+    const bool emitted = !program_->instructions.empty();
+    Instruction none{Operation::End};
+    Instruction& last = emitted ? program_->instructions.back() : none;
+    const bool fresh = last.target == result && result >= base_ && result < base_ + mostTemporaries;
+    if (fresh && sumOfTwo && (last.operation == Operation::Add || last.operation == Operation::Subtract)) {
+        last.operation = last.operation == Operation::Add ? Operation::AddToCell : Operation::SubtractToCell;
+        last.target = cell;
+    } else if (fresh && last.operation == Operation::Multiply) {
+        last.operation = Operation::MultiplyToCell;
+        last.target = cell;
+    } else {
+        program_->instructions.push_back({Operation::Store, {}, 0, cell, result, 0});
+    }
+}
+
+std::int32_t Compiler::temporary() { return base_ + temporaries_++; }
+
+Compiler::Operand Compiler::emit(Operation operation, std::int32_t a, std::int32_t b, Operator comparison) {
+    const std::int32_t target = temporary();
+    program_->instructions.push_back({operation, comparison, 0, target, a, b});
+    return {target, false};
+}
+
+Compiler::Operand Compiler::constant(double number) {
+    const auto [found, added] = constants_.emplace(number, base_ + static_cast<std::int32_t>(scratchValues_.size()));
+    if (added) {
+        scratchValues_.push_back(number);
+    }
+    return {found->second, false};
+}
+
+int Compiler::list(std::vector<std::int32_t> slots) {
+    program_->lists.push_back(std::move(slots));
+    return static_cast<int>(program_->lists.size()) - 1;
+}
+
+bool Compiler::liveSlot(Slot slot) const {
+    int formula = workings_.formulaAt(slot);
+    if (formula < 0 && static_cast<std::size_t>(slot) < workings_.spillOwner.size()) {
+        formula = workings_.spillOwner[static_cast<std::size_t>(slot)];
+    }
+    return formula >= 0 && workings_.formulas[static_cast<std::size_t>(formula)].live;
+}
+
+Compiler::Compiled Compiler::expression(const Node& node) {
+    if (temporaries_ > mostTemporaries - 8) {
+        return std::nullopt;
+    }
+    switch (node.kind) {
+        case Node::Kind::Constant:
+            if (node.value.isNumber()) {
+                return constant(node.value.number() == 0 ? 0.0 : node.value.number());
+            }
+            if (node.value.isBoolean()) {
+                return Operand{constant(node.value.boolean() ? 1 : 0).slot, true};
+            }
+            return std::nullopt;
+        case Node::Kind::Reference:
+            return reference(node);
+        case Node::Kind::Unary: {
+            const Compiled inner = expression(node.children[0]);
+            if (!inner || node.op == Operator::Plus) {
+                return inner;
+            }
+            return emit(node.op == Operator::Negate ? Operation::Negate : Operation::Percent, inner->slot);
+        }
+        case Node::Kind::Binary:
+            return binary(node);
+        case Node::Kind::Special:
+            return node.form == Form::If && node.children.size() == 3 ? branch(node) : std::nullopt;
+        case Node::Kind::TableCall:
+            return call(node);
+        case Node::Kind::ModelCall:
+            return model(node);
+        default:
+            return std::nullopt;
+    }
+}
+
+Compiler::Compiled Compiler::reference(const Node& node) {
+    const auto& areas = node.value.areas();
+    if (areas.size() != 1 || !areas[0].single()) {
+        return std::nullopt;
+    }
+    const Slot slot = workings_.cells.find(areas[0].sheet, areas[0].firstRow, areas[0].firstColumn);
+    if (slot == noSlot) {
+        return constant(0);
+    }
+    if (liveSlot(slot) || workings_.cells.isNumber(slot)) {
+        return Operand{slot, false};
+    }
+    const Value& fixed = workings_.cells.other(slot);
+    if (fixed.isBlank()) {
+        return constant(0);
+    }
+    return fixed.isBoolean() ? Compiled(Operand{constant(fixed.boolean() ? 1 : 0).slot, true}) : std::nullopt;
+}
+
+Compiler::Compiled Compiler::binary(const Node& node) {
+    if (node.op >= Operator::Negate || node.op == Operator::Concat) {
+        return std::nullopt;
+    }
+    const Compiled left = expression(node.children[0]);
+    const Compiled right = left ? expression(node.children[1]) : std::nullopt;
+    if (!left || !right) {
+        return std::nullopt;
+    }
+    switch (node.op) {
+        case Operator::Add:
+            return emit(Operation::Add, left->slot, right->slot);
+        case Operator::Subtract:
+            return emit(Operation::Subtract, left->slot, right->slot);
+        case Operator::Multiply:
+            return emit(Operation::Multiply, left->slot, right->slot);
+        case Operator::Divide:
+            return emit(Operation::Divide, left->slot, right->slot);
+        case Operator::Power:
+            return emit(Operation::Power, left->slot, right->slot);
+        default:
+            if (left->boolean || right->boolean) {
+                return std::nullopt;  // Booleans order after numbers
+            }
+            Operand result = emit(Operation::Compare, left->slot, right->slot, node.op);
+            result.boolean = true;
+            return result;
+    }
+}
+
+Compiler::Compiled Compiler::branch(const Node& node) {
+    const Compiled condition = expression(node.children[0]);
+    if (!condition) {
+        return std::nullopt;
+    }
+    const std::int32_t target = temporary();
+    auto& code = program_->instructions;
+    const std::size_t unless = code.size();
+    code.push_back({Operation::JumpUnless, {}, 0, 0, condition->slot, 0});
+    const Compiled yes = expression(node.children[1]);
+    if (!yes || node.children[1].kind == Node::Kind::Missing) {
+        return std::nullopt;
+    }
+    code.push_back({Operation::Copy, {}, 0, target, yes->slot, 0});
+    const std::size_t jump = code.size();
+    code.push_back({Operation::Jump, {}, 0, 0, 0, 0});
+    code[unless].b = static_cast<std::int32_t>(code.size());
+    const Compiled no = expression(node.children[2]);
+    if (!no || no->boolean != yes->boolean) {
+        return std::nullopt;
+    }
+    code.push_back({Operation::Copy, {}, 0, target, no->slot, 0});
+    code[jump].b = static_cast<std::int32_t>(code.size());
+    return Operand{target, yes->boolean};
+}
+
+bool Compiler::numbersOf(const Node& node, std::vector<std::int32_t>& slots, bool keepOthers) {
+    if (node.kind != Node::Kind::Reference) {
+        return false;
+    }
+    bool fits = true;
+    for (const Area& area : node.value.areas()) {
+        workings_.cells.forEachSlot(area, [&](int, int, Slot slot) {
+            if (liveSlot(slot) || workings_.cells.isNumber(slot)) {
+                slots.push_back(slot);
+            } else {
+                fits = fits && !workings_.cells.other(slot).isError() &&
+                       (!keepOthers || workings_.cells.other(slot).isBlank());
+            }
+            fits = fits && slots.size() < longestList;
+        });
+    }
+    return fits;
+}
+
+Compiler::Compiled Compiler::call(const Node& node) {
+    if (isCall(node, "SUM")) {
+        return folded(node, Operation::Add, Operation::Sum, 0);
+    }
+    if (isCall(node, "MIN")) {
+        return folded(node, Operation::Minimum, Operation::Smallest, std::numeric_limits<double>::infinity());
+    }
+    if (isCall(node, "MAX")) {
+        return folded(node, Operation::Maximum, Operation::Largest, -std::numeric_limits<double>::infinity());
+    }
+    if (isCall(node, "AVERAGE")) {
+        return average(node);
+    }
+    if (isCall(node, "SUMPRODUCT")) {
+        return sumProduct(node);
+    }
+    if (isCall(node, "NPV")) {
+        return presentValue(node);
+    }
+    if (isCall(node, "COUNTIF")) {
+        return countIf(node);
+    }
+    if (isCall(node, "AND") || isCall(node, "OR")) {
+        return conjunction(node, isCall(node, "AND") ? Operation::And : Operation::Or);
+    }
+    if (isCall(node, "RAND")) {
+        return emit(Operation::Random);
+    }
+    if (node.row->kinds.find_first_not_of("N") != std::string_view::npos || node.row->kinds.empty() ||
+        node.children.empty() || node.row->volatility == Volatility::Volatile) {
+        return std::nullopt;
+    }
+    CompiledCall compiled{node.row, {}};
+    for (const Node& child : node.children) {
+        const Compiled operand = child.kind == Node::Kind::Missing ? std::nullopt : expression(child);
+        if (!operand) {
+            return std::nullopt;
+        }
+        compiled.operands.push_back(operand->slot);
+    }
+    if (compiled.operands.size() > 8) {
+        return std::nullopt;
+    }
+    program_->calls.push_back(std::move(compiled));
+    const auto number = static_cast<std::int32_t>(program_->calls.size()) - 1;
+    return emit(node.row->numeric ? Operation::Call : Operation::CallRow, number);
+}
+
+/// SUM, MIN and MAX: the arguments one after the other. `start` is where an extreme begins.
+Compiler::Compiled Compiler::folded(const Node& node, Operation scalar, Operation range, double start) {
+    Compiled total;
+    bool any = scalar == Operation::Add;
+    for (const Node& child : node.children) {
+        const bool single =
+            child.kind == Node::Kind::Reference && child.value.areas().size() == 1 && child.value.areas()[0].single();
+        Compiled next;
+        if (child.kind == Node::Kind::Reference) {
+            std::vector<std::int32_t> slots;
+            if (!numbersOf(child, slots)) {
+                return std::nullopt;
+            }
+            any = any || !slots.empty();
+            if (single && slots.size() == 1) {
+                next = Operand{slots[0], false};
+            } else if (scalar == Operation::Add && total) {
+                // Numbers are added to the total one by one, as the evaluator does.
+                total = emit(range, list(std::move(slots)), total->slot);
+                continue;
+            } else {
+                next = emit(range, list(std::move(slots)), constant(start).slot);
+            }
+        } else {
+            next = child.kind == Node::Kind::Missing ? std::nullopt : expression(child);
+            any = true;
+        }
+        if (!next) {
+            return std::nullopt;
+        }
+        total = total ? emit(scalar, total->slot, next->slot) : *next;
+    }
+    return any ? total : std::nullopt;
+}
+
+Compiler::Compiled Compiler::average(const Node& node) {
+    std::vector<std::int32_t> slots;
+    if (node.children.size() != 1 || !numbersOf(node.children[0], slots) || slots.empty()) {
+        return std::nullopt;
+    }
+    const double count = static_cast<double>(slots.size());
+    const Operand total = emit(Operation::Sum, list(std::move(slots)), constant(0).slot);
+    return emit(Operation::Divide, total.slot, constant(count).slot);
+}
+
+Compiler::Compiled Compiler::sumProduct(const Node& node) {
+    std::vector<std::int32_t> joined;
+    std::size_t length = 0;
+    for (const Node& child : node.children) {
+        std::vector<std::int32_t> slots;
+        if (child.kind != Node::Kind::Reference || child.value.areas().size() != 1 || !numbersOf(child, slots, true)) {
+            return std::nullopt;
+        }
+        const Area& area = child.value.areas()[0];
+        const Area& first = node.children[0].value.areas()[0];
+        // Every cell must hold a number, so that the arrays run side by side.
+        if (area.rows() != first.rows() || area.columns() != first.columns() ||
+            slots.size() != static_cast<std::size_t>(area.rows()) * area.columns()) {
+            return std::nullopt;
+        }
+        length = slots.size();
+        joined.insert(joined.end(), slots.begin(), slots.end());
+    }
+    const Operand result = emit(Operation::SumProduct, list(std::move(joined)), static_cast<std::int32_t>(length));
+    program_->instructions.back().count = static_cast<std::uint16_t>(node.children.size());
+    return result;
+}
+
+Compiler::Compiled Compiler::presentValue(const Node& node) {
+    std::vector<std::int32_t> slots;
+    if (node.children.size() != 2 || !numbersOf(node.children[1], slots)) {
+        return std::nullopt;
+    }
+    const Compiled rate = expression(node.children[0]);
+    return rate ? Compiled(emit(Operation::PresentValue, list(std::move(slots)), rate->slot)) : std::nullopt;
+}
+
+/// COUNTIF with a condition such as "<0" that is written in the formula.
+Compiler::Compiled Compiler::countIf(const Node& node) {
+    const Value& condition = node.children[1].value;
+    std::vector<std::int32_t> slots;
+    if (node.children[1].kind != Node::Kind::Constant || !condition.isText() ||
+        !numbersOf(node.children[0], slots, true)) {
+        return std::nullopt;
+    }
+    std::string_view text = condition.text();
+    Operator comparison = Operator::Equal;
+    const std::pair<std::string_view, Operator> operators[] = {{"<=", Operator::LessOrEqual},
+                                                               {">=", Operator::GreaterOrEqual},
+                                                               {"<", Operator::Less},
+                                                               {">", Operator::Greater}};
+    for (const auto& [written, op] : operators) {
+        if (text.starts_with(written)) {
+            comparison = op;
+            text.remove_prefix(written.size());
+            break;
+        }
+    }
+    const auto number = parsePlainNumber(text);
+    if (!number || comparison == Operator::Equal) {
+        return std::nullopt;
+    }
+    const Operand bound = constant(*number);
+    return emit(Operation::CountIf, list(std::move(slots)), bound.slot, comparison);
+}
+
+Compiler::Compiled Compiler::conjunction(const Node& node, Operation operation) {
+    Compiled total;
+    for (const Node& child : node.children) {
+        if (child.kind == Node::Kind::Reference || child.kind == Node::Kind::Missing) {
+            return std::nullopt;  // blanks and texts in cells are left out
+        }
+        const Compiled next = expression(child);
+        if (!next) {
+            return std::nullopt;
+        }
+        total = emit(operation, total ? total->slot : next->slot, next->slot);
+    }
+    if (total) {
+        total->boolean = true;
+    }
+    return total;
+}
+
+Compiler::Compiled Compiler::model(const Node& node) {
+    Registered* function = workings_.module ? workings_.module->function(node.index) : nullptr;
+    if (!function || !function->address || formula_->cell.row > 0xFFFF || formula_->cell.column > 0xFF) {
+        return std::nullopt;
+    }
+    const std::size_t count = function->types.size() - 1;
+    if (node.children.size() != count || function->types.find_first_of("RO") != std::string::npos) {
+        return std::nullopt;
+    }
+    ModelSite site{&node, node.index, formula_->cell, {}, {}, {}};
+    site.texts.resize(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const Node& child = node.children[i];
+        const char letter = function->types[i + 1];
+        const bool fixed = child.kind == Node::Kind::Constant || child.kind == Node::Kind::Missing;
+        if (fixed && !child.value.isArray()) {
+            if (!convertArgument(letter, child.value, false, site.arguments[i], site.texts[i])) {
+                return std::nullopt;
+            }
+            continue;
+        }
+        const Compiled operand = letter == 'F' ? std::nullopt : expression(child);
+        if (!operand) {
+            return std::nullopt;
+        }
+        site.operands.emplace_back(i, operand->slot);
+    }
+    program_->sites.push_back(std::move(site));
+    return emit(Operation::Model, static_cast<std::int32_t>(program_->sites.size()) - 1);
+}
+
+std::unique_ptr<Program> compileProgram(Workings& workings) { return Compiler(workings).compile(); }
+
+}  // namespace quorva::workbook

@@ -1,0 +1,194 @@
+// Workbook files as programs write them, and as they should not be.
+#include <gtest/gtest.h>
+#include <zip.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+#include "workbook/book.h"
+#include "workbook/workings.h"
+
+namespace quorva::workbook {
+namespace {
+
+using Parts = std::map<std::string, std::string>;
+
+std::string zipped(const Parts& parts) {
+    zip_error_t error;
+    zip_error_init(&error);
+    zip_source_t* target = zip_source_buffer_create(nullptr, 0, 0, &error);
+    zip_t* archive = zip_open_from_source(target, ZIP_TRUNCATE, &error);
+    zip_source_keep(target);
+    for (const auto& [name, content] : parts) {
+        zip_source_t* source = zip_source_buffer(archive, content.data(), content.size(), 0);
+        zip_file_add(archive, name.c_str(), source, ZIP_FL_ENC_UTF_8);
+    }
+    zip_close(archive);
+    zip_source_open(target);
+    zip_source_seek(target, 0, SEEK_END);
+    std::string bytes(static_cast<std::size_t>(zip_source_tell(target)), '\0');
+    zip_source_seek(target, 0, SEEK_SET);
+    zip_source_read(target, bytes.data(), bytes.size());
+    zip_source_close(target);
+    zip_source_free(target);
+    return bytes;
+}
+
+const std::string relationType = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
+
+Parts minimal(const std::string& rows) {
+    return {
+        {"[Content_Types].xml", "<Types/>"},
+        {"_rels/.rels", "<Relationships><Relationship Id=\"r1\" Type=\"" + relationType +
+                            "officeDocument\" Target=\"/xl/workbook.xml\"/></Relationships>"},
+        {"xl/workbook.xml",
+         "<workbook xmlns:r=\"r\"><sheets><sheet name=\"Data\" sheetId=\"1\" r:id=\"s1\"/></sheets></workbook>"},
+        {"xl/_rels/workbook.xml.rels",
+         "<Relationships><Relationship Id=\"s1\" Type=\"" + relationType +
+             "worksheet\" Target=\"/xl/worksheets/sheet1.xml\"/><Relationship Id=\"s2\" Type=\"" + relationType +
+             "sharedStrings\" Target=\"sharedStrings.xml\"/></Relationships>"},
+        {"xl/sharedStrings.xml", "<sst><si><t>plain</t></si><si><r><t>rich</t></r><r><t> text</t></r></si></sst>"},
+        {"xl/worksheets/sheet1.xml", "<worksheet><sheetData>" + rows + "</sheetData></worksheet>"},
+    };
+}
+
+std::unique_ptr<RawBook> readRows(const std::string& rows) { return readPackage(zipped(minimal(rows)), "Book.xlsx"); }
+
+std::string refusal(const std::string& bytes) {
+    try {
+        readPackage(bytes, "Book.xlsx");
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.kind, Failure::Kind::Unreadable);
+        return failure.what();
+    }
+    return "";
+}
+
+std::string refusalOfRows(const std::string& rows) { return refusal(zipped(minimal(rows))); }
+
+TEST(Reader, ReadsEveryTypeOfCell) {
+    const auto book = readRows(
+        "<row r=\"1\"><c r=\"A1\"><v>1.5</v></c><c r=\"B1\" t=\"s\"><v>1</v></c><c r=\"C1\" t=\"b\"><v>1</v></c>"
+        "<c r=\"D1\" t=\"e\"><v>#N/A</v></c><c r=\"E1\" t=\"str\"><f>\"a\"</f><v>a</v></c>"
+        "<c r=\"F1\" t=\"inlineStr\"><is><t>in</t><r><t>line</t></r></is></c><c r=\"G1\" t=\"d\"><v>2020-01-31</v></c>"
+        "<c r=\"H1\"><f>A1</f><v/></c></row>");
+    const auto& cells = book->sheets[0].cells;
+    ASSERT_EQ(cells.size(), 8u);
+    EXPECT_EQ(cells[0].value.number(), 1.5);
+    EXPECT_EQ(cells[1].value.text(), "rich text");
+    EXPECT_TRUE(cells[2].value.boolean());
+    EXPECT_EQ(cells[3].value.error(), ErrorCode::NA);
+    EXPECT_EQ(cells[4].value.text(), "a");
+    EXPECT_EQ(cells[5].value.text(), "inline");
+    EXPECT_EQ(cells[6].value.number(), 43861);
+    EXPECT_FALSE(cells[7].hasValue);
+    EXPECT_EQ(cells[7].formula, "A1");
+}
+
+TEST(Reader, CountsCellsAndRowsWithoutAPosition) {
+    const auto book = readRows("<row><c><v>1</v></c><c><v>2</v></c></row><row><c><v>3</v></c></row>");
+    const auto& cells = book->sheets[0].cells;
+    ASSERT_EQ(cells.size(), 3u);
+    EXPECT_EQ(cells[1].column, 1);
+    EXPECT_EQ(cells[2].row, 1);
+}
+
+TEST(Reader, MovesSharedFormulasToTheirCells) {
+    std::ofstream("shared_formula.xlsx", std::ios::binary)
+        << zipped(minimal("<row r=\"1\"><c r=\"A1\"><v>1</v></c><c r=\"B1\"><f t=\"shared\" ref=\"B1:B2\" "
+                          "si=\"0\">A1*$A$1+1</f></c></row>"
+                          "<row r=\"2\"><c r=\"A2\"><v>5</v></c><c r=\"B2\"><f t=\"shared\" si=\"0\"/></c></row>"));
+    Book book("shared_formula.xlsx");
+    book.recalculateAll();
+    EXPECT_EQ(book.value({0, 1, 1}).number, 6);
+    std::filesystem::remove("shared_formula.xlsx");
+}
+
+TEST(Reader, AcceptsPrefixedElementsAndAnyCaseOfPartNames) {
+    Parts parts = minimal("");
+    parts["xl/worksheets/sheet1.xml"] =
+        "<x:worksheet xmlns:x=\"u\"><x:sheetData><x:row><x:c><x:v>4</x:v></x:c></x:row></x:sheetData></x:worksheet>";
+    parts["XL/SharedStrings.XML"] = parts["xl/sharedStrings.xml"];
+    parts.erase("xl/sharedStrings.xml");
+    EXPECT_EQ(readPackage(zipped(parts), "Book.xlsx")->sheets[0].cells.at(0).value.number(), 4);
+}
+
+TEST(Reader, RefusesWhatIsNoWorkbookWithOneSentence) {
+    EXPECT_EQ(refusal(""), "Book.xlsx is empty.");
+    EXPECT_EQ(refusal("name,value\n"), "Book.xlsx is not a workbook: it is not a zip archive.");
+    EXPECT_EQ(refusal(std::string("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1") + "rest"),
+              "Book.xlsx is in the old binary format (.xls); save it as .xlsx.");
+    EXPECT_EQ(refusal(zipped({{"readme.txt", "hello"}})),
+              "Book.xlsx is a zip archive but not a workbook: [Content_Types].xml is missing.");
+    const std::string whole = zipped(minimal("<row><c><v>1</v></c></row>"));
+    EXPECT_EQ(refusal(whole.substr(0, whole.size() / 2)), "Book.xlsx is not a complete zip archive.");
+}
+
+TEST(Reader, NamesThePartAndCellOfBadContent) {
+    EXPECT_EQ(refusalOfRows("<row r=\"1\"><c r=\"B1\" t=\"s\"><v>99</v></c></row>"),
+              "Book.xlsx, xl/worksheets/sheet1.xml: cell B1: the shared text 99 does not exist.");
+    EXPECT_EQ(refusalOfRows("<row r=\"1\"><c r=\"A99999999\"><v>1</v></c></row>"),
+              "Book.xlsx, xl/worksheets/sheet1.xml: a cell named \"A99999999\" cannot exist.");
+    EXPECT_EQ(refusalOfRows("<row r=\"2000000\"/>"),
+              "Book.xlsx, xl/worksheets/sheet1.xml: a row numbered \"2000000\" cannot exist.");
+    EXPECT_EQ(refusalOfRows("<row r=\"1\"><c r=\"A1\"><v>abc</v></c></row>"),
+              "Book.xlsx, xl/worksheets/sheet1.xml: cell A1: the number \"abc\" cannot be read.");
+    EXPECT_EQ(refusalOfRows("<row r=\"1\"><c r=\"A1\"><f t=\"shared\" si=\"3\"/></c></row>"),
+              "Book.xlsx, xl/worksheets/sheet1.xml: cell A1: the shared formula 3 does not exist.");
+    EXPECT_NE(refusalOfRows("<row r=\"1\">").find("xl/worksheets/sheet1.xml: malformed XML at byte"),
+              std::string::npos);
+    Parts parts = minimal("");
+    parts.erase("xl/worksheets/sheet1.xml");
+    EXPECT_EQ(refusal(zipped(parts)), "Book.xlsx, xl/worksheets/sheet1.xml: this part is missing.");
+}
+
+TEST(Reader, RefusesEntityDeclarations) {
+    Parts parts = minimal("");
+    parts["xl/worksheets/sheet1.xml"] = "<!DOCTYPE x [<!ENTITY a \"aaaa\">]><worksheet><sheetData/></worksheet>";
+    EXPECT_EQ(refusal(zipped(parts)),
+              "Book.xlsx, xl/worksheets/sheet1.xml: it declares a document type, which workbooks do not have.");
+}
+
+TEST(Reader, RefusesAnArchiveThatExpandsMoreThanAThousandTimes) {
+    Parts parts = minimal("");
+    parts["xl/worksheets/sheet1.xml"] =
+        "<worksheet><sheetData>" + std::string(40 << 20, ' ') + "</sheetData></worksheet>";
+    EXPECT_EQ(refusal(zipped(parts)), "Book.xlsx expands more than 1000 times at xl/worksheets/sheet1.xml.");
+}
+
+TEST(Reader, KeepsAFormulaNestedTenThousandDeepAsUnsupported) {
+    std::ofstream("deep.xlsx", std::ios::binary)
+        << zipped(minimal("<row r=\"1\"><c r=\"A1\"><f>" + std::string(10000, '(') + "1" + std::string(10000, ')') +
+                          "</f><v>1</v></c></row>"));
+    Book book("deep.xlsx");
+    book.recalculateAll();
+    EXPECT_TRUE(book.formulas().at(0).unsupported);
+    EXPECT_NE(book.formulas().at(0).why.find("nested too deeply"), std::string::npos);
+    EXPECT_EQ(book.value({0, 0, 0}).number, 1);
+    std::filesystem::remove("deep.xlsx");
+}
+
+TEST(Reader, ReadsXmlNestedTenThousandDeep) {
+    std::string deep;
+    for (int i = 0; i < 10000; ++i) {
+        deep += "<x>";
+    }
+    for (int i = 0; i < 10000; ++i) {
+        deep += "</x>";
+    }
+    EXPECT_EQ(readRows("<row><c><v>2</v></c></row>" + deep)->sheets[0].cells.size(), 1u);
+}
+
+TEST(Parser, ComputesALongChainOfOperators) {
+    std::string chain = "1";
+    for (int i = 0; i < 4000; ++i) {
+        chain += "+1";
+    }
+    Book book = Book::fromText("A1: =" + chain + "\n");
+    book.recalculateAll();
+    EXPECT_EQ(book.value({0, 0, 0}).number, 4001);
+}
+
+}  // namespace
+}  // namespace quorva::workbook
