@@ -43,6 +43,16 @@ bool same(const CellValue& saved, const CellValue& computed, const std::string& 
                : saved.number == computed.number && saved.text == computed.text;
 }
 
+/// Files of another program that answers otherwise than Excel documents: it writes Booleans as numbers, and #VALUE!
+/// where the square root of a negative number is #NUM!.
+bool savedByAnother(const std::string& file, const CellValue& saved, const CellValue& computed) {
+    if (file == "logical.xlsx" || file == "INFORMATION.xlsx") {
+        return computed.type == CellValue::Type::Boolean && saved.type == CellValue::Type::Number &&
+               saved.number == computed.number;
+    }
+    return file == "SQRT.xlsx" && saved.text == "#VALUE!" && computed.text == "#NUM!";
+}
+
 TEST(SavedValues, AreReproducedByRecalculation) {
     if (!std::filesystem::exists(folder)) {
         GTEST_SKIP() << "the folder with saved workbooks is not there: " << folder;
@@ -51,6 +61,7 @@ TEST(SavedValues, AreReproducedByRecalculation) {
     int different = 0;
     int unsupported = 0;
     int changing = 0;
+    int another = 0;
     std::map<std::string, int> reasons;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         if (!entry.path().extension().string().starts_with(".xls")) {
@@ -68,6 +79,8 @@ TEST(SavedValues, AreReproducedByRecalculation) {
                 ++changing;
             } else if (same(*cell.saved, cell.computed, cell.formula)) {
                 ++equal;
+            } else if (savedByAnother(entry.path().filename().string(), *cell.saved, cell.computed)) {
+                ++another;
             } else {
                 ++different;
                 std::cout << place << " =" << cell.formula << ": saved " << show(*cell.saved) << ", computed "
@@ -78,9 +91,10 @@ TEST(SavedValues, AreReproducedByRecalculation) {
     for (const auto& [why, count] : reasons) {
         std::cout << count << " cells: " << why << "\n";
     }
-    std::cout << equal << " equal, " << different << " different, " << unsupported << " unsupported, " << changing
-              << " volatile or without a saved value\n";
-    EXPECT_GT(equal, 1000);
+    std::cout << equal << " equal, " << different << " different, " << unsupported << " unsupported, " << another
+              << " of another program, " << changing << " volatile or without a saved value\n";
+    EXPECT_GT(equal, 17000);
+    EXPECT_EQ(different, 0);
 }
 
 }  // namespace
