@@ -8,6 +8,9 @@ using namespace quorva;
 
 void FindSubGroups(matrix<double>* factor, int n, matrix<double>* groups, int* nGroups) {
     *nGroups = 0;
+    if (n > limit::fields) {
+        return;  // more labels than a model can have fields: nothing to look at, and no room for it
+    }
     guarded([&] { groups->zeroResize(n, 4); });  // a wider table keeps its further columns
     matrix<double>& group = *groups;
     for (int i = 1; i <= n; ++i) {

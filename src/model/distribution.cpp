@@ -33,12 +33,13 @@ struct Distribution {
     double truncLower;
     double truncUpper;
     int visible;
-    ValueList meanOf;  ///< whose mean stands for the default value, when there are values
+    ValueList list;                ///< the values that a drawn index stands for, when there are any
+    bool showsMeanOfList = false;  ///< in place of the default value
 
     /// What the cell shows outside a run.
     double shown() const {
-        if (meanOf.values) {
-            return V_Mean2(meanOf.values, meanOf.count);
+        if (showsMeanOfList) {
+            return V_Mean2(list.values, list.count);
         }
         return defaultValue == MissingValue
                    ? TheoStat(law, 1, parameters[0], parameters[1], parameters[2], parameters[3])
@@ -96,14 +97,24 @@ double draw(const Distribution& distribution, int field) {
     return distribution.quantile(uniform);
 }
 
+/// The value that a drawn index stands for; an index outside the list gives what a read outside a new table gives.
+double listed(const ValueList& list, double index) {
+    const int k = wholeNumber(index);
+    return k >= 1 && k <= list.count ? list.values[k - 1] : matrix<double>().scratch();
+}
+
 double drawOnce(const Distribution& distribution, int field) {
     if (isDone(field)) {
         return storedValue(field);
     }
-    const double value = draw(distribution, field);
-    if (distribution.law <= lastStoredLaw) {
-        recordValue(field, value);
+    double value = draw(distribution, field);
+    if (distribution.law > lastStoredLaw) {
+        if (!distribution.list.values) {
+            return value;  // a bare index is not recorded
+        }
+        value = listed(distribution.list, value);
     }
+    recordValue(field, value);
     return value;
 }
 
@@ -127,15 +138,6 @@ double evaluate(const Distribution& distribution) {
     }
 }
 
-/// The value that a drawn index stands for, recorded as the field's value of this iteration.
-double recordListed(const ValueList& list, double index) {
-    const int k = wholeNumber(index);
-    // An index outside the list gives what a read outside a new table gives.
-    const double value = k >= 1 && k <= list.count ? list.values[k - 1] : matrix<double>().scratch();
-    recordValue(run.fields.current, value);
-    return value;
-}
-
 }  // namespace
 }  // namespace quorva
 
@@ -154,15 +156,8 @@ double QUORVA_SimEmpiricUniform(const char* VarName, std::uint16_t* rows, std::u
         return 0.0;
     }
     const ValueList list{values, *rows == 0 ? 1 : *rows};
-    const Distribution distribution{VarName,      empiricLaw, {1.0, static_cast<double>(list.count), 0.0, 0.0},
-                                    DefaultValue, 0,          0.0,
-                                    0.0,          Visible,    DefaultType != 0 ? ValueList{} : list};
-    return guardedCell(
-        [&] {
-            const bool running = run.status.current() == RunStatus::Running;
-            const double drawn = evaluate(distribution);
-            const bool fresh = running && !isTrue(run.error.flag) && !isDone(run.fields.current);
-            return fresh ? recordListed(list, drawn) : drawn;
-        },
-        DefaultValue);
+    const Distribution distribution{
+        VarName, empiricLaw,      {1.0, static_cast<double>(list.count), 0.0, 0.0}, DefaultValue, 0, 0.0, 0.0, Visible,
+        list,    DefaultType == 0};
+    return guardedCell([&] { return evaluate(distribution); }, DefaultValue);
 }

@@ -56,7 +56,14 @@ TEST_F(Distribution, ACallFromNoCellTakesNoPart) {
     addResult();
     prepare();
     ASSERT_EQ(begin(5), 0);
+    iterate();
+    const double drawn = value(0);
+    Cpp_SimNext();
     fakeHost.calledFromCell = false;
+    evaluate({0, 0}, [this] { return QUORVA_SimEmpiricUniform("list", &rows, &columns, values, 0, 0, 1); });
+    EXPECT_EQ(stored(1, u"x"), drawn);
+    EXPECT_EQ(stored(2, u"x"), 0.0) << "not taken for the field evaluated last";
+    EXPECT_EQ(stored(2, u"~"), 0.0);
     for (const RunStatus status :
          {RunStatus::Initialised, RunStatus::Prepared, RunStatus::Running, RunStatus::Analysing}) {
         run.status.become(status);
