@@ -289,7 +289,11 @@ Value workDayIn(const Call& call, Arguments arguments, const Result<WorkCalendar
         return ErrorCode::Value;
     }
     const double step = days < 0 ? -1 : 1;
-    for (days = std::fabs(days); days > 0;) {
+    days = std::fabs(days);
+    if (days > lastSerial) {
+        return ErrorCode::Num;
+    }
+    while (days > 0) {
         serial += step;
         if (!(serial >= 0 && serial <= lastSerial)) {
             return ErrorCode::Num;

@@ -11,6 +11,8 @@ namespace quorva::workbook {
 namespace {
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+/// Periods that balances are stepped through at most; longer lives are #NUM!.
+constexpr double longestLife = 1e6;
 
 double straightLine(const double* x, int) { return x[2] == 0 ? nan : (x[0] - x[1]) / x[2]; }
 Value straightLineValue(Call&, Arguments arguments) {
@@ -35,7 +37,7 @@ double fixedDecliningBalance(const double* x, int count) {
     const double period = std::trunc(x[3]);
     const double months = count > 4 ? std::trunc(x[4]) : 12;
     if (cost < 0 || salvage < 0 || !(life > 0) || !(period >= 1) || !(months >= 1 && months <= 12) ||
-        period > life + (months < 12 ? 1 : 0)) {
+        period > life + (months < 12 ? 1 : 0) || life > longestLife) {
         return nan;
     }
     if (cost == 0) {
@@ -94,7 +96,8 @@ double variableDecliningBalance(const double* x, int count) {
     const double end = x[4];
     const double factor = count > 5 ? x[5] : 2;
     const bool noSwitch = count > 6 && x[6] != 0;
-    if (x[0] < 0 || x[1] < 0 || !(life > 0) || start < 0 || end < start || end > life || factor < 0) {
+    if (x[0] < 0 || x[1] < 0 || !(life > 0) || start < 0 || end < start || end > life || factor < 0 ||
+        life > longestLife) {
         return nan;
     }
     VariableBalance balance{x[0], x[1], std::min(factor / life, 1.0), life, !noSwitch};
@@ -132,7 +135,7 @@ Result<FrenchAsset> frenchAsset(const Call& call, Arguments arguments) {
     FrenchAsset asset{arguments[0].number(), arguments[3].number(), std::trunc(arguments[4].number()),
                       arguments[5].number(), 0};
     if (!basis || *basis == Basis::Actual360 || asset.cost <= 0 || asset.salvage < 0 || asset.salvage > asset.cost ||
-        asset.period < 0 || asset.rate <= 0 || purchased > firstEnd) {
+        asset.period < 0 || asset.period > longestLife || asset.rate <= 0 || purchased > firstEnd) {
         return ErrorCode::Num;
     }
     const auto part = yearFraction(purchased, firstEnd, *basis, call.date1904);

@@ -16,6 +16,9 @@ constexpr std::size_t longestText = 32767;
 double countOr(Arguments arguments, std::size_t index, double otherwise) {
     return index < arguments.size() ? std::trunc(arguments[index].number()) : otherwise;
 }
+/// More bytes than any text of that length has: what grows beyond need not grow further.
+constexpr std::size_t mostBytes = 4 * longestText;
+
 Value limited(std::string text) {
     return text.size() > longestText && utf16Length(text) > static_cast<int>(longestText) ? Value(ErrorCode::Value)
                                                                                           : Value(std::move(text));
@@ -72,6 +75,9 @@ Value substitute(Call&, Arguments arguments) {
         if (wanted == 0 || occurrence == wanted) {
             result.append(text, from, at - from).append(arguments[2].text());
             from = at + old.size();
+        }
+        if (result.size() > mostBytes) {
+            return ErrorCode::Value;
         }
     }
     return limited(result.append(text, from));
@@ -215,18 +221,15 @@ Value concatenate(Call&, Arguments arguments) {
     return limited(std::move(result));
 }
 
-/// Calls visit(text) for every value of an argument, blanks too; the first error ends the walk.
+/// Calls visit(text) for every value of an argument, blanks too; the first error, of a value or of a visit, ends the
+/// walk.
 template <class Visit>
 std::optional<ErrorCode> forEachText(const Call& call, const Argument& argument, Visit&& visit) {
     std::optional<ErrorCode> error;
     const auto take = [&](const Value& value) -> bool {
         const auto text = toText(value);
-        if (text) {
-            visit(*text);
-            return true;
-        }
-        error = text.error();
-        return false;
+        error = text ? visit(*text) : std::optional(text.error());
+        return !error;
     };
     if (argument.value.isScalar()) {
         take(argument.value);
@@ -250,10 +253,18 @@ std::optional<ErrorCode> forEachText(const Call& call, const Argument& argument,
     return error;
 }
 
+std::optional<ErrorCode> tooLong(const std::string& text) {
+    return text.size() > mostBytes ? std::optional(ErrorCode::Value) : std::nullopt;
+}
+
 Value concat(Call& call, Arguments arguments) {
     std::string result;
     for (const Argument& argument : arguments) {
-        if (const auto error = forEachText(call, argument, [&](const std::string& text) { result += text; })) {
+        const auto error = forEachText(call, argument, [&](const std::string& text) {
+            result += text;
+            return tooLong(result);
+        });
+        if (error) {
             return *error;
         }
     }
@@ -262,9 +273,12 @@ Value concat(Call& call, Arguments arguments) {
 
 Value textJoin(Call& call, Arguments arguments) {
     std::vector<std::string> delimiters;
-    if (const auto error =
-            forEachText(call, arguments[0], [&](const std::string& text) { delimiters.push_back(text); })) {
-        return *error;
+    const auto delimiterError = forEachText(call, arguments[0], [&](const std::string& text) {
+        delimiters.push_back(text);
+        return std::optional<ErrorCode>();
+    });
+    if (delimiterError) {
+        return *delimiterError;
     }
     if (delimiters.empty()) {
         delimiters.emplace_back();
@@ -275,13 +289,14 @@ Value textJoin(Call& call, Arguments arguments) {
     for (const Argument& argument : arguments.subspan(2)) {
         const auto error = forEachText(call, argument, [&](const std::string& text) {
             if (skipEmpty && text.empty()) {
-                return;
+                return std::optional<ErrorCode>();
             }
             if (joined > 0) {
                 result += delimiters[(joined - 1) % delimiters.size()];
             }
             result += text;
             ++joined;
+            return tooLong(result);
         });
         if (error) {
             return *error;
