@@ -43,7 +43,7 @@ std::string shown(const Value& value) {
     return value.isError() ? std::string(errorText(value.error())) : *text;
 }
 
-/// Functions of a family whose results never are texts of any length and whose work is bounded by its arguments.
+/// Whether the work of a function is bounded by the size of its arguments, not by their values.
 bool isBounded(const FunctionRow& row) {
     return row.category == Category::Finance || row.category == Category::Date || row.category == Category::Text ||
            row.category == Category::Engineering || row.category == Category::Lookup ||

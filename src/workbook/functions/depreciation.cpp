@@ -117,6 +117,17 @@ double variableDecliningBalance(const double* x, int count) {
     return left > 0 ? total + balance.next(left) : total;
 }
 
+Value variableDecliningBalanceValue(Call&, Arguments arguments) {
+    double x[7] = {};
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        x[i] = arguments[i].number();
+    }
+    if (arguments.size() > 5 && arguments[5].missing) {
+        x[5] = 2;  // VDB(cost, salvage, life, start, end, , TRUE)
+    }
+    return variableDecliningBalance(x, static_cast<int>(arguments.size()));
+}
+
 // ---- French depreciation: cost, purchase date, end of the first period, salvage, period, rate, basis ----
 
 struct FrenchAsset {
@@ -218,7 +229,12 @@ constexpr FunctionRow table[] = {
      .function = straightLineValue,
      .numeric = straightLine},
     numbers("SYD", 4, 4, sumOfYears),
-    numbers("VDB", 5, 7, variableDecliningBalance),
+    {.name = "VDB",
+     .minArgs = 5,
+     .maxArgs = 7,
+     .kinds = "N",
+     .category = Category::Finance,
+     .function = variableDecliningBalanceValue},
 };
 
 }  // namespace

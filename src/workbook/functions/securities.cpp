@@ -295,7 +295,7 @@ Value yieldAtMaturity(Call& call, Arguments arguments) {
 
 Value accruedAtMaturity(Call& call, Arguments arguments) {
     const double rate = arguments[2].number();
-    const double par = numberOr(arguments, 3, 1000);
+    const double par = arguments.size() > 3 && !arguments[3].missing ? arguments[3].number() : 1000;
     const auto years = term(call, arguments[0].number(), arguments[1].number(), numberOr(arguments, 4, 0));
     if (!years) {
         return years.error();
