@@ -226,6 +226,7 @@ void Book::seed(std::uint64_t seed) { contents_->workings.around.seedRandom(seed
 void Book::recalculate() { contents_->workings.recalculate(); }
 
 std::vector<CellAddress> Book::modelCells() const {
+    contents_->workings.relate();
     std::vector<CellAddress> found;
     for (const int index : contents_->workings.order) {
         const Formula& formula = contents_->workings.formulas[static_cast<std::size_t>(index)];

@@ -348,9 +348,7 @@ void Workings::computeFixed() {
 }
 
 void Workings::prepare() {
-    if (!connected_) {
-        connect();
-    }
+    relate();
     computeFixed();
     liveOrder.clear();
     for (const int index : order) {

@@ -67,6 +67,12 @@ public:
     int formulaAt(Slot slot) const {
         return static_cast<std::size_t>(slot) < formulaOfSlot_.size() ? formulaOfSlot_[slot] : -1;
     }
+    /// Finds out what depends on what, unless that is known: `order` and the marks of the formulas.
+    void relate() {
+        if (!connected_) {
+            connect();
+        }
+    }
     /// Forgets what was compiled: the next recalculation prepares anew.
     void unprepare() { prepared_ = false; }
 
