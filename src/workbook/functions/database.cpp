@@ -39,8 +39,9 @@ Value asCondition(const Value& cell) {
 }
 
 /// Every row below the headings is an alternative; an empty row (none of its cells filled) is met by every record.
-/// Headings that the table does not have are left out.
-std::vector<Alternative> readAlternatives(const Call& call, const Grid& table, const Grid& conditions) {
+/// A condition under a heading that the table does not have is a formula to be computed anew for every record, which
+/// this host does not do: #VALUE!.
+Result<std::vector<Alternative>> readAlternatives(const Call& call, const Grid& table, const Grid& conditions) {
     std::vector<Alternative> alternatives;
     for (int row = 1; row < conditions.rows(); ++row) {
         Alternative alternative;
@@ -48,7 +49,10 @@ std::vector<Alternative> readAlternatives(const Call& call, const Grid& table, c
             const Value cell = conditions.at(row, column);
             const auto heading = toText(conditions.at(0, column));
             const int field = heading && !heading->empty() ? headedColumn(table, *heading) : -1;
-            if (!cell.isBlank() && field >= 0) {
+            if (!cell.isBlank() && field < 0) {
+                return ErrorCode::Value;
+            }
+            if (!cell.isBlank()) {
                 alternative.push_back({field, Criterion(asCondition(cell), call.date1904)});
             }
         }
@@ -106,10 +110,13 @@ Result<std::vector<Value>> selectedValues(const Call& call, Arguments arguments,
     if (conditions.rows() < 2) {
         return ErrorCode::Value;
     }
-    const std::vector<Alternative> alternatives = readAlternatives(call, table, conditions);
+    const auto alternatives = readAlternatives(call, table, conditions);
+    if (!alternatives) {
+        return alternatives.error();
+    }
     std::vector<Value> values;
     for (int record = 1; record < table.usedRows(); ++record) {
-        if (meets(table, record, alternatives)) {
+        if (meets(table, record, *alternatives)) {
             values.push_back(column ? table.at(record, *column) : Value(true));
         }
     }
