@@ -89,7 +89,9 @@ struct BetaShape {
     double beta;
     double lower;
     double upper;
-    bool valid() const { return alpha > 0 && beta > 0 && upper > lower; }
+    bool valid() const { return alpha > 0 && beta > 0 && alpha < largest && beta < largest && upper > lower; }
+
+    static constexpr double largest = 1e150;  // products of shapes stay finite
 };
 /// The ends start at `from`; they are 0 and 1 when not given.
 BetaShape betaShape(const double* x, int count, int from) {
