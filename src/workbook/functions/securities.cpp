@@ -140,6 +140,27 @@ Value price(Call& call, Arguments arguments) {
                                                     : Value(priceOf(*paper, rate, yield, redemption));
 }
 
+/// The yield at which a price, which falls as the yield rises, is the one wanted: bracketed, then halved.
+template <class Price>
+Value yieldForPrice(double wanted, double frequency, Price&& priceAt) {
+    double low = -0.99 * frequency;
+    double high = 1;
+    while (priceAt(high) > wanted) {
+        high *= 2;
+        if (high > 1e12) {
+            return ErrorCode::Num;
+        }
+    }
+    if (priceAt(low) < wanted) {
+        return ErrorCode::Num;
+    }
+    for (int i = 0; i < 200 && high - low > 1e-16; ++i) {
+        const double middle = low + (high - low) / 2;
+        (priceAt(middle) > wanted ? low : high) = middle;
+    }
+    return low + (high - low) / 2;
+}
+
 Value yield(Call& call, Arguments arguments) {
     const auto paper =
         coupons(call, arguments[0].number(), arguments[1].number(), arguments[5].number(), numberOr(arguments, 6, 0));
@@ -157,23 +178,7 @@ Value yield(Call& call, Arguments arguments) {
         const double paid = wanted / 100 + paper->elapsed / paper->period * coupon;
         return (redemption / 100 + coupon - paid) / paid * paper->frequency * paper->period / paper->toNext;
     }
-    // The price falls as the yield rises: bracket, then halve.
-    double low = -0.99 * paper->frequency;
-    double high = 1;
-    while (priceOf(*paper, rate, high, redemption) > wanted) {
-        high *= 2;
-        if (high > 1e12) {
-            return ErrorCode::Num;
-        }
-    }
-    if (priceOf(*paper, rate, low, redemption) < wanted) {
-        return ErrorCode::Num;
-    }
-    for (int i = 0; i < 200 && high - low > 1e-16; ++i) {
-        const double middle = low + (high - low) / 2;
-        (priceOf(*paper, rate, middle, redemption) > wanted ? low : high) = middle;
-    }
-    return low + (high - low) / 2;
+    return yieldForPrice(wanted, paper->frequency, [&](double y) { return priceOf(*paper, rate, y, redemption); });
 }
 
 /// Macaulay's duration in years; modified when asked.
@@ -303,6 +308,37 @@ Value accruedAtMaturity(Call& call, Arguments arguments) {
     return rate <= 0 || par <= 0 ? Value(ErrorCode::Num) : Value(par * rate * *years);
 }
 
+/// The coupon periods between two dates, parts of them counted by the basis; one of the coupon dates is given.
+Result<double> periodsBetween(double couponAt, double from, double to, int frequency, Basis basis, bool date1904) {
+    int steps = 0;  // periods before (negative: after) that coupon date at which the current period ends
+    for (;; --steps) {
+        const auto end = couponDate(couponAt, steps, frequency, date1904);
+        if (!end) {
+            return end.error();
+        }
+        if (*end >= to) {
+            break;
+        }
+    }
+    double periods = 0;
+    for (double end = *couponDate(couponAt, steps, frequency, date1904); end > from; ++steps) {
+        const auto start = couponDate(couponAt, steps + 1, frequency, date1904);
+        if (!start) {
+            return start.error();
+        }
+        const double first = std::max(*start, from);
+        const double last = std::min(end, to);
+        if (first < last) {
+            const double length = basis == Basis::ActualActual ? end - *start
+                                  : basis == Basis::Actual365  ? 365.0 / frequency
+                                                               : 360.0 / frequency;
+            periods += daysBetween(first, last, basis, date1904) / length;
+        }
+        end = *start;
+    }
+    return periods;
+}
+
 /// ACCRINT: issue, first interest, settlement, rate, par, frequency, basis, from the issue (else from the first
 /// interest). The interest of each coupon period that lies, wholly or in part, between.
 Value accruedInterest(Call& call, Arguments arguments) {
@@ -322,35 +358,114 @@ Value accruedInterest(Call& call, Arguments arguments) {
     if (!fromIssue && settlement > firstInterest) {
         from = firstInterest;
     }
+    const auto periods =
+        periodsBetween(firstInterest, from, settlement, static_cast<int>(frequency), *basis, call.date1904);
+    return periods ? Value(par * rate / frequency * *periods) : Value(periods.error());
+}
+
+// ---- odd first or last periods, per 100 of face value ----
+
+/// What is left of a paper with an odd period: amounts in coupons, times in coupon periods.
+struct OddPaper {
+    double coupon = 0;       ///< of a regular period
+    double oddCoupons = 0;   ///< the odd period's interest
+    double accrued = 0;      ///< of the odd period at the settlement
+    double toOddCoupon = 0;  ///< from the settlement to the odd period's end
+    int later = 0;           ///< regular coupons after it
+    double frequency = 1;
+};
+
+double priceOf(const OddPaper& paper, double yieldRate, double redemption) {
+    const double step = 1 + yieldRate / paper.frequency;
+    double discount = std::pow(step, paper.toOddCoupon);
+    double total = paper.coupon * paper.oddCoupons / discount;
+    for (int i = 0; i < paper.later; ++i) {
+        discount *= step;
+        total += paper.coupon / discount;
+    }
+    return total + redemption / discount - paper.coupon * paper.accrued;
+}
+
+/// ODDFPRICE and ODDFYIELD: settlement, maturity, issue, first coupon, rate, price or yield, redemption, frequency,
+/// basis.
+Result<OddPaper> oddFirst(const Call& call, Arguments arguments) {
+    const double settlement = std::floor(arguments[0].number());
+    const double maturity = std::floor(arguments[1].number());
+    const double issue = std::floor(arguments[2].number());
+    const double firstCoupon = std::floor(arguments[3].number());
+    const double rate = arguments[4].number();
+    const double frequency = std::trunc(arguments[7].number());
+    const auto regular = coupons(call, firstCoupon, maturity, frequency, numberOr(arguments, 8, 0));
+    if (!regular || rate < 0 || !(maturity > firstCoupon && firstCoupon > settlement && settlement > issue) ||
+        regular->previous != firstCoupon) {
+        return ErrorCode::Num;
+    }
+    const int f = regular->frequency;
+    const auto whole = periodsBetween(firstCoupon, issue, firstCoupon, f, regular->basis, call.date1904);
+    const auto past = periodsBetween(firstCoupon, issue, settlement, f, regular->basis, call.date1904);
+    const auto ahead = periodsBetween(firstCoupon, settlement, firstCoupon, f, regular->basis, call.date1904);
+    if (!whole || !past || !ahead) {
+        return ErrorCode::Num;
+    }
+    return OddPaper{100 * rate / f, *whole, *past, *ahead, regular->count, static_cast<double>(f)};
+}
+Value oddFirstPrice(Call& call, Arguments arguments) {
+    const auto paper = oddFirst(call, arguments);
+    const double yieldRate = arguments[5].number();
+    const double redemption = arguments[6].number();
+    return !paper || yieldRate < 0 || redemption <= 0 ? Value(ErrorCode::Num)
+                                                      : Value(priceOf(*paper, yieldRate, redemption));
+}
+Value oddFirstYield(Call& call, Arguments arguments) {
+    const auto paper = oddFirst(call, arguments);
+    const double wanted = arguments[5].number();
+    const double redemption = arguments[6].number();
+    if (!paper || wanted <= 0 || redemption <= 0) {
+        return ErrorCode::Num;
+    }
+    return yieldForPrice(wanted, paper->frequency, [&](double y) { return priceOf(*paper, y, redemption); });
+}
+
+/// ODDLPRICE and ODDLYIELD: settlement, maturity, last interest, rate, price or yield, redemption, frequency, basis.
+Result<OddPaper> oddLast(const Call& call, Arguments arguments) {
+    const double settlement = std::floor(arguments[0].number());
+    const double maturity = std::floor(arguments[1].number());
+    const double lastInterest = std::floor(arguments[2].number());
+    const double rate = arguments[3].number();
+    const double frequency = std::trunc(arguments[6].number());
+    const auto basis = basisFromCode(numberOr(arguments, 7, 0));
+    if (!basis || rate < 0 || !(frequency == 1 || frequency == 2 || frequency == 4) ||
+        !(maturity > settlement && settlement > lastInterest) || !dateFromSerial(lastInterest, call.date1904) ||
+        !dateFromSerial(maturity, call.date1904)) {
+        return ErrorCode::Num;
+    }
     const int f = static_cast<int>(frequency);
-    int steps = 0;  // periods before (negative: after) the first interest at which the current period ends
-    while (true) {
-        const auto end = couponDate(firstInterest, steps, f, call.date1904);
-        if (!end) {
-            return end.error();
-        }
-        if (*end >= settlement) {
-            break;
-        }
-        --steps;
+    const auto whole = periodsBetween(lastInterest, lastInterest, maturity, f, *basis, call.date1904);
+    const auto past = periodsBetween(lastInterest, lastInterest, settlement, f, *basis, call.date1904);
+    const auto ahead = periodsBetween(lastInterest, settlement, maturity, f, *basis, call.date1904);
+    if (!whole || !past || !ahead) {
+        return ErrorCode::Num;
     }
-    double periods = 0;
-    for (double end = *couponDate(firstInterest, steps, f, call.date1904); end > from; ++steps) {
-        const auto start = couponDate(firstInterest, steps + 1, f, call.date1904);
-        if (!start) {
-            return start.error();
-        }
-        const double first = std::max(*start, from);
-        const double last = std::min(end, settlement);
-        if (first < last) {
-            const double length = *basis == Basis::ActualActual ? end - *start
-                                  : *basis == Basis::Actual365  ? 365.0 / f
-                                                                : 360.0 / f;
-            periods += daysBetween(first, last, *basis, call.date1904) / length;
-        }
-        end = *start;
+    return OddPaper{100 * rate / f, *whole, *past, *ahead, 0, frequency};
+}
+Value oddLastPrice(Call& call, Arguments arguments) {
+    const auto paper = oddLast(call, arguments);
+    const double yieldRate = arguments[4].number();
+    const double redemption = arguments[5].number();
+    if (!paper || yieldRate < 0 || redemption <= 0) {
+        return ErrorCode::Num;
     }
-    return par * rate / f * periods;
+    return (redemption + paper->coupon * paper->oddCoupons) / (1 + paper->toOddCoupon * yieldRate / paper->frequency) -
+           paper->coupon * paper->accrued;
+}
+Value oddLastYield(Call& call, Arguments arguments) {
+    const auto paper = oddLast(call, arguments);
+    const double redemption = arguments[5].number();
+    if (!paper || arguments[4].number() <= 0 || redemption <= 0) {
+        return ErrorCode::Num;
+    }
+    const double paid = arguments[4].number() + paper->coupon * paper->accrued;
+    return (redemption + paper->coupon * paper->oddCoupons - paid) / paid * paper->frequency / paper->toOddCoupon;
 }
 
 // ---- treasury bills ----
@@ -417,6 +532,10 @@ constexpr FunctionRow table[] = {
     row("DURATION", 5, 6, macaulayDuration),
     row("INTRATE", 4, 5, interestRate),
     row("MDURATION", 5, 6, modifiedDuration),
+    row("ODDFPRICE", 8, 9, oddFirstPrice),
+    row("ODDFYIELD", 8, 9, oddFirstYield),
+    row("ODDLPRICE", 7, 8, oddLastPrice),
+    row("ODDLYIELD", 7, 8, oddLastYield),
     row("PRICE", 6, 7, price),
     row("PRICEDISC", 4, 5, discountedPrice),
     row("PRICEMAT", 5, 6, priceAtMaturity),
