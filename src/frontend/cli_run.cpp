@@ -229,8 +229,10 @@ int runCommand(const RunOptions& options) {
     reserveOutputs(options);
     ModelSession session(options.workbook);
     stopIfInterrupted();
+    session.book().seed(static_cast<std::uint64_t>(settings.seed));
     const Host host = session.host();
     const std::vector<Field> fields = describeModel(host, settings.workbookModel);
+    const std::vector<std::string> absent = session.absentFunctions(fields);
     std::vector<std::string> notes;
     addSettingTables(options, session, fields, settings, notes);
     for (const Requirement& requirement : requirements) {
@@ -244,6 +246,7 @@ int runCommand(const RunOptions& options) {
     results.workbook = std::filesystem::path(options.workbook).filename().string();
     results.notes = std::move(notes);
     noteWatched(results);
+    results.warnings.insert(results.warnings.begin(), absent.begin(), absent.end());
     return static_cast<int>(finish(options, results, requirements));
 }
 

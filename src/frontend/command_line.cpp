@@ -144,7 +144,7 @@ void addAnalyses(CLI::App& run, RunOptions& options) {
         ->group(group);
     run.add_option("--spread", options.spread,
                    "Move an input across its central interval, or in a band around its base")
-        ->check(CLI::IsMember({"interval", "band"}))
+        ->check(CLI::IsMember({"interval", "band"}).description(""))
         ->type_name("interval|band")
         ->capture_default_str()
         ->group(group);
@@ -154,12 +154,12 @@ void addAnalyses(CLI::App& run, RunOptions& options) {
         ->capture_default_str()
         ->group(group);
     run.add_option("--base", options.base, "Where the other inputs stand: simulated median or default value")
-        ->check(CLI::IsMember({"median", "default"}))
+        ->check(CLI::IsMember({"median", "default"}).description(""))
         ->type_name("median|default")
         ->capture_default_str()
         ->group(group);
     run.add_option("--sensitivity", options.sensitivity, "Correlation behind the sensitivity analysis")
-        ->check(CLI::IsMember({"rank", "linear"}))
+        ->check(CLI::IsMember({"rank", "linear"}).description(""))
         ->type_name("rank|linear")
         ->capture_default_str()
         ->group(group);

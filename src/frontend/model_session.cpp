@@ -1,5 +1,7 @@
 #include "frontend/model_session.h"
 
+#include <algorithm>
+
 #include "frontend/failure.h"
 #include "frontend/text.h"
 
@@ -29,6 +31,8 @@ TableCell tableCell(const CellValue& value) {
 
 ModelSession::ModelSession(const std::string& file) : book_(file) {
     book_.attach();
+    // The order of calculation, and with it what calls the module, is known from the first recalculation on.
+    book_.recalculate();
     if (book_.modelCells().empty()) {
         throw Stop(ExitStatus::Model, "nothing to simulate: '" + file +
                                           "' has no model function; a model needs at least one distribution (such as "
@@ -72,6 +76,23 @@ std::optional<CellTable> ModelSession::table(std::string_view reference) const {
         }
     }
     return table;
+}
+
+std::vector<std::string> ModelSession::absentFunctions(const std::vector<Field>& fields) const {
+    std::vector<std::string> sentences;
+    for (const workbook::CellAddress& cell : book_.modelCells()) {
+        const std::string& sheet = book_.sheetName(cell.sheet);
+        const bool present = std::any_of(fields.begin(), fields.end(), [&](const Field& field) {
+            return field.row == cell.row && field.column == cell.column && field.sheet == sheet;
+        });
+        const CellValue value = present ? CellValue{} : book_.value(cell);
+        if (value.type == CellValue::Type::Error) {
+            sentences.push_back("the model function in " + cellAddress(sheet, cell.row, cell.column) +
+                                " takes no part in the run: it shows " + value.text +
+                                ", so an argument is an error or not numeric");
+        }
+    }
+    return sentences;
 }
 
 }  // namespace quorva::frontend

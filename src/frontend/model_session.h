@@ -22,6 +22,10 @@ public:
     /// The cells of a range or defined name; nothing when the workbook knows neither.
     std::optional<CellTable> table(std::string_view reference) const;
 
+    /// A sentence for each cell whose model function takes no part in the run, because one of its arguments is not what
+    /// the function takes.
+    std::vector<std::string> absentFunctions(const std::vector<Field>& fields) const;
+
 private:
     void watch(std::span<const Field> fields);
 

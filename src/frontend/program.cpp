@@ -1,6 +1,7 @@
 // The program's outermost layer: parsing, messages and exit statuses.
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <iostream>
 #include <new>
@@ -104,7 +105,7 @@ int parseAndDispatch(const std::vector<std::string>& arguments) {
             parse(*app, all);
         }
     } catch (const CLI::CallForHelp&) {
-        printOut(chosen(*app).help("", CLI::AppFormatMode::Normal));
+        printOut(chosen(*app).help(&chosen(*app) == app.get() ? "" : "quorva"));
         return 0;
     } catch (const CLI::CallForVersion& version) {
         printOut(std::string(version.what()) + "\n");

@@ -24,19 +24,25 @@ ErrorRecord readError(bool second) {
     return record;
 }
 
-std::string place(const ErrorRecord& record) {
+/// The only field at the record's cell; some errors carry no sheet.
+const Field* fieldAt(const ErrorRecord& record, const std::vector<Field>& fields) {
     const std::string sheet = record.texts.empty() ? "" : sheetOfHostName(record.texts[0]);
-    return "cell " + cellAddress(sheet, record.row, record.column);
-}
-
-std::string nameAt(const ErrorRecord& record, const std::vector<Field>& fields) {
-    const std::string sheet = record.texts.empty() ? "" : sheetOfHostName(record.texts[0]);
+    const Field* found = nullptr;
     for (const Field& field : fields) {
         if (field.row == record.row && field.column == record.column && (sheet.empty() || field.sheet == sheet)) {
-            return " (field '" + field.name + "')";
+            if (found) {
+                return nullptr;
+            }
+            found = &field;
         }
     }
-    return "";
+    return found;
+}
+
+std::string place(const ErrorRecord& record, const std::vector<Field>& fields) {
+    const Field* field = fieldAt(record, fields);
+    const std::string sheet = field ? field->sheet : record.texts.empty() ? "" : sheetOfHostName(record.texts[0]);
+    return "cell " + cellAddress(sheet, record.row, record.column) + (field ? " (field '" + field->name + "')" : "");
 }
 
 std::string nothingToSimulate() {
@@ -45,7 +51,7 @@ std::string nothingToSimulate() {
 }
 
 std::string sentence(int code, const ErrorRecord& first, const std::vector<Field>& fields) {
-    const std::string where = place(first) + nameAt(first, fields);
+    const std::string where = place(first, fields);
     switch (code) {
         case -10:
             return where +
@@ -66,7 +72,7 @@ std::string sentence(int code, const ErrorRecord& first, const std::vector<Field
         case -17: {
             const ErrorRecord second = readError(true);
             const std::string name = second.texts.size() > 1 ? second.texts[1] : "";
-            return "two fields are named '" + name + "': " + place(first) + " and " + place(second) +
+            return "two fields are named '" + name + "': " + place(first, {}) + " and " + place(second, {}) +
                    "; names must be unique in the workbook";
         }
         default:
