@@ -1,0 +1,62 @@
+"""usage: check_xlsx.py REPORT.xlsx RUN.json SAMPLES.csv: reads a report with another program and compares its numbers."""
+import csv
+import json
+import math
+import sys
+
+import openpyxl
+
+book = openpyxl.load_workbook(sys.argv[1])
+run = json.load(open(sys.argv[2]))
+
+
+def same(cell, value):
+    if value is None:
+        assert cell is None, cell
+    else:
+        assert math.isclose(cell, value, rel_tol=1e-14, abs_tol=1e-300), (cell, value)
+
+
+assert book.sheetnames == ["Summary", "Results", "Samples", "Correlations", "Sensitivity", "Tornado", "Spider",
+                           "Convergence", "Capability", "Settings"], book.sheetnames
+
+sheet = book["Results"]
+titles = {cell.value: cell.column for cell in sheet[1]}
+for row, field in enumerate(run["summary"], 2):
+    assert sheet.cell(row, titles["Field"]).value == field["name"]
+    for title, key in {"Count": "count", "Errors": "errors", "Mean": "mean", "Standard error": "standard_error",
+                       "Standard deviation": "stdev", "Variance": "variance", "Skewness": "skewness",
+                       "Excess kurtosis": "kurtosis", "Minimum": "min", "Maximum": "max"}.items():
+        same(sheet.cell(row, titles[title]).value, field[key])
+    for percentile, value in field["percentiles"].items():
+        same(sheet.cell(row, titles["P" + percentile]).value, value)
+assert sheet.freeze_panes == "B2"
+assert len(sheet._charts) == 2 * len(run["sensitivity"]), len(sheet._charts)
+
+sheet = book["Tornado"]
+row = 1
+for tornado in run["tornado"]:
+    while sheet.cell(row, 1).value != tornado["result"]:
+        row += 1
+    same(sheet.cell(row, 4).value, tornado["base"])
+    for k, item in enumerate(tornado["inputs"]):
+        assert sheet.cell(row + 2 + k, 1).value == item["name"]
+        for column, key in ((2, "low"), (3, "high"), (4, "swing")):
+            same(sheet.cell(row + 2 + k, column).value, item[key])
+    row += 1
+for name, charts in (("Sensitivity", 1), ("Tornado", 1), ("Spider", 1), ("Convergence", 1)):
+    assert len(book[name]._charts) == charts * len(run["sensitivity"]), name
+
+sheet = book["Correlations"]
+names = run["correlations"]["names"]
+for i, line in enumerate(run["correlations"]["rank"]):
+    for j, value in enumerate(line):
+        same(sheet.cell(3 + i, 2 + j).value, value)
+
+with open(sys.argv[3]) as text:
+    for row, line in enumerate(csv.reader(text), 1):
+        for column, value in enumerate(line, 1):
+            if row == 1:
+                assert row == 1 and (book["Samples"].cell(row, column).value or "").lower() == value.lower()
+            else:
+                same(book["Samples"].cell(row, column).value, float(value) if value else None)

@@ -1,0 +1,128 @@
+#include "frontend/reports.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <sstream>
+
+#include <nlohmann/json.hpp>
+
+#include "frontend/command_line.h"
+#include "frontend/html_text.h"
+#include "frontend/text.h"
+#include "frontend/verification.h"
+#include "quorva/catalogue.h"
+
+namespace quorva::frontend {
+namespace {
+
+const double none = std::nan("");
+
+TEST(Html, TextIsShownAndNeverRun) {
+    EXPECT_EQ(escaped("<script>alert('x')</script> & \"q\""),
+              "&lt;script&gt;alert(&#39;x&#39;)&lt;/script&gt; &amp; &quot;q&quot;");
+    EXPECT_EQ(scriptSafe("{\"a\":\"</script>\"}"), "{\"a\":\"\\u003c/script\\u003e\"}");
+}
+
+RunResults hostileRun() {
+    RunResults results;
+    results.workbook = "<b>book</b>.xlsx";
+    results.iterations = 2;
+    for (const std::string name : {"<script>alert(1)</script>", "=cmd|' /C calc'!A0"}) {
+        Field field;
+        field.number = static_cast<int>(results.fields.size()) + 1;
+        field.name = name;
+        field.sheet = "Sheet1";
+        field.kind = results.fields.empty() ? FieldKind::Distribution : FieldKind::Result;
+        field.law = 15;
+        field.parameters = {none, 2, 0, 0};
+        results.fields.push_back(field);
+        Summary summary;
+        summary.name = name;
+        summary.kind = field.kind;
+        summary.mean = none;
+        results.summary.push_back(summary);
+        results.intervals.push_back({name, 1, 2, 3, 0, 4});
+        results.samples.columns.push_back({1, none});
+    }
+    const std::string result = results.fields[1].name;
+    results.sensitivity.push_back({result, {{results.fields[0].name, -0.5, -1}}});
+    results.charts.push_back({result, {{0, 1, 2}, {1, 1}, {0.5, 1}}, {{1, 2}, {1, 1}, {0, 0}, {2, 2}}, {}});
+    return results;
+}
+
+TEST(Html, NamesOfFieldsCannotLeaveTheirPlace) {
+    const std::string page = htmlReport(hostileRun());
+    EXPECT_THAT(page, testing::Not(testing::HasSubstr("<script>alert(1)")));
+    EXPECT_THAT(page, testing::Not(testing::HasSubstr("<b>book")));
+    EXPECT_THAT(page, testing::HasSubstr("&lt;script&gt;alert(1)&lt;/script&gt;"));
+    EXPECT_THAT(page, testing::Not(testing::HasSubstr("src=\"http")));
+}
+
+TEST(Json, NumbersThatDoNotExistAreNull) {
+    const auto json = runJson(hostileRun());
+    EXPECT_TRUE(json["summary"][0]["mean"].is_null());
+    EXPECT_TRUE(json["fields"][0]["parameters"]["mu"].is_null());
+    EXPECT_EQ(json["fields"][0]["parameters"]["sigma"], 2);
+    EXPECT_TRUE(json["convergence"].is_null());
+}
+
+TEST(Summary, IsAtMostAHundredColumnsWide) {
+    RunResults results = hostileRun();
+    for (Field& field : results.fields) {
+        field.name += std::string(200, 'x');
+    }
+    results.summary[1].name = std::string(150, 'y');
+    results.summary[1].mean = -123456789012.25;
+    results.warnings.push_back("a long warning " + std::string(60, 'w') + " with " + std::string(60, 'v') + " words");
+    std::istringstream lines(summaryText(results));
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_LE(displayWidth(line), 100u) << line;
+    }
+}
+
+TEST(Terms, EveryLawOfTheCatalogueHasANameAndParameters) {
+    for (const LawEntry& law : lawTable) {
+        EXPECT_FALSE(lawName(law.law).empty());
+        for (int i = 0; i < lawParameterCount(law.law); ++i) {
+            EXPECT_FALSE(lawParameterName(law.law, i).empty()) << law.wrapper;
+        }
+    }
+    EXPECT_EQ(lawName(empiricLaw), "Empirical");
+    for (const StatisticEntry& statistic : statisticTable) {
+        EXPECT_FALSE(statisticName(statistic.statistic).empty());
+    }
+}
+
+TEST(Terms, CapabilityNamesFollowTheCatalogue) {
+    int capability = 0;
+    for (const StatisticEntry& statistic : statisticTable) {
+        capability += statistic.path == StatisticPath::Capability ? 1 : 0;
+    }
+    EXPECT_EQ(capability, capabilityIndices);
+}
+
+TEST(Verification, EqualityIsFifteenDigitsOrNineForSolvers) {
+    using workbook::CellValue;
+    const auto number = [](double x) { return CellValue{CellValue::Type::Number, x, ""}; };
+    EXPECT_TRUE(equalAsSaved(number(0.1 + 0.2), number(0.3), "A1+A2"));
+    EXPECT_FALSE(equalAsSaved(number(1), number(1 + 1e-12), "A1"));
+    EXPECT_TRUE(equalAsSaved(number(1), number(1 + 1e-10), "irr(A1:A9)"));
+    EXPECT_FALSE(equalAsSaved(number(1), {CellValue::Type::Boolean, 1, ""}, "A1"));
+    EXPECT_FALSE(equalAsSaved({CellValue::Type::Text, 0, "a"}, {CellValue::Type::Text, 0, "A"}, "A1"));
+    EXPECT_TRUE(equalAsSaved(number(0), {CellValue::Type::Blank, 0, ""}, "A1"));
+}
+
+TEST(Manual, TheCommittedPageIsTheOneThatTheProgramPrints) {
+    CommandOptions options;
+    std::ifstream in(QUORVA_SOURCE_DIR "/docs/quorva.1");
+    std::ostringstream committed;
+    committed << in.rdbuf();
+    EXPECT_EQ(committed.str(), manPage(*commandLine(options)))
+        << "write it anew: build/linux/quorva --man > docs/quorva.1";
+}
+
+}  // namespace
+}  // namespace quorva::frontend

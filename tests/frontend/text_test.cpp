@@ -1,0 +1,79 @@
+#include "frontend/text.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "frontend/csv.h"
+#include "frontend/progress.h"
+
+namespace quorva::frontend {
+namespace {
+
+TEST(Text, RoundTripsBetweenUtf8AndUtf16) {
+    const std::string text = "Kosten € und 😀";
+    EXPECT_EQ(toUtf8(toUtf16(text)), text);
+    EXPECT_EQ(toUtf16("😀").size(), 2u);
+}
+
+TEST(Text, ReplacesMalformedBytesAndLoneSurrogates) {
+    EXPECT_EQ(toUtf8(toUtf16("a\xFFz")), "a\xEF\xBF\xBDz");
+    EXPECT_EQ(toUtf8(std::u16string{u'a', char16_t(0xD800)}), "a\xEF\xBF\xBD");
+}
+
+TEST(Text, ExactNumbersReadBackAsTheSameDouble) {
+    for (const double x : {0.1, 1.0 / 3, 1e300, -2.2250738585072014e-308, 123456789.123456789}) {
+        EXPECT_EQ(parseNumber(exactNumber(x)), x);
+    }
+    EXPECT_EQ(exactNumber(std::numeric_limits<double>::quiet_NaN()), "");
+}
+
+TEST(Text, ReadableNumbersAreShort) {
+    EXPECT_EQ(readableNumber(1234567.0), "1234567");
+    EXPECT_EQ(readableNumber(0.30000000000000004), "0.3");
+    EXPECT_EQ(readableNumber(-0.05), "-0.05");
+    EXPECT_EQ(readableNumber(std::numeric_limits<double>::infinity()), "-");
+}
+
+TEST(Text, ParsesOnlyWholeNumbersTexts) {
+    EXPECT_EQ(parseNumber(" +1.5e3 "), 1500);
+    EXPECT_FALSE(parseNumber("1.5x"));
+    EXPECT_FALSE(parseNumber("+-1"));
+    EXPECT_FALSE(parseNumber("inf"));
+    EXPECT_FALSE(parseNumber(""));
+}
+
+TEST(Text, CellAddressesQuoteSheetNamesThatNeedIt) {
+    EXPECT_EQ(cellAddress(6, 1), "B7");
+    EXPECT_EQ(cellAddress(0, 702), "AAA1");
+    EXPECT_EQ(cellAddress("Costs", 6, 1), "Costs!B7");
+    EXPECT_EQ(cellAddress("My 'own' sheet", 0, 0), "'My ''own'' sheet'!A1");
+    EXPECT_EQ(sheetOfHostName("[Book.xlsx]Costs"), "Costs");
+}
+
+TEST(Text, SuggestsTheNearestName) {
+    const std::vector<std::string> names{"Profit", "Cost", "Revenue"};
+    EXPECT_EQ(nearestName("profits", names), "Profit");
+    EXPECT_EQ(nearestName("xyzzy", names), "");
+}
+
+TEST(Csv, ReadsQuotesLineBreaksAndSemicolons) {
+    EXPECT_EQ(parseCsv("\xEF\xBB\xBF"
+                       "a,\"b,\"\"c\n\"\r\n1,2\n\n"),
+              (std::vector<std::vector<std::string>>{{"a", "b,\"c\n"}, {"1", "2"}}));
+    EXPECT_EQ(parseCsv("a;b\n1,5;2"), (std::vector<std::vector<std::string>>{{"a", "b"}, {"1,5", "2"}}));
+}
+
+TEST(Csv, NamesThatLookLikeFormulasAreNeverRun) {
+    EXPECT_EQ(csvName("=cmd|' /C calc'!A0"), "'=cmd|' /C calc'!A0");
+    EXPECT_EQ(csvName("@sum,1"), "\"'@sum,1\"");
+    EXPECT_EQ(csvName("plain"), "plain");
+}
+
+TEST(Progress, ShowsShareRateAndTimeLeft) {
+    EXPECT_EQ(progressLine(25000, 100000, 0.5),
+              " 25 % [######..................] 25,000 of 100,000, 50,000/s, 2 s left");
+}
+
+}  // namespace
+}  // namespace quorva::frontend
