@@ -155,6 +155,23 @@ std::optional<double> parseTime(const std::vector<Piece>& pieces, std::size_t at
     return (hours * 3600 + minutes * 60 + seconds) / 86400;
 }
 
+/// Takes the day of the week off the front: "Friday, January 31, 2020", "Fri 31-Jan-2020". It is not checked.
+void removeWeekday(std::vector<Piece>& pieces) {
+    constexpr std::array<std::string_view, 7> names{"MONDAY", "TUESDAY",  "WEDNESDAY", "THURSDAY",
+                                                    "FRIDAY", "SATURDAY", "SUNDAY"};
+    if (pieces.empty() || pieces[0].kind != Piece::Kind::Word ||
+        std::none_of(names.begin(), names.end(), [&](std::string_view name) {
+            return pieces[0].text == name || pieces[0].text == name.substr(0, 3);
+        })) {
+        return;
+    }
+    std::size_t at = 1;
+    while (isMark(pieces, at, ',') || isMark(pieces, at, ' ')) {
+        ++at;
+    }
+    pieces.erase(pieces.begin(), pieces.begin() + static_cast<std::ptrdiff_t>(at));
+}
+
 struct DateParts {
     int year = -1;
     int month = 0;
@@ -185,9 +202,10 @@ std::optional<DateParts> parseNamedDate(const std::vector<Piece>& pieces) {
         date.day = pieces[0].value;
         date.next = at + 1;
         at = date.next;
-        if (separator(pieces, at) && isNumber(pieces, at + 1) && !isMark(pieces, at + 2, ':')) {
-            date.year = fullYear(pieces[at + 1]);
-            date.next = at + 2;
+        at += separator(pieces, at) ? 1 : 0;
+        if (isNumber(pieces, at) && !isMark(pieces, at + 1, ':')) {  // "5-Jan-2020", "5JAN2020"
+            date.year = fullYear(pieces[at]);
+            date.next = at + 1;
         }
     } else {
         if (pieces.empty() || pieces[0].kind != Piece::Kind::Word) {
@@ -310,6 +328,7 @@ std::optional<double> parseDateOrTime(std::string_view text, bool date1904) {
     if (const auto time = parseTime(pieces, 0)) {
         return time;
     }
+    removeWeekday(pieces);
     auto date = parseNamedDate(pieces);
     if (!date) {
         date = parseNumericDate(pieces);
