@@ -117,35 +117,16 @@ std::size_t parsePiece(std::string_view rest, Section& section) {
             const auto end = rest.find(']');
             return end != std::string_view::npos && parseBracket(rest.substr(1, end - 1), section) ? end + 1 : 0;
         }
-        case '0':
-        case '#':
-        case '?': {
-            section.tokens.push_back({Kind::Digit, c, 0, {}});
-            return 1;
-        }
-        case '.': {
-            section.tokens.push_back({Kind::Point, 0, 0, {}});
-            return 1;
-        }
-        case ',': {
-            section.tokens.push_back({Kind::Comma, 0, 0, {}});
-            return 1;
-        }
-        case '%': {
-            section.tokens.push_back({Kind::Percent, 0, 0, {}});
-            return 1;
-        }
-        case '/': {
-            section.tokens.push_back({Kind::Slash, 0, 0, "/"});
-            return 1;
-        }
-        case '@': {
-            section.tokens.push_back({Kind::Text, 0, 0, {}});
-            section.text = true;
-            return 1;
-        }
         default:
             break;
+    }
+    constexpr std::string_view signs = "0#?.,%/@";
+    constexpr std::array kinds{Kind::Digit, Kind::Digit,   Kind::Digit, Kind::Point,
+                               Kind::Comma, Kind::Percent, Kind::Slash, Kind::Text};
+    if (const auto at = signs.find(c); at != std::string_view::npos) {
+        section.tokens.push_back({kinds[at], c, 0, c == '/' ? "/" : ""});
+        section.text = section.text || c == '@';
+        return 1;
     }
     if (startsWithWord(rest, "GENERAL")) {
         section.tokens.push_back({Kind::General, 0, 0, {}});

@@ -279,37 +279,54 @@ Ratio convergent(double x, double limit) {
     return ratio;
 }
 
+/// Where the parts of a fraction stand among the tokens.
+struct FractionLayout {
+    std::size_t numerator = 0;  ///< its first placeholder
+    std::size_t slash = 0;
+    std::size_t after = 0;         ///< behind the denominator
+    std::size_t placeholders = 0;  ///< of the denominator
+    double fixed = 0;              ///< the denominator when it is written as a number
+    bool hasWhole = false;
+};
+
+FractionLayout fractionLayout(const Tokens& tokens) {
+    FractionLayout layout;
+    const auto isDigit = [&](std::size_t at) { return at < tokens.size() && tokens[at].kind == Kind::Digit; };
+    while (tokens[layout.slash].kind != Kind::Slash) {
+        ++layout.slash;
+    }
+    layout.numerator = layout.slash;
+    while (layout.numerator > 0 && isDigit(layout.numerator - 1)) {
+        --layout.numerator;
+    }
+    layout.after = layout.slash + 1;
+    while (isDigit(layout.after)) {
+        ++layout.after;
+    }
+    layout.placeholders = layout.after - layout.slash - 1;
+    for (; layout.after < tokens.size(); ++layout.after) {  // "8", "100": a 0 in it reads as a placeholder
+        const Token& token = tokens[layout.after];
+        const bool literal =
+            token.kind == Kind::Literal && token.text.size() == 1 && token.text[0] >= '0' && token.text[0] <= '9';
+        if (!literal && !(layout.fixed > 0 && token.kind == Kind::Digit && token.code == '0')) {
+            break;
+        }
+        layout.fixed = layout.fixed * 10 + (literal ? token.text[0] - '0' : 0);
+    }
+    for (std::size_t i = 0; i < layout.numerator; ++i) {
+        layout.hasWhole = layout.hasWhole || isDigit(i);
+    }
+    return layout;
+}
+
 }  // namespace
 
 std::string writeFraction(const Section& section, double magnitude) {
     const Tokens& tokens = section.tokens;
-    const auto size = tokens.size();
-    std::size_t slash = 0;
-    while (tokens[slash].kind != Kind::Slash) {
-        ++slash;
-    }
-    std::size_t numerator = slash;
-    while (numerator > 0 && tokens[numerator - 1].kind == Kind::Digit) {
-        --numerator;
-    }
-    std::size_t after = slash + 1;
-    double fixed = 0;
-    if (tokens[after].kind == Kind::Digit) {
-        while (after < size && tokens[after].kind == Kind::Digit) {
-            ++after;
-        }
-    }
-    const std::size_t placeholders = after - slash - 1;
-    while (after < size && ((tokens[after].kind == Kind::Literal && tokens[after].text.size() == 1 &&
-                             tokens[after].text[0] >= '0' && tokens[after].text[0] <= '9') ||
-                            (fixed > 0 && tokens[after].kind == Kind::Digit && tokens[after].code == '0'))) {
-        fixed = fixed * 10 + (tokens[after].kind == Kind::Digit ? 0 : tokens[after].text[0] - '0');
-        ++after;
-    }
-    const bool hasWhole = std::any_of(tokens.begin(), tokens.begin() + static_cast<std::ptrdiff_t>(numerator),
-                                      [](const Token& t) { return t.kind == Kind::Digit; });
+    const FractionLayout layout = fractionLayout(tokens);
     double whole = std::floor(magnitude);
-    const double limit = std::pow(10.0, static_cast<double>(std::min<std::size_t>(placeholders, 5))) - 1;
+    const double fixed = layout.fixed;
+    const double limit = std::pow(10.0, static_cast<double>(std::min<std::size_t>(layout.placeholders, 5))) - 1;
     Ratio ratio =
         fixed > 0 ? Ratio{std::floor((magnitude - whole) * fixed + 0.5), fixed} : convergent(magnitude - whole, limit);
     if (ratio.numerator >= ratio.denominator) {
@@ -318,27 +335,27 @@ std::string writeFraction(const Section& section, double magnitude) {
         ratio.denominator = fixed > 0 ? fixed : 1;
     }
     const auto digits = [](double x) { return Decimal::of(x).whole(); };
-    const Tokens upper(tokens.begin() + static_cast<std::ptrdiff_t>(numerator),
-                       tokens.begin() + static_cast<std::ptrdiff_t>(slash));
     std::string text;
-    if (hasWhole) {
+    if (layout.hasWhole) {
         const bool zero = whole == 0 && ratio.numerator == 0;
-        text = writeWhole(tokens, numerator, zero ? "0" : digits(whole), false);
+        text = writeWhole(tokens, layout.numerator, zero ? "0" : digits(whole), false);
     } else {
-        text = writeWhole(tokens, numerator, "", false);
+        text = writeWhole(tokens, layout.numerator, "", false);
         ratio.numerator += whole * ratio.denominator;
     }
     std::string below = digits(ratio.denominator);
-    if (below.size() < placeholders) {
-        below += std::string(placeholders - below.size(), ' ');
+    if (below.size() < layout.placeholders) {
+        below += std::string(layout.placeholders - below.size(), ' ');
     }
-    if (hasWhole && ratio.numerator == 0 && upper.back().code != '0') {
+    const Tokens upper(tokens.begin() + static_cast<std::ptrdiff_t>(layout.numerator),
+                       tokens.begin() + static_cast<std::ptrdiff_t>(layout.slash));
+    if (layout.hasWhole && ratio.numerator == 0 && upper.back().code != '0') {
         text += std::string(upper.size() + 1 + below.size(), ' ');
     } else {
         text +=
             writeWhole(upper, upper.size(), ratio.numerator == 0 ? "0" : digits(ratio.numerator), false) + "/" + below;
     }
-    return text + writeDecimals(tokens, after, size, "");
+    return text + writeDecimals(tokens, layout.after, tokens.size(), "");
 }
 
 }  // namespace format
