@@ -48,22 +48,28 @@ std::string writeDay(int day, std::string_view weekday, int count) {
     return std::string(count == 3 ? weekday.substr(0, 3) : weekday);
 }
 
-}  // namespace
+/// A serial number taken apart, rounded to the smallest unit that the format shows.
+struct Moment {
+    CalendarDate date;
+    std::string_view weekday;
+    std::int64_t seconds = 0;   ///< of the day
+    std::int64_t elapsed = 0;   ///< seconds since serial number 0
+    std::int64_t fraction = 0;  ///< of the second, in units of its last digit shown
+    bool half = false;          ///< hours run to 12
+};
 
-std::optional<std::string> writeDate(const Section& section, double serial, bool date1904) {
-    const auto& tokens = section.tokens;
+std::optional<Moment> momentOf(const Section& section, double serial, bool date1904) {
     int subDigits = 0;
     bool hasTime = false;
-    bool half = false;
-    for (const Token& token : tokens) {
+    Moment moment;
+    for (const Token& token : section.tokens) {
         subDigits = std::max(subDigits, token.kind == Kind::SubSecond ? token.count : 0);
         hasTime = hasTime || token.kind >= Kind::Hour || token.kind == Kind::Minute;
-        half = half || token.kind == Kind::HalfDay;
+        moment.half = moment.half || token.kind == Kind::HalfDay;
     }
     if (serial < 0 || serial >= lastSerial + 1) {
         return std::nullopt;
     }
-    // Rounded to the smallest unit shown, so that 0.99999 s does not read 59 s.
     const double units = std::pow(10.0, subDigits);
     double day = std::floor(serial);
     double ticks = hasTime ? std::floor((serial - day) * 86400 * units + 0.5) : 0;
@@ -75,56 +81,63 @@ std::optional<std::string> writeDate(const Section& section, double serial, bool
     if (!date) {
         return std::nullopt;
     }
-    const std::int64_t seconds = static_cast<std::int64_t>(ticks / units);
-    const std::int64_t hour = seconds / 3600;
-    const std::int64_t total = static_cast<std::int64_t>(day) * 86400 + seconds;
-    const std::string_view weekday = weekdays[static_cast<std::size_t>(std::fmod(day + (date1904 ? 1462 : 0), 7))];
+    moment.date = *date;
+    moment.weekday = weekdays[static_cast<std::size_t>(std::fmod(day + (date1904 ? 1462 : 0), 7))];
+    moment.seconds = static_cast<std::int64_t>(ticks / units);
+    moment.elapsed = static_cast<std::int64_t>(day) * 86400 + moment.seconds;
+    moment.fraction = static_cast<std::int64_t>(std::fmod(ticks, units));
+    return moment;
+}
+
+std::string writeHalfDay(const std::string& wanted, bool morning) {
+    return wanted.size() > 3 ? (morning ? "AM" : "PM") : std::string(1, wanted[morning ? 0 : 2]);
+}
+
+std::string writeToken(const Token& token, const Moment& moment) {
+    const std::int64_t hour = moment.seconds / 3600;
+    const int width = std::min(token.count, 2);
+    switch (token.kind) {
+        case Kind::Year:
+            return token.count <= 2 ? padded(moment.date.year % 100, 2) : padded(moment.date.year, 4);
+        case Kind::Month:
+            return writeMonth(moment.date.month, token.count);
+        case Kind::Day:
+            return writeDay(moment.date.day, moment.weekday, token.count);
+        case Kind::Hour:
+            return padded(moment.half ? (hour + 11) % 12 + 1 : hour, width);
+        case Kind::Minute:
+            return padded(moment.seconds / 60 % 60, width);
+        case Kind::Second:
+            return padded(moment.seconds % 60, width);
+        case Kind::SubSecond:
+            return "." + padded(moment.fraction, token.count);
+        case Kind::Elapsed:
+            return padded(moment.elapsed / (token.code == 'H' ? 3600 : token.code == 'M' ? 60 : 1), token.count);
+        case Kind::HalfDay:
+            return writeHalfDay(token.text, hour < 12);
+        case Kind::Point:
+            return ".";
+        case Kind::Comma:
+            return ",";
+        case Kind::Percent:
+            return "%";
+        case Kind::Digit:
+            return token.code == '0' ? "0" : "";
+        default:
+            return token.text;
+    }
+}
+
+}  // namespace
+
+std::optional<std::string> writeDate(const Section& section, double serial, bool date1904) {
+    const auto moment = momentOf(section, serial, date1904);
+    if (!moment) {
+        return std::nullopt;
+    }
     std::string text;
-    for (const Token& token : tokens) {
-        switch (token.kind) {
-            case Kind::Year:
-                text += token.count <= 2 ? padded(date->year % 100, 2) : padded(date->year, 4);
-                break;
-            case Kind::Month:
-                text += writeMonth(date->month, token.count);
-                break;
-            case Kind::Day:
-                text += writeDay(date->day, weekday, token.count);
-                break;
-            case Kind::Hour:
-                text += padded(half ? (hour + 11) % 12 + 1 : hour, std::min(token.count, 2));
-                break;
-            case Kind::Minute:
-                text += padded(seconds / 60 % 60, std::min(token.count, 2));
-                break;
-            case Kind::Second:
-                text += padded(seconds % 60, std::min(token.count, 2));
-                break;
-            case Kind::SubSecond:
-                text += "." + padded(static_cast<std::int64_t>(std::fmod(ticks, units)), token.count);
-                break;
-            case Kind::Elapsed:
-                text += padded(token.code == 'H' ? total / 3600 : token.code == 'M' ? total / 60 : total, token.count);
-                break;
-            case Kind::HalfDay:
-                text +=
-                    token.text.size() > 3 ? (hour < 12 ? "AM" : "PM") : std::string(1, token.text[hour < 12 ? 0 : 2]);
-                break;
-            case Kind::Point:
-                text += '.';
-                break;
-            case Kind::Comma:
-                text += ',';
-                break;
-            case Kind::Percent:
-                text += '%';
-                break;
-            case Kind::Digit:
-                text += token.code == '0' ? "0" : "";
-                break;
-            default:
-                text += token.text;
-        }
+    for (const Token& token : section.tokens) {
+        text += writeToken(token, *moment);
     }
     return text;
 }

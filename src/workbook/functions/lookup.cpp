@@ -97,6 +97,19 @@ int scanForBlank(const Line& line, bool backwards) {
     return used < line.size() ? used : -1;
 }
 
+/// The first (or the last) position of a number: what most lookups of a simulated model do at every iteration.
+int scanForNumber(const Line& line, double key, bool backwards) {
+    int found = -1;
+    line.forEach([&](const Value& value, int position) -> bool {
+        if (value.isNumber() && compareNumbers(value.number(), key) == 0) {
+            found = position;
+            return backwards;
+        }
+        return true;
+    });
+    return found;
+}
+
 /// Walks the line for an exact match, a pattern, or the nearest value on one side; the first (or the last) of equals.
 int scan(const Line& line, const Value& key, Match match, bool backwards) {
     if (key.isBlank()) {
@@ -104,6 +117,9 @@ int scan(const Line& line, const Value& key, Match match, bool backwards) {
     }
     const bool pattern = match == Match::Wildcard && key.isText() && hasWildcard(key.text());
     const bool near = match == Match::NextSmaller || match == Match::NextLarger;
+    if (key.isNumber() && !near) {
+        return scanForNumber(line, key.number(), backwards);
+    }
     int found = -1;
     int nearest = -1;
     Value nearestValue;

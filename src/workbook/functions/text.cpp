@@ -441,6 +441,7 @@ constexpr FunctionRow table[] = {
     row("UNICHAR", 1, 1, "N", unicodeCharacter),
     row("UNICODE", 1, 1, "T", unicodePoint),
     row("UPPER", 1, 1, "T", upper),
+    row("USDOLLAR", 1, 2, "N", dollar),
     row("VALUE", 1, 1, "S", value),
 };
 
