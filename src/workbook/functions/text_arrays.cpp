@@ -8,6 +8,9 @@ namespace quorva::workbook {
 
 namespace {
 
+/// The most characters that a cell's text may have.
+constexpr std::size_t longestText = 32767;
+
 /// Where a delimiter stands in a text, in bytes.
 struct Cut {
     std::size_t begin = 0;
@@ -193,13 +196,13 @@ Value arrayToText(Call& call, Arguments arguments) {
                 text += !*strict ? ", " : column > 0 ? "," : ";";
             }
             text += written(grid.at(row, column), *strict);
-            if (text.size() > 4 * 32767) {
+            if (text.size() > 4 * longestText) {
                 return ErrorCode::Value;
             }
         }
     }
     text += *strict ? "}" : "";
-    return utf16Length(text) > 32767 ? Value(ErrorCode::Value) : Value(std::move(text));
+    return utf16Length(text) > static_cast<int>(longestText) ? Value(ErrorCode::Value) : Value(std::move(text));
 }
 
 Value valueToText(Call&, Arguments arguments) {
