@@ -131,6 +131,24 @@ void fieldEvaluation(benchmark::State& state, const Law& law) {
     state.SetItemsProcessed(state.iterations() * state.range(1));
 }
 
+/// One uniform of a stream with strata, its share of the permutation included.
+void stratifiedUniform(benchmark::State& state) {
+    const int strata = static_cast<int>(state.range(0));
+    if (!start(fieldNames(1), {20, {0, 1}}, 1000, strata)) {
+        state.SkipWithError("the run does not begin");
+        return;
+    }
+    SeedState& seed = run.sampling.seed;
+    for (auto _ : state) {
+        for (int k = 0; k < strata; ++k) {
+            benchmark::DoNotOptimize(getLHSRandom01(0, 1, 0.0, 1.0, &seed.seed, seed.initialise, &seed.updated));
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * strata);
+    state.counters["ns"] = benchmark::Counter(static_cast<double>(state.iterations()) * strata * 1e-9,
+                                              benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
 void secondEvaluation(benchmark::State& state) {
     const auto names = fieldNames(100);
     start(names, {15, {0, 1}}, 1000, 0);
@@ -197,6 +215,7 @@ BENCHMARK_CAPTURE(fieldEvaluation, pert, Law{27, {1, 2, 5}})->Apply(perLaw);
 BENCHMARK_CAPTURE(fieldEvaluation, student, Law{19, {5}})->Apply(perLaw);
 BENCHMARK_CAPTURE(fieldEvaluation, poisson, Law{18, {4.5}})->Apply(perLaw);
 BENCHMARK_CAPTURE(fieldEvaluation, binomial, Law{2, {20, 0.3}})->Apply(perLaw);
+BENCHMARK(stratifiedUniform)->ArgName("strata")->Arg(100)->Arg(1000)->Arg(10'000)->Arg(100'000);
 BENCHMARK(secondEvaluation);
 BENCHMARK(jointDraw)->ArgNames({"labels", "strata"})->ArgsProduct({{2, 10, 50}, {0, 1000}});
 BENCHMARK(stepBetweenIterations)->Arg(10)->Arg(1000)->Arg(10'000);

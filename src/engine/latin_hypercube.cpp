@@ -2,7 +2,6 @@
 #include <algorithm>
 
 #include "common/guarded.h"
-#include "common/sort_rows.h"
 #include "common/whole_number.h"
 #include "engine/inner_calls.h"
 #include "engine/run_state.h"
@@ -73,37 +72,28 @@ double plainUniform(const Generator& generator, Bounds bounds) {
 int strataInUse() { return run.sampling.inbuckets > 0 ? std::max(run.sampling.LhsTable.rows() - 1, 0) : 0; }
 
 /// A random permutation of the strata: their numbers ordered by uniforms.
-void permuteStrata(const Generator& generator, int stream) {
-    const int strata = strataInUse();
-    matrix<double>& work = run.sampling.permutation;
-    if (work.rows() != strata) {
-        work = matrix<double>(strata, 2);
-    }
-    generator.fill(work, strata);
-    for (int k = 1; k <= strata; ++k) {
-        work(k, 2) = k;
-    }
-    SortQMatrixCol(work, strata, 2, 1, 0, strata, false);
+void permuteStrata(const Generator& generator, int strata, int stream) {
+    RandomPermutation& permutation = run.sampling.permutation;
+    generator.fill(permutation.uniforms(strata), strata);
     matrix<double>& table = run.sampling.LhsTable;
-    for (int k = 1; k <= strata; ++k) {
-        table(k, stream) = work(k, 2);
+    if (table.contains(strata, stream)) {
+        permutation.order(table.column(stream));
     }
     table(strata + 1, stream) = strata;
 }
 
-double stratifiedUniform(const Generator& generator, int stream, Bounds bounds) {
+double stratifiedUniform(const Generator& generator, int strata, int stream, Bounds bounds) {
     matrix<double>& table = run.sampling.LhsTable;
-    const int strata = strataInUse();
+    double& left = table(strata + 1, stream);
     for (;;) {
-        if (table(strata + 1, stream) == 0.0) {
-            permuteStrata(generator, stream);
+        if (left == 0.0) {
+            permuteStrata(generator, strata, stream);
         }
         const double uniform = generator.draw();
         if (stream == 0) {
             recordError(runerror::tooManyCells, 0, 0, {});
             return uniform;
         }
-        double& left = table(strata + 1, stream);
         const double stratum = table(wholeNumber(left), stream);
         const double result = (uniform + (stratum - 1.0)) / strata;  // exactly the uniform for one stratum
         left -= 1.0;
@@ -124,7 +114,8 @@ double getLHSRandom01(int /*ignored*/, int stream, double lower, double upper, i
     const Bounds bounds(stream, lower, upper);
     double uniform = lower;
     try {
-        uniform = strataInUse() > 0 ? stratifiedUniform(generator, stream, bounds) : plainUniform(generator, bounds);
+        const int strata = strataInUse();
+        uniform = strata > 0 ? stratifiedUniform(generator, strata, stream, bounds) : plainUniform(generator, bounds);
     } catch (...) {
         recordOutOfMemory();
     }

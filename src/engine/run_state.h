@@ -12,6 +12,7 @@
 
 #include "common/matrix.h"
 #include "common/missing_value.h"
+#include "engine/random_permutation.h"
 
 namespace quorva {
 
@@ -224,7 +225,7 @@ struct SamplingState {
     matrix<double> SampleStore;            ///< nSim x nFields
     matrix<double> LhsTable;               ///< (inbuckets + 1) x nDist
     std::map<int, OrderedColumn> ordered;  ///< by field number
-    matrix<double> permutation;            ///< inbuckets x 2, work space of the permutations of LhsTable
+    RandomPermutation permutation;         ///< makes the permutations of LhsTable
 };
 
 /// How the correlation factor was made.

@@ -1,6 +1,6 @@
 #include "numerics/uniforms.h"
 
-#include <array>
+#include <algorithm>
 #include <cstdint>
 #include <random>
 
@@ -90,8 +90,12 @@ double GenerateRandom01(int* seed, short, int* seedUpdate) {
 
 void M_GenerateRandom01(matrix<double>& table, int n, int column, int* seed, short, int* seedUpdate) {
     stream.continueFrom(*seed);
-    for (int i = 1; i <= n; ++i) {
-        table(i, column) = stream.draw();
+    if (table.contains(n, column)) {
+        std::generate_n(table.column(column), n, [] { return stream.draw(); });
+    } else {
+        for (int i = 1; i <= n; ++i) {
+            table(i, column) = stream.draw();
+        }
     }
     *seed = *seedUpdate = stream.advance();
 }
