@@ -72,6 +72,44 @@ TEST(FunctionTable, NumericFormsSurviveExtremeArguments) {
     }
 }
 
+/// Whatever the arguments are, a function gives a value: it neither throws nor runs away.
+TEST(FunctionTable, FunctionsSurviveArgumentsOfEveryKind) {
+    CellStore cells;
+    cells.build({{cellKey(0, 0), cellKey(0, 1), cellKey(1, 0)}});
+    cells.set(cells.find(0, 0, 0), Value(2.0));
+    cells.set(cells.find(0, 0, 1), Value("text"));
+    cells.set(cells.find(0, 1, 0), Value(ErrorCode::Div0));
+    const std::vector<Value> samples = {-1e308,
+                                        -1.0,
+                                        0.0,
+                                        0.5,
+                                        3.0,
+                                        1e308,
+                                        "text",
+                                        "",
+                                        true,
+                                        Value(),
+                                        ErrorCode::NA,
+                                        Value::array(2, 2, {1.0, 2.0, "x", Value()}),
+                                        Value::reference({Area{0, 0, 0, 0, 0}}),
+                                        Value::reference({Area{0, 0, 0, 2, 1}})};
+    for (const FunctionRow* row : allFunctions()) {
+        if (row->volatility == Volatility::Volatile || row->kinds.find('L') != std::string_view::npos) {
+            continue;  // they need a recalculation in progress
+        }
+        const int count = std::clamp(row->maxArgs, row->minArgs, std::max(row->minArgs, 3));
+        const int combinations = static_cast<int>(std::pow(samples.size(), std::min(count, 3)));
+        for (int i = 0; i < combinations; ++i) {
+            std::vector<Value> arguments;
+            for (int argument = 0, rest = i; argument < count; ++argument) {
+                arguments.push_back(samples[static_cast<std::size_t>(rest) % samples.size()]);
+                rest = argument == 2 ? i : rest / static_cast<int>(samples.size());
+            }
+            EXPECT_NO_THROW(callRow(cells, *row, arguments)) << row->name << " with arguments of set " << i;
+        }
+    }
+}
+
 TEST(NormalQuantile, IsTheInverseOfTheProbabilityInBothTails) {
     const boost::math::normal_distribution<long double> exact;
     for (const double p :
