@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <type_traits>
+#include <utility>
 
 #include "common/missing_value.h"
 #include "frontend/statistics.h"
@@ -27,18 +29,20 @@ std::vector<std::size_t> correlatedFields(const std::vector<Field>& fields) {
     return order;
 }
 
-Correlations correlationsOf(const std::vector<Field>& fields, const SampleTable& samples,
-                            const std::vector<std::vector<double>>& ranks) {
-    Correlations correlations;
-    std::vector<std::vector<double>> values, rankColumns;
+/// Names and columns of the correlated fields; the columns are taken or copied from `from`.
+template <class Columns>
+LabelledMatrix correlationOf(const std::vector<Field>& fields, Columns&& from) {
+    std::vector<std::string> names;
+    std::vector<std::vector<double>> columns;
     for (const std::size_t i : correlatedFields(fields)) {
-        correlations.names.push_back(fields[i].name);
-        values.push_back(samples.columns[i]);
-        rankColumns.push_back(ranks[i]);
+        names.push_back(fields[i].name);
+        if constexpr (std::is_lvalue_reference_v<Columns>) {
+            columns.push_back(from[i]);
+        } else {
+            columns.push_back(std::move(from[i]));
+        }
     }
-    correlations.linear = correlationMatrix(correlations.names, values);
-    correlations.rank = correlationMatrix(correlations.names, rankColumns);
-    return correlations;
+    return correlationMatrix(std::move(names), std::move(columns));
 }
 
 double largestDifference(const LabelledMatrix& a, const LabelledMatrix& b) {
@@ -215,6 +219,8 @@ RunResults analyseRun(const RunSettings& settings, const std::vector<Field>& fie
     results.iterations = record.iterations;
     results.interrupted = record.interrupted;
     results.fields = fields;
+    // One after the other: a large run leaves room for one more copy of its values.
+    results.correlations.linear = correlationOf(fields, record.samples.columns);
     std::vector<std::vector<double>> ranks(fields.size());
     std::vector<Histogram> histograms(fields.size());
     for (std::size_t i = 0; i < fields.size(); ++i) {
@@ -230,7 +236,8 @@ RunResults analyseRun(const RunSettings& settings, const std::vector<Field>& fie
         }
         warnOfValues(fields[i], results.summary[i], record.iterations, results.warnings);
     }
-    results.correlations = correlationsOf(fields, record.samples, ranks);
+    results.correlations.rank = correlationOf(fields, std::move(ranks));
+    results.correlations.names = results.correlations.rank.names;
     results.correlations.requested = settings.correlation;
     results.correlations.repaired = record.repaired;
     if (record.repaired) {

@@ -80,13 +80,10 @@ void writeResultsSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& result
         colourBars(XlsxBook::series(chart, sheet.range(first, row - 1, 0), sheet.range(first, row - 1, 3), head, 3),
                    blue);
         chart_set_series_gap(chart, 0);
-        sheet.chart(head, 6, chart);
-        lxw_chart* line = book.chart(LXW_CHART_LINE, "Cumulative share of " + charts.name, "Class middle", "Share");
-        colourLine(XlsxBook::series(line, sheet.range(first, row - 1, 0), sheet.range(first, row - 1, 4), head, 4),
+        colourLine(XlsxBook::series(chart, sheet.range(first, row - 1, 0), sheet.range(first, row - 1, 4), head, 4),
                    orange);
-        chart_axis_set_min(line->y_axis, 0);
-        chart_axis_set_max(line->y_axis, 1);
-        sheet.chart(head, 12, line);
+        book.lineOver();
+        sheet.chart(head, 6, chart);
         row = std::max(row, head + chartRows) + 1;
     }
 }

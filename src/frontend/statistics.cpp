@@ -193,28 +193,27 @@ std::vector<double> ranksOf(std::span<const double> column, const SortedColumn& 
 }
 
 namespace {
-/// Scaled to mean 0 and length 1, or empty when the column does not vary.
-std::vector<double> standardised(const std::vector<double>& column) {
+/// Scales to mean 0 and length 1; empties a column that does not vary.
+void standardise(std::vector<double>& column) {
     double sum = 0;
     for (const double x : column) {
         sum += x;
     }
     const double mean = sum / static_cast<double>(column.size());
     double squares = 0, largest = 0;
-    std::vector<double> scaled(column.size());
-    for (std::size_t i = 0; i < column.size(); ++i) {
-        scaled[i] = column[i] - mean;
-        squares += scaled[i] * scaled[i];
-        largest = std::max(largest, std::fabs(column[i]));
+    for (double& x : column) {
+        largest = std::max(largest, std::fabs(x));
+        x -= mean;
+        squares += x * x;
     }
     const double length = std::sqrt(squares);
     if (!(length > 1e-14 * largest * std::sqrt(static_cast<double>(column.size()))) || !std::isfinite(length)) {
-        return {};
+        column = {};
+        return;
     }
-    for (double& x : scaled) {
+    for (double& x : column) {
         x /= length;
     }
-    return scaled;
 }
 
 double product(const std::vector<double>& a, const std::vector<double>& b) {
@@ -243,37 +242,39 @@ double pairwiseCorrelation(const std::vector<double>& a, const std::vector<doubl
             y.push_back(b[i]);
         }
     }
-    x = x.empty() ? x : standardised(x);
-    y = y.empty() ? y : standardised(y);
+    standardise(x);
+    standardise(y);
     return x.empty() || y.empty() ? none : std::clamp(product(x, y), -1.0, 1.0);
 }
 }  // namespace
 
-LabelledMatrix correlationMatrix(std::vector<std::string> names, std::span<const std::vector<double>> columns) {
+LabelledMatrix correlationMatrix(std::vector<std::string> names, std::vector<std::vector<double>> columns) {
     const std::size_t n = columns.size();
     LabelledMatrix matrix{std::move(names), std::vector<double>(n * n, none)};
     std::vector<bool> gaps(n);
-    std::vector<std::vector<double>> scaled(n);
     for (std::size_t i = 0; i < n; ++i) {
         gaps[i] = hasGap(columns[i]);
-        if (!gaps[i] && !columns[i].empty()) {
-            scaled[i] = standardised(columns[i]);
-        }
     }
+    // Pairs with gaps need the values as they are, so they come before the others are scaled in place.
+    const auto fill = [&](bool withGaps) {
+        for (std::size_t i = 0; i < n; ++i) {
+            for (std::size_t j = 0; j <= i; ++j) {
+                if ((gaps[i] || gaps[j]) != withGaps || columns[i].empty() || columns[j].empty()) {
+                    continue;
+                }
+                const double value = withGaps ? pairwiseCorrelation(columns[i], columns[j])
+                                              : std::clamp(product(columns[i], columns[j]), -1.0, 1.0);
+                matrix.at(i, j) = matrix.at(j, i) = i == j && !std::isnan(value) ? 1 : value;
+            }
+        }
+    };
+    fill(true);
     for (std::size_t i = 0; i < n; ++i) {
-        for (std::size_t j = 0; j <= i; ++j) {
-            double value = none;
-            if (gaps[i] || gaps[j]) {
-                value = pairwiseCorrelation(columns[i], columns[j]);
-            } else if (!scaled[i].empty() && !scaled[j].empty()) {
-                value = std::clamp(product(scaled[i], scaled[j]), -1.0, 1.0);
-            }
-            if (i == j && !std::isnan(value)) {
-                value = 1;
-            }
-            matrix.at(i, j) = matrix.at(j, i) = value;
+        if (!gaps[i]) {
+            standardise(columns[i]);
         }
     }
+    fill(false);
     return matrix;
 }
 

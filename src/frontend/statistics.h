@@ -31,7 +31,8 @@ Histogram histogramOf(const SortedColumn& sorted);
 std::vector<double> ranksOf(std::span<const double> column, const SortedColumn& sorted);
 
 /// Pearson correlations of the columns; pairs with a NaN are left out. NaN where a column does not vary.
-LabelledMatrix correlationMatrix(std::vector<std::string> names, std::span<const std::vector<double>> columns);
+/// The columns are used up: large runs have no room for another copy.
+LabelledMatrix correlationMatrix(std::vector<std::string> names, std::vector<std::vector<double>> columns);
 
 /// Two-sided interval of the standard deviation of the first n values: s -+ z s sqrt((b2 - 1) / (4 (n - 1))), b2 the
 /// Pearson kurtosis and z the standard normal quantile of (1 + confidence) / 2.

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "frontend/failure.h"
+#include "frontend/xlsx_combination.h"
 
 namespace quorva::frontend {
 
@@ -115,6 +116,7 @@ XlsxSheet XlsxBook::sheet(const char* name) { return {workbook_add_worksheet(boo
 
 lxw_chart* XlsxBook::chart(lxw_chart_type type, const std::string& title, const std::string& xTitle,
                            const std::string& yTitle) {
+    ++charts_;
     lxw_chart* chart = workbook_add_chart(book_, static_cast<std::uint8_t>(type));
     chart_title_set_name(chart, title.c_str());
     lxw_chart_font font{};
@@ -146,6 +148,7 @@ std::string XlsxBook::finish() {
     if (error != LXW_NO_ERROR) {
         throw Stop(ExitStatus::Internal, std::string("the .xlsx report could not be written: ") + lxw_strerror(error));
     }
+    lineOverColumns(file_, combined_, "Cumulative share");
     std::ifstream in(file_, std::ios::binary);
     std::ostringstream bytes;
     bytes << in.rdbuf();

@@ -58,11 +58,14 @@ public:
     ~XlsxBook();
 
     XlsxSheet sheet(const char* name);
+    /// Charts are put on their sheets in the order in which they are made here: their files are numbered that way.
     lxw_chart* chart(lxw_chart_type type, const std::string& title, const std::string& xTitle,
                      const std::string& yTitle);
     /// A series whose name is a cell's text, so that no name is taken for a formula.
     static lxw_chart_series* series(lxw_chart* chart, const XlsxRange& categories, const XlsxRange& values, int nameRow,
                                     int nameColumn);
+    /// Shows the last series of the column chart made last as a line on an axis of its own, from 0 to 1.
+    void lineOver() { combined_.push_back(charts_); }
     /// The finished file's bytes.
     std::string finish();
 
@@ -72,6 +75,8 @@ private:
     std::string file_;
     lxw_workbook* book_;
     XlsxFormats formats_{};
+    int charts_ = 0;
+    std::vector<int> combined_;  ///< numbers from 1
 };
 
 }  // namespace quorva::frontend

@@ -31,7 +31,10 @@ for row, field in enumerate(run["summary"], 2):
     for percentile, value in field["percentiles"].items():
         same(sheet.cell(row, titles["P" + percentile]).value, value)
 assert sheet.freeze_panes == "B2"
-assert len(sheet._charts) == 2 * len(run["sensitivity"]), len(sheet._charts)
+assert len(sheet._charts) == len(run["sensitivity"]), len(sheet._charts)
+for chart in sheet._charts:
+    kinds = [type(part).__name__ for part in chart._charts]
+    assert kinds == ["BarChart", "LineChart"], kinds
 
 sheet = book["Tornado"]
 row = 1
