@@ -1,6 +1,9 @@
 // inspect, verify, values, the lists and the help.
 #include <gmock/gmock.h>
 
+#include <filesystem>
+#include <fstream>
+
 #include "program.h"
 
 namespace quorva::frontend {
@@ -85,6 +88,32 @@ TEST_F(Command, HelpHasExamplesForEveryCommand) {
         EXPECT_THAT(outcome.out, HasSubstr("Examples:"));
     }
     EXPECT_THAT(run({"--version"}).out, testing::StartsWith("quorva "));
+}
+
+TEST_F(Command, DocumentedCommandsRun) {
+    // The example pages and the README show commands in indented lines, continued with a backslash.
+    std::filesystem::create_directory_symlink(QUORVA_SOURCE_DIR "/examples", folder_ / "examples");
+    std::filesystem::create_directories(folder_ / "build/linux");
+    std::filesystem::create_symlink(QUORVA_PROGRAM, folder_ / "build/linux/quorva");
+    int commands = 0;
+    for (const std::string page :
+         {"docs/examples/project.md", "docs/examples/investment.md", "docs/examples/tolerance.md",
+          "docs/examples/inventory.md", "docs/examples/reserves.md", "docs/examples/portfolio.md", "README.md"}) {
+        std::ifstream in(std::string(QUORVA_SOURCE_DIR "/") + page);
+        for (std::string line; std::getline(in, line);) {
+            if (!line.starts_with("    quorva ") && !line.starts_with("    build/linux/quorva ")) {
+                continue;
+            }
+            for (std::string next; line.ends_with('\\') && std::getline(in, next);) {
+                line = line.substr(0, line.size() - 1) + next;
+            }
+            const Outcome outcome = command({"sh", "-c", "PATH=build/linux:$PATH; " + line});
+            // The tolerance page shows a requirement that is not met.
+            EXPECT_EQ(outcome.status, page == "docs/examples/tolerance.md" ? 1 : 0) << line << "\n" << outcome.err;
+            ++commands;
+        }
+    }
+    EXPECT_GE(commands, 6);
 }
 
 }  // namespace
