@@ -121,7 +121,7 @@ struct Cache {
     std::vector<std::unique_ptr<const Entry>> entries;
 };
 
-constinit Cache cache;
+Cache cache;  // not constinit: the mutex of the Windows threads library has no constant initialiser
 
 inline std::uint64_t hashOf(const Standardised& law) {
     const auto mixed = std::bit_cast<std::uint64_t>(law.p1) * 0x9E3779B97F4A7C15 +
