@@ -365,7 +365,14 @@ int answerCaller(XLOPER* result) {
 
 int answerSheetId(XLOPER* result, const XLOPER* name) {
     int sheet = std::max(attached->callerSheet, 0);
-    if (name && name->type == hosttype::text) {
+    // Asked for every model cell: the name is nearly always the calling sheet's, as this host gave it.
+    const auto asGiven = [&](const std::string& own) {
+        return std::memcmp(own.data(), name->value.text, static_cast<unsigned char>(*name->value.text) + 1u) == 0;
+    };
+    if (name && name->type == hosttype::text && name->value.text &&
+        !(static_cast<std::size_t>(sheet) < attached->sheetNames.size() &&
+          attached->sheetNames[static_cast<std::size_t>(sheet)][0] == *name->value.text &&
+          asGiven(attached->sheetNames[static_cast<std::size_t>(sheet)]))) {
         std::string text = uncounted(name);
         const auto bracket = text.rfind(']');
         if (text.starts_with('[') && bracket != std::string::npos) {
