@@ -1,5 +1,6 @@
 // `quorva inspect`, `quorva verify` and `quorva values`: a workbook without a run.
 #include <algorithm>
+#include <iostream>
 
 #include <nlohmann/json.hpp>
 
@@ -118,6 +119,9 @@ int inspectCommand(const ModelOptions& options) {
     reserve(options);
     ModelSession session(options.workbook);
     const std::vector<Field> fields = describeModel(session.host(), !options.singleSheet);
+    for (const std::string& sentence : session.absentFunctions(fields)) {
+        std::cerr << "quorva: warning: " << printable(sentence) << std::endl;
+    }
     commit(options.json, {{"workbook", fileName(options.workbook)}, {"fields", fieldsJson(fields)}});
     if (options.json != "-") {
         std::vector<std::vector<std::string>> rows;

@@ -198,7 +198,11 @@ ExitStatus finish(const RunOptions& options, RunResults& results, const std::vec
         results.requirements.push_back(evaluateRequirement(requirement, results));
     }
     writeOutputs(options, results);
-    if (!options.quiet) {
+    if (options.quiet) {
+        for (const std::string& warning : results.warnings) {
+            std::cerr << "quorva: warning: " << printable(warning) << std::endl;
+        }
+    } else {
         printSummary(options, results);
     }
     bool passed = true;

@@ -185,7 +185,8 @@ void addOutputs(CLI::App& run, RunOptions& options) {
         ->type_name("FILE")
         ->group(group);
     run.add_option("--samples", options.samples, "Write every value to a CSV file")->type_name("FILE")->group(group);
-    run.add_flag("--quiet", options.quiet, "No summary and no progress bar")->group(group);
+    run.add_flag("--quiet", options.quiet, "No summary and no progress bar; warnings and errors still show")
+        ->group(group);
     run.add_option("--config", options.config,
                    "Read options from a TOML file; its keys are the long option names, and the command line wins")
         ->type_name("FILE")

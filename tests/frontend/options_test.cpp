@@ -181,6 +181,9 @@ TEST_F(RunOption, TheSummaryGoesToStandardOutputAndQuietDropsIt) {
     EXPECT_EQ(loud.err, "") << "no progress bar where there is no terminal";
     const Outcome quiet = run({"run", model, "-n", "100", "--quiet"});
     EXPECT_EQ(quiet.out + quiet.err, "");
+    const Outcome warned = run({"run", model, "-n", "100", "--quiet", "--converge", "mean", "--tolerance", "1e-9"});
+    EXPECT_EQ(warned.out, "");
+    EXPECT_THAT(warned.err, HasSubstr("warning: convergence was not reached")) << "quiet is no silence about warnings";
     const Outcome piped = run({"run", model, "-n", "100", "--json", "-"});
     EXPECT_TRUE(nlohmann::json::accept(piped.out));
     EXPECT_THAT(piped.err, HasSubstr("Results"));
