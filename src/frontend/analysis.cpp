@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <execution>
 #include <limits>
+#include <numeric>
 #include <type_traits>
 #include <utility>
 
@@ -218,24 +220,33 @@ RunResults analyseRun(const RunSettings& settings, const std::vector<Field>& fie
     results.settings = settings;
     results.iterations = record.iterations;
     results.interrupted = record.interrupted;
+    results.incomplete = record.incomplete;
     results.fields = fields;
     // One after the other: a large run leaves room for one more copy of its values.
     results.correlations.linear = correlationOf(fields, record.samples.columns);
     std::vector<std::vector<double>> ranks(fields.size());
     std::vector<Histogram> histograms(fields.size());
-    for (std::size_t i = 0; i < fields.size(); ++i) {
+    results.summary.resize(fields.size());
+    results.intervals.resize(fields.size());
+    // Sorting the columns is most of the work; they do not depend on each other.
+    std::vector<std::size_t> columns(fields.size());
+    std::iota(columns.begin(), columns.end(), std::size_t{0});
+    std::for_each(std::execution::par, columns.begin(), columns.end(), [&](std::size_t i) {
         const auto& column = record.samples.columns[i];
         const SortedColumn sorted = sortColumn(column);
-        results.summary.push_back(summarise(fields[i], column, sorted));
-        results.intervals.push_back(centralInterval(fields[i], sorted, settings.tail));
+        results.summary[i] = summarise(fields[i], column, sorted);
+        results.intervals[i] = centralInterval(fields[i], sorted, settings.tail);
         if (fields[i].kind == FieldKind::Distribution || fields[i].kind == FieldKind::Result) {
             ranks[i] = ranksOf(column, sorted);
         }
         if (fields[i].kind == FieldKind::Result) {
             histograms[i] = histogramOf(sorted);
         }
+    });
+    for (std::size_t i = 0; i < fields.size(); ++i) {
         warnOfValues(fields[i], results.summary[i], record.iterations, results.warnings);
     }
+    results.warnings.insert(results.warnings.end(), record.incidents.begin(), record.incidents.end());
     results.correlations.rank = correlationOf(fields, std::move(ranks));
     results.correlations.names = results.correlations.rank.names;
     results.correlations.requested = settings.correlation;

@@ -7,6 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "frontend/block_run.h"
 #include "frontend/command_line.h"
 #include "frontend/failure.h"
 #include "frontend/interruption.h"
@@ -213,7 +214,10 @@ ExitStatus finish(const RunOptions& options, RunResults& results, const std::vec
                       << readableNumber(outcome.value) << ")" << std::endl;
         }
     }
-    return results.interrupted ? ExitStatus::Interrupted : passed ? ExitStatus::Done : ExitStatus::RequirementFailed;
+    if (results.interrupted || results.incomplete) {
+        return results.interrupted ? ExitStatus::Interrupted : ExitStatus::Internal;
+    }
+    return passed ? ExitStatus::Done : ExitStatus::RequirementFailed;
 }
 
 void stopIfInterrupted() {
@@ -245,7 +249,8 @@ int runCommand(const RunOptions& options) {
     stopIfInterrupted();
     ProgressBar bar(!options.quiet);
     const Observer observer{interruptionRequested, [&bar](int done, int planned) { bar.update(done, planned); }};
-    RunResults results = runModel(settings, fields, host, observer);
+    RunResults results = options.jobs ? runModelInBlocks(settings, fields, host, observer, *options.jobs)
+                                      : runModel(settings, fields, host, observer);
     bar.clear();
     results.workbook = std::filesystem::path(options.workbook).filename().string();
     results.notes = std::move(notes);

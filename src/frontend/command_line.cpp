@@ -80,6 +80,13 @@ void addSampling(CLI::App& run, RunOptions& options) {
         ->check(wholeNumber(0, largestStrata))
         ->type_name("B")
         ->group(group);
+    run.add_option(
+           "--jobs", options.jobs,
+           "Run blocks of iterations in J processes at a time. The blocks depend on N and the seed alone, so the "
+           "results are the same for every J (not those of a run without --jobs, which is one block)")
+        ->check(wholeNumber(1, 1024))
+        ->type_name("J")
+        ->group(group);
     run.add_flag("--single-sheet", options.singleSheet, "All fields stand on one sheet")->group(group);
 }
 

@@ -15,6 +15,7 @@ struct RunOptions {
     int iterations = 10000;
     std::optional<int> seed;
     std::optional<int> strata;
+    std::optional<int> jobs;
     bool singleSheet = false;
     std::string correlation;
     std::string capability;

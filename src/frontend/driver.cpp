@@ -18,18 +18,6 @@ namespace quorva::frontend {
 namespace {
 constexpr double none = std::numeric_limits<double>::quiet_NaN();
 
-/// Leaves the module idle, however a run ends.
-class IdleAfterwards {
-public:
-    IdleAfterwards() = default;
-    IdleAfterwards(const IdleAfterwards&) = delete;
-    IdleAfterwards& operator=(const IdleAfterwards&) = delete;
-    ~IdleAfterwards() {
-        int seed = 1, used = 0;
-        Cpp_SimReset(&seed, hostTrue, &used);
-    }
-};
-
 /// Counts that Cpp_SimBegin returns.
 struct Counts {
     int fields = 0, distributions = 0, scenarios = 0, results = 0, statistics = 0;
@@ -250,12 +238,13 @@ void fetchSamples(const std::vector<Field>& fields, const Gaps& gaps, RunRecord&
     }
 }
 
-/// The module's intervals, recomputed where iterations without a value have to be left out.
-void repairIntervals(const RunSettings& settings, const std::vector<Field>& fields, RunRecord& record) {
+}  // namespace
+
+void takeIntervals(const RunSettings& settings, const std::vector<Field>& fields, RunRecord& record, bool all) {
     const std::size_t n = fields.size();
     for (std::size_t i = 0; i < n; ++i) {
         const auto& column = record.samples.columns[i];
-        if (std::none_of(column.begin(), column.end(), [](double x) { return std::isnan(x); })) {
+        if (!all && std::none_of(column.begin(), column.end(), [](double x) { return std::isnan(x); })) {
             continue;
         }
         const Interval interval = centralInterval(fields[i], sortColumn(column), settings.tail);
@@ -266,6 +255,7 @@ void repairIntervals(const RunSettings& settings, const std::vector<Field>& fiel
     }
 }
 
+namespace {
 std::vector<std::size_t> watchedResults(const RunSettings& settings, const std::vector<Field>& fields,
                                         bool& everyResult) {
     const bool marked = std::any_of(fields.begin(), fields.end(), [](const Field& f) { return f.watched; });
@@ -279,6 +269,8 @@ std::vector<std::size_t> watchedResults(const RunSettings& settings, const std::
     return watched;
 }
 
+}  // namespace
+
 void checkSize(const RunSettings& settings, std::size_t fields) {
     const auto cells = static_cast<std::int64_t>(settings.iterations) * static_cast<std::int64_t>(fields);
     if (cells > largestSampleCells) {
@@ -288,7 +280,11 @@ void checkSize(const RunSettings& settings, std::size_t fields) {
                        std::to_string(largestSampleCells / static_cast<std::int64_t>(fields)) + " iterations");
     }
 }
-}  // namespace
+
+IdleAfterwards::~IdleAfterwards() {
+    int seed = 1, used = 0;
+    Cpp_SimReset(&seed, hostTrue, &used);
+}
 
 std::vector<Field> describeModel(const Host& host, bool workbookModel) {
     const IdleAfterwards idle;
@@ -307,13 +303,14 @@ std::vector<Field> describeModel(const Host& host, bool workbookModel) {
     return fields;
 }
 
-RunResults runModel(const RunSettings& settings, const std::vector<Field>& fields, const Host& host,
-                    const Observer& observer) {
-    checkSize(settings, fields.size());
-    const IdleAfterwards idle;
+RunRecord drawRun(const RunSettings& settings, const std::vector<Field>& fields, const Host& host,
+                  const Observer& observer) {
     RunRecord record;
     std::optional<LabelledMatrix> correlation = settings.correlation;
     host.watch(fields);
+    if (host.seedRandom) {
+        host.seedRandom(settings.seed);
+    }
     // A repaired matrix would serve as its own factor in this run; started again, the run finds a proper factor for it.
     constexpr int mostRepairs = 3;
     for (int repairs = 0; prepare(settings, correlation, host, fields) == 2; ++repairs) {
@@ -336,12 +333,25 @@ RunResults runModel(const RunSettings& settings, const std::vector<Field>& field
     }
     record.intervals = end(counts, settings.tail, record.iterations).intervals;
     fetchSamples(fields, gaps, record);
-    repairIntervals(settings, fields, record);
+    takeIntervals(settings, fields, record, false);
+    return record;
+}
+
+RunResults concludeRun(const RunSettings& settings, const std::vector<Field>& fields, const Host& host,
+                       const Observer& observer, RunRecord& record) {
     if (settings.tornado && !record.interrupted) {
         record.tornado = tornadoPass({*settings.tornado, settings.tail, fields, record.intervals}, host, observer);
         record.interrupted = record.tornado.empty();
     }
     return analyseRun(settings, fields, record);
+}
+
+RunResults runModel(const RunSettings& settings, const std::vector<Field>& fields, const Host& host,
+                    const Observer& observer) {
+    checkSize(settings, fields.size());
+    const IdleAfterwards idle;
+    RunRecord record = drawRun(settings, fields, host, observer);
+    return concludeRun(settings, fields, host, observer, record);
 }
 
 }  // namespace quorva::frontend

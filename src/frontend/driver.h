@@ -21,6 +21,8 @@ struct Host {
     std::function<void(std::span<const Field>)> watch;
     /// Whether a watched cell shows an error after a recalculation.
     std::function<bool(std::size_t)> showsError;
+    /// Starts the host's own random numbers (RAND and its kind); may be absent.
+    std::function<void(int seed)> seedRandom;
 };
 
 /// What watches a run.
@@ -44,7 +46,31 @@ struct RunRecord {
     std::optional<LabelledMatrix> repaired;
     SampleTable samples;
     std::vector<Tornado> tornado;
+    std::vector<std::string> incidents;  ///< blocks of a run on several processors that went wrong
+    bool incomplete = false;             ///< a block is missing
 };
+
+/// Leaves the module idle, however a run ends.
+class IdleAfterwards {
+public:
+    IdleAfterwards() = default;
+    IdleAfterwards(const IdleAfterwards&) = delete;
+    IdleAfterwards& operator=(const IdleAfterwards&) = delete;
+    ~IdleAfterwards();
+};
+
+// The steps of a run, for those who need them one by one.
+
+/// Throws Stop (Usage) for more values than the module stores.
+void checkSize(const RunSettings& settings, std::size_t fields);
+/// Both passes, all iterations, the end. The module keeps its tables. Throws Stop.
+RunRecord drawRun(const RunSettings& settings, const std::vector<Field>& fields, const Host& host,
+                  const Observer& observer);
+/// The fields' intervals out of the samples: of all fields, or of those with iterations without a value.
+void takeIntervals(const RunSettings& settings, const std::vector<Field>& fields, RunRecord& record, bool all);
+/// What follows the samples: the tornado pass, which needs the module's tables, and the analyses.
+RunResults concludeRun(const RunSettings& settings, const std::vector<Field>& fields, const Host& host,
+                       const Observer& observer, RunRecord& record);
 
 /// One whole run. `fields` is what describeModel found. Throws Stop; whatever happens, the module is idle afterwards.
 RunResults runModel(const RunSettings& settings, const std::vector<Field>& fields, const Host& host,

@@ -42,7 +42,8 @@ ModelSession::ModelSession(const std::string& file) : book_(file) {
 
 Host ModelSession::host() {
     return {[this] { book_.recalculate(); }, [this](std::span<const Field> fields) { watch(fields); },
-            [this](std::size_t index) { return book_.value(watched_[index]).type == CellValue::Type::Error; }};
+            [this](std::size_t index) { return book_.value(watched_[index]).type == CellValue::Type::Error; },
+            [this](int seed) { book_.seed(static_cast<std::uint64_t>(seed)); }};
 }
 
 void ModelSession::watch(std::span<const Field> fields) {

@@ -185,6 +185,7 @@ struct RunResults {
     RunSettings settings;
     int iterations = 0;  ///< done
     bool interrupted = false;
+    bool incomplete = false;  ///< iterations were lost with a process that died
     std::vector<Field> fields;
     std::vector<Summary> summary;
     std::vector<Interval> intervals;
