@@ -21,8 +21,8 @@ struct Generator {
         *seed = *updated;
         return uniform;
     }
-    void fill(matrix<double>& table, int n) const {
-        M_GenerateRandom01(table, n, 1, seed, initialise, updated);
+    void fill(matrix<double>& table, int n, int column) const {
+        M_GenerateRandom01(table, n, column, seed, initialise, updated);
         *seed = *updated;
     }
 };
@@ -73,11 +73,10 @@ int strataInUse() { return run.sampling.inbuckets > 0 ? std::max(run.sampling.Lh
 
 /// A random permutation of the strata: their numbers ordered by uniforms.
 void permuteStrata(const Generator& generator, int strata, int stream) {
-    RandomPermutation& permutation = run.sampling.permutation;
-    generator.fill(permutation.uniforms(strata), strata);
     matrix<double>& table = run.sampling.LhsTable;
+    generator.fill(table, strata, stream);
     if (table.contains(strata, stream)) {
-        permutation.order(table.column(stream));
+        run.sampling.permutation.order(table.column(stream), strata);
     }
     table(strata + 1, stream) = strata;
 }
@@ -85,6 +84,8 @@ void permuteStrata(const Generator& generator, int strata, int stream) {
 double stratifiedUniform(const Generator& generator, int strata, int stream, Bounds bounds) {
     matrix<double>& table = run.sampling.LhsTable;
     double& left = table(strata + 1, stream);
+    // Without a column for the stream, what its strata are read from is what their number is read from.
+    const double* const column = table.contains(strata, stream) ? table.column(stream) : nullptr;
     for (;;) {
         if (left == 0.0) {
             permuteStrata(generator, strata, stream);
@@ -94,7 +95,7 @@ double stratifiedUniform(const Generator& generator, int strata, int stream, Bou
             recordError(runerror::tooManyCells, 0, 0, {});
             return uniform;
         }
-        const double stratum = table(wholeNumber(left), stream);
+        const double stratum = column ? column[static_cast<int>(left) - 1] : left;
         const double result = (uniform + (stratum - 1.0)) / strata;  // exactly the uniform for one stratum
         left -= 1.0;
         if (bounds.settles(result)) {

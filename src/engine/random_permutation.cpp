@@ -13,61 +13,73 @@ std::uint64_t leadingBits(double uniform) {
 
 }  // namespace
 
-matrix<double>& RandomPermutation::uniforms(int n) {
-    if (uniforms_.rows() != n) {
-        uniforms_ = matrix<double>(n, 1);
-        rowBits_ = std::max(static_cast<int>(std::bit_width(static_cast<std::uint32_t>(n - 1))), 1);
+void RandomPermutation::makeRoom(int n) {
+    const auto rows = static_cast<std::size_t>(n);
+    if (items_.size() != rows) {
+        rowBits_ = std::max(static_cast<int>(std::bit_width(rows - 1)), 1);
         rowMask_ = (std::uint64_t{1} << rowBits_) - 1;
         places_.resize(std::size_t{1} << rowBits_);
-        items_.resize(static_cast<std::size_t>(n));
+        items_.resize(rows);
     }
-    return uniforms_;
 }
 
 /// Items in the order of their buckets, which cut the unit interval into equal parts, about one for each uniform;
 /// within a bucket in the order of their rows.
-void RandomPermutation::distribute() {
-    const double* const uniforms = uniforms_.data();
+void RandomPermutation::distribute(const double* uniforms) {
     const std::size_t n = items_.size();
     const int toBucket = 64 - rowBits_;
+    std::uint32_t* const places = places_.data();
     std::fill(places_.begin(), places_.end(), 0);
     for (std::size_t i = 0; i < n; ++i) {
-        ++places_[leadingBits(uniforms[i]) >> toBucket];
+        ++places[leadingBits(uniforms[i]) >> toBucket];
     }
     std::uint32_t before = 0;
     for (std::uint32_t& place : places_) {
-        const std::uint32_t count = place;
-        place = before;
-        before += count;
+        before += place;
+        place = before - place;
     }
+    std::uint64_t* const items = items_.data();
+    const std::uint64_t uniformMask = ~rowMask_;
     for (std::size_t i = 0; i < n; ++i) {
         const std::uint64_t bits = leadingBits(uniforms[i]);
-        items_[places_[bits >> toBucket]++] = (bits & ~rowMask_) | i;
+        items[places[bits >> toBucket]++] = (bits & uniformMask) | i;
     }
 }
 
-/// Whether the uniform of one item is less than that of another. Items hold all bits of their uniforms up to 2,048
-/// rows; beyond, those that agree in what they hold are told apart by the uniforms themselves.
-inline bool RandomPermutation::precedes(std::uint64_t left, std::uint64_t right) const {
-    if ((left ^ right) > rowMask_) [[likely]] {
-        return left < right;
-    }
-    return uniforms_.data()[left & rowMask_] < uniforms_.data()[right & rowMask_];
-}
-
-void RandomPermutation::order(double* numbers) {
-    distribute();
-    // What is out of order lies within one bucket, a step or two apart.
-    for (std::size_t i = 1; i < items_.size(); ++i) {
-        const std::uint64_t item = items_[i];
-        std::size_t k = i;
-        for (; k > 0 && precedes(item, items_[k - 1]); --k) {
-            items_[k] = items_[k - 1];
+/// What is out of order lies within one bucket, most of it a step apart: carrying the larger item on, without a branch
+/// to predict, leaves little to the insertion.
+void RandomPermutation::sortBuckets(const double* uniforms) {
+    std::uint64_t* const items = items_.data();
+    const std::uint64_t rowMask = rowMask_;
+    // Items hold all bits of their uniforms up to 2,048 rows; beyond, those that agree in what they hold are told apart
+    // by the uniforms themselves.
+    const auto precedes = [=](std::uint64_t left, std::uint64_t right) {
+        return (left ^ right) > rowMask ? left < right : uniforms[left & rowMask] < uniforms[right & rowMask];
+    };
+    const auto insert = [=](std::uint64_t item, std::size_t at) {
+        for (; at > 0 && precedes(item, items[at - 1]); --at) {
+            items[at] = items[at - 1];
         }
-        items_[k] = item;
+        items[at] = item;
+    };
+    std::uint64_t larger = items[0];
+    for (std::size_t i = 1; i < items_.size(); ++i) {
+        const std::uint64_t item = items[i];
+        insert(std::min(item, larger), i - 1);
+        larger = std::max(item, larger);
     }
+    insert(larger, items_.size() - 1);
+}
+
+void RandomPermutation::order(double* uniforms, int n) {
+    if (n < 1) {
+        return;
+    }
+    makeRoom(n);
+    distribute(uniforms);
+    sortBuckets(uniforms);
     for (std::size_t i = 0; i < items_.size(); ++i) {
-        numbers[i] = static_cast<double>(static_cast<std::int64_t>(items_[i] & rowMask_) + 1);
+        uniforms[i] = static_cast<double>(static_cast<std::int64_t>(items_[i] & rowMask_) + 1);
     }
 }
 

@@ -4,24 +4,20 @@
 #include <cstdint>
 #include <vector>
 
-#include "common/matrix.h"
-
 namespace quorva {
 
 /// Orders uniforms in linear time and keeps its memory from one permutation to the next.
 class RandomPermutation {
 public:
-    /// Room for n uniforms, n >= 1: an n x 1 matrix to be filled with numbers of the open interval (0, 1).
-    matrix<double>& uniforms(int n);
-    /// Writes the row numbers of the uniforms, from 1, in ascending order of the uniforms; rows of equal uniforms keep
-    /// their order. This is what SortQMatrixCol makes of a second column 1, 2, ..., n.
-    void order(double* numbers);
+    /// Replaces n numbers of the open interval (0, 1) by their places, from 1, in ascending order of the numbers;
+    /// equal ones keep their order. This is what SortQMatrixCol makes of a second column 1, 2, ..., n.
+    void order(double* uniforms, int n);
 
 private:
-    void distribute();
-    bool precedes(std::uint64_t left, std::uint64_t right) const;
+    void makeRoom(int n);
+    void distribute(const double* uniforms);
+    void sortBuckets(const double* uniforms);
 
-    matrix<double> uniforms_;
     int rowBits_ = 0;                    ///< bits of a row number from 0, and of a bucket's number
     std::uint64_t rowMask_ = 0;          ///< the lowest rowBits_ bits
     std::vector<std::uint32_t> places_;  ///< by bucket: where its next item goes

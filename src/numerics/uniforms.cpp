@@ -5,6 +5,7 @@
 #include <random>
 
 #include "common/missing_value.h"
+#include "numerics/mersenne_twister.h"
 
 namespace quorva {
 namespace {
@@ -57,7 +58,7 @@ public:
     }
 
 private:
-    std::mt19937_64 engine_;
+    MersenneTwister engine_;
     int token_ = 0;
     bool started_ = false;
 };

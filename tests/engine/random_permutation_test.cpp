@@ -13,12 +13,9 @@ using namespace quorva;
 
 namespace {
 
-std::vector<double> ordered(RandomPermutation& permutation, const std::vector<double>& uniforms) {
-    const auto n = static_cast<int>(uniforms.size());
-    std::copy(uniforms.begin(), uniforms.end(), permutation.uniforms(n).data());
-    std::vector<double> numbers(uniforms.size());
-    permutation.order(numbers.data());
-    return numbers;
+std::vector<double> ordered(RandomPermutation& permutation, std::vector<double> uniforms) {
+    permutation.order(uniforms.data(), static_cast<int>(uniforms.size()));
+    return uniforms;
 }
 
 /// The row numbers that a sort of the rows (uniform, number) carries along.

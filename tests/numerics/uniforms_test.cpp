@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
+#include <random>
 #include <vector>
 
 #include "common/missing_value.h"
+#include "numerics/mersenne_twister.h"
 
 namespace quorva {
 namespace {
@@ -42,6 +45,18 @@ TEST(Uniforms, OneSeedGivesOneStream) {
     const auto other = draws(Draws(12346), 1000);
     EXPECT_EQ(draws(Draws(12345), 1000), first);
     EXPECT_NE(other, first);
+}
+
+TEST(MersenneTwister, GivesTheNumbersOfTheStandardsEngine) {
+    for (const std::uint32_t seed : {0u, 1u, 20'260'101u, 0xFFFFFFFFu}) {
+        std::seed_seq sequence{seed, ~seed, 5u};
+        MersenneTwister twister;
+        twister.seed(sequence);
+        std::mt19937_64 standard(sequence);
+        for (int i = 0; i < 2000; ++i) {
+            ASSERT_EQ(twister(), standard()) << "seed " << seed << " number " << i;
+        }
+    }
 }
 
 TEST(Uniforms, FirstDrawsOfASeedArePinned) {
