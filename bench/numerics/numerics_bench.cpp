@@ -3,6 +3,7 @@
 
 #include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/missing_value.h"
@@ -59,6 +60,88 @@ void draw(benchmark::State& state, int law) {
         benchmark::DoNotOptimize(InvCDFFunction(law - 1, u[i++ % u.size()], p[0], p[1], p[2], p[3]));
     }
 }
+
+/// Tables forgotten and switched on or off, and switched on again when the row is done.
+class Tables {
+public:
+    explicit Tables(bool on) { useQuantileTables(on); }
+    ~Tables() { useQuantileTables(true); }
+    Tables(const Tables&) = delete;
+    Tables& operator=(const Tables&) = delete;
+};
+
+/// A law with parameters that are the same at every call, or change a little with each.
+struct Shaped {
+    int law;
+    double p1, p2, p3;
+
+    double draw(double u, double change) const {
+        return InvCDFFunction(law - 1, u, p1 * (1 + change), p2 * (1 + change), p3, 0);
+    }
+};
+
+void constantParameters(benchmark::State& state, const Shaped& law) {
+    const Tables tables(state.range(0) != 0);
+    const auto u = uniforms(4096);
+    for (const double each : u) {
+        law.draw(each, 0);
+    }
+    std::size_t i = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(law.draw(u[i++ % u.size()], 0));
+    }
+}
+
+void changingParameters(benchmark::State& state, const Shaped& law) {
+    const Tables tables(state.range(0) != 0);
+    const auto u = uniforms(4096);
+    std::size_t i = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(law.draw(u[i % u.size()], static_cast<double>(i % 1'000'003) * 1e-9));
+        ++i;
+    }
+}
+
+/// What a field costs in its first draws, the table that it earns included.
+void firstDraws(benchmark::State& state, const Shaped& law) {
+    constexpr int draws = 2000;
+    const Tables tables(true);
+    const auto u = uniforms(draws);
+    for (auto _ : state) {
+        state.PauseTiming();
+        useQuantileTables(state.range(0) != 0);
+        state.ResumeTiming();
+        for (const double each : u) {
+            benchmark::DoNotOptimize(law.draw(each, 0));
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * draws);
+}
+
+void tableRows(const std::string& name, const Shaped& law) {
+    using Row = void (*)(benchmark::State&, const Shaped&);
+    const std::pair<const char*, Row> rows[] = {{"draw with constant parameters/", constantParameters},
+                                                {"draw with parameters that change at every call/", changingParameters},
+                                                {"first 2,000 draws/", firstDraws}};
+    for (const auto& [title, row] : rows) {
+        benchmark::RegisterBenchmark((title + name).c_str(),
+                                     [row = row, law](benchmark::State& state) { row(state, law); })
+            ->ArgName("tables")
+            ->Arg(1)
+            ->Arg(0);
+    }
+}
+
+const bool tablesRegistered = [] {
+    tableRows("normal", {15, 100, 15, 0});
+    tableRows("gamma", {12, 2.5, 40, 0});
+    tableRows("beta", {1, 2, 5, 0});
+    tableRows("student", {19, 7, 0, 0});
+    tableRows("weibull", {22, 2, 113, 0});
+    tableRows("triangular", {26, 60, 100, 140});
+    tableRows("poisson", {18, 4, 0, 0});
+    return true;
+}();
 
 const bool drawsRegistered = [] {
     for (const LawEntry& entry : lawTable) {

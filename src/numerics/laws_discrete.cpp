@@ -19,6 +19,15 @@ struct Tails {
     Extended upper;
 };
 
+/// Which of the tails a comparison looks at; the other may stay 0.
+enum class Needed { Both, Lower, Upper };
+
+/// Close to 1 only the exact comparison of the upper tail tells steps apart.
+Needed neededFor(double u) {
+    constexpr double closeToOne = 1e-12;
+    return 1 - u > closeToOne ? Needed::Lower : Needed::Upper;
+}
+
 /// What the quantile search needs of a law. `tails` is asked for integers of lowest..highest.
 struct Shape {
     double mean;
@@ -29,10 +38,9 @@ struct Shape {
 };
 
 /// Whether k reaches u: F(k) >= u. A u that is F(k) rounded to a double counts as reached although the exact F(k) may
-/// lie half a unit below it (0.9 of ten equal steps); close to 1 only the exact comparison tells steps apart.
+/// lie half a unit below it (0.9 of ten equal steps).
 bool reaches(const Tails& tails, double u) {
-    constexpr double closeToOne = 1e-12;
-    return 1 - u > closeToOne ? static_cast<double>(tails.lower) >= u : tails.upper <= 1 - u;
+    return neededFor(u) == Needed::Lower ? static_cast<double>(tails.lower) >= u : tails.upper <= 1 - u;
 }
 
 /// The largest u that these tails reach: next to the distribution function, to the last bit.
@@ -84,11 +92,12 @@ bool isWhole(double x) { return x == std::floor(x); }
 
 // Binomial(n, p).
 
-Tails binomialTails(double k, const LawParameters& p) {
+Tails binomialTails(double k, const LawParameters& p, Needed needed = Needed::Both) {
     const Extended a = static_cast<Extended>(k) + 1;
     const Extended b = static_cast<Extended>(p[0]) - k;
     const Extended success = p[1];
-    return {betaUpper(a, b, success, 1 - success), betaLower(a, b, success, 1 - success)};
+    return {needed == Needed::Upper ? 0 : betaUpper(a, b, success, 1 - success),
+            needed == Needed::Lower ? 0 : betaLower(a, b, success, 1 - success)};
 }
 
 Support binomialSupport(const LawParameters& p) {
@@ -101,15 +110,17 @@ Support binomialSupport(const LawParameters& p) {
 double binomialQuantile(double u, const LawParameters& p) {
     const double deviation = std::sqrt(p[0] * p[1] * (1 - p[1]));
     const Shape shape{p[0] * p[1], deviation, (1 - 2 * p[1]) / deviation, 0, p[0]};
-    return smallestReaching(u, shape, [&p](double k) { return k >= p[0] ? Tails{1, 0} : binomialTails(k, p); });
+    const Needed needed = neededFor(u);
+    return smallestReaching(u, shape, [&](double k) { return k >= p[0] ? Tails{1, 0} : binomialTails(k, p, needed); });
 }
 
 // Negative binomial laws: failures before the size-th success. The success probability is given with its complement.
 
-Tails negativeBinomialTails(double k, double size, Extended success, Extended failure) {
+Tails negativeBinomialTails(double k, double size, Extended success, Extended failure, Needed needed = Needed::Both) {
     const Extended a = size;
     const Extended b = static_cast<Extended>(k) + 1;
-    return {betaLower(a, b, success, failure), betaUpper(a, b, success, failure)};
+    return {needed == Needed::Upper ? 0 : betaLower(a, b, success, failure),
+            needed == Needed::Lower ? 0 : betaUpper(a, b, success, failure)};
 }
 
 double negativeBinomialQuantile(double u, double size, Extended success, Extended failure) {
@@ -117,7 +128,9 @@ double negativeBinomialQuantile(double u, double size, Extended success, Extende
     const double deviation = std::sqrt(size * ratio / static_cast<double>(success));
     const double skewness = (1 + static_cast<double>(failure)) / std::sqrt(size * static_cast<double>(failure));
     const Shape shape{size * ratio, deviation, std::min(skewness, 3.0), 0, infinite};
-    return smallestReaching(u, shape, [=](double k) { return negativeBinomialTails(k, size, success, failure); });
+    const Needed needed = neededFor(u);
+    return smallestReaching(u, shape,
+                            [=](double k) { return negativeBinomialTails(k, size, success, failure, needed); });
 }
 
 Extended success2(const LawParameters& p) { return 1 / (1 + static_cast<Extended>(p[1])); }
@@ -125,10 +138,11 @@ Extended failure2(const LawParameters& p) { return p[1] / (1 + static_cast<Exten
 
 // Poisson(lambda).
 
-Tails poissonTails(double k, const LawParameters& p) {
+Tails poissonTails(double k, const LawParameters& p, Needed needed = Needed::Both) {
     const Extended shape = static_cast<Extended>(k) + 1;
     const Extended mean = p[0];
-    return {gammaUpper(shape, mean), gammaLower(shape, mean)};
+    return {needed == Needed::Upper ? 0 : gammaUpper(shape, mean),
+            needed == Needed::Lower ? 0 : gammaLower(shape, mean)};
 }
 
 // Discrete uniform: the integers of a..b.
@@ -205,7 +219,8 @@ constinit const LawFunctions poisson{
     [](double u, const LawParameters& p) {
         const double deviation = std::sqrt(p[0]);
         const Shape shape{p[0], deviation, std::min(1 / deviation, 3.0), 0, infinite};
-        return smallestReaching(u, shape, [&p](double k) { return poissonTails(k, p); });
+        const Needed needed = neededFor(u);
+        return smallestReaching(u, shape, [&](double k) { return poissonTails(k, p, needed); });
     },
     [](double k, const LawParameters& p) { return largestReached(poissonTails(k, p)); }};
 

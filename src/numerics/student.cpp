@@ -27,9 +27,9 @@ long double central(long double t, long double df) {
                     : boost::math::ibetac(df / 2, 0.5L, df / (df + t2), NumericPolicy()) / 2;
 }
 
-long double density(long double t, long double df) {
-    const long double norm = std::sqrt(df) * boost::math::beta(0.5L, df / 2, NumericPolicy());
-    return std::exp(-(df + 1) / 2 * std::log1p(t * t / df)) / norm;
+/// The density at t; beta is B(1/2, df/2).
+long double density(long double t, long double df, long double beta) {
+    return std::exp(-(df + 1) / 2 * std::log1p(t * t / df)) / (std::sqrt(df) * beta);
 }
 
 /// Beyond this many degrees of freedom the law is the normal one to the last digit.
@@ -60,11 +60,15 @@ double positiveQuantile(double q, double c, double df) {
     }
     for (int step = 0; step < 2; ++step) {
         const long double error = c < 0.25 ? c - central(t, df) : upperTail(t, df) - q;
-        const long double newton = error / density(t, df);
+        const long double newton = error / density(t, df, beta);
         if (!std::isfinite(newton) || std::abs(newton) > t / 2) {
             break;
         }
         t += newton;
+        // The error left is of the order of the square of the step.
+        if (std::abs(newton) < 1e-11L * t) {
+            break;
+        }
     }
     return static_cast<double>(t);
 }

@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "common/missing_value.h"
@@ -71,9 +72,12 @@ const LawCase& caseOf(int law) {
     return *std::find_if(lawCases.begin(), lawCases.end(), [law](const LawCase& c) { return c.law == law; });
 }
 
-class LawBattery : public testing::TestWithParam<int> {
+/// Every law, with the quantile tables that its draws earn and without.
+class LawBattery : public testing::TestWithParam<std::tuple<int, bool>> {
 protected:
-    const LawCase& law() const { return caseOf(GetParam()); }
+    LawBattery() { useQuantileTables(std::get<1>(GetParam())); }
+    ~LawBattery() override { useQuantileTables(true); }
+    const LawCase& law() const { return caseOf(std::get<0>(GetParam())); }
 };
 
 TEST(LawBatteryTable, EveryLawOfTheCatalogueIsCovered) {
@@ -139,7 +143,7 @@ TEST_P(LawBattery, DrawsHaveTheLawsMeanAndShape) {
     constexpr int n = 40000;
     constexpr int cells = 50;
     matrix<double> u(n, 1, 0.0);
-    int seed = 1000 + GetParam();
+    int seed = 1000 + law().law;
     int update = 0;
     M_GenerateRandom01(u, n, 1, &seed, hostTrue, &update);
     long double sum = 0;
@@ -199,8 +203,11 @@ std::vector<int> identifiers() {
     return result;
 }
 
-INSTANTIATE_TEST_SUITE_P(Laws, LawBattery, testing::ValuesIn(identifiers()),
-                         [](const auto& given) { return "Law" + std::to_string(given.param); });
+INSTANTIATE_TEST_SUITE_P(Laws, LawBattery, testing::Combine(testing::ValuesIn(identifiers()), testing::Bool()),
+                         [](const auto& given) {
+                             return "Law" + std::to_string(std::get<0>(given.param)) +
+                                    (std::get<1>(given.param) ? "WithTables" : "Direct");
+                         });
 
 }  // namespace
 }  // namespace quorva
