@@ -220,6 +220,16 @@ ExitStatus finish(const RunOptions& options, RunResults& results, const std::vec
     return passed ? ExitStatus::Done : ExitStatus::RequirementFailed;
 }
 
+/// A sheet of the .xlsx report holds a header and at most this many iterations.
+constexpr int mostSheetIterations = 1'048'575;
+
+void warnOfCutSamples(const RunOptions& options, RunResults& results) {
+    if (options.samplesSheet && results.iterations > mostSheetIterations) {
+        results.warnings.push_back("a sheet of the .xlsx report holds only the first " +
+                                   std::to_string(mostSheetIterations) + " iterations; --samples writes all of them");
+    }
+}
+
 void stopIfInterrupted() {
     if (interruptionRequested()) {
         throw Stop(ExitStatus::Interrupted, "interrupted before the first iteration");
@@ -255,6 +265,7 @@ int runCommand(const RunOptions& options) {
     results.workbook = std::filesystem::path(options.workbook).filename().string();
     results.notes = std::move(notes);
     noteWatched(results);
+    warnOfCutSamples(options, results);
     results.warnings.insert(results.warnings.begin(), absent.begin(), absent.end());
     return static_cast<int>(finish(options, results, requirements));
 }
