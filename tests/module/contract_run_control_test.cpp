@@ -367,4 +367,16 @@ TEST_F(RunContract, ASheetThatJoinsLaterIsNotListed) {
     EXPECT_EQ(error.texts, Texts{u"[Book]8"});
 }
 
+TEST_F(RunContract, ExactlySixtyFourMillionCellsAreSimulated) {
+    smallModel();
+    prepare();
+    EXPECT_EQ(start(32'000'001), -12);
+    EXPECT_EQ(status(), 0);
+    prepare();
+    ASSERT_EQ(start(32'000'000), 0);
+    run(2);
+    EXPECT_EQ(storedAt(2), storedAt(1));
+    EXPECT_NE(storedAt(1), 0.0);
+}
+
 }  // namespace
