@@ -153,7 +153,7 @@ TEST_F(ExitStatus, AnOutputThatFailsWhileBeingWrittenIsFive) {
 TEST_F(ExitStatus, AnInterruptedRunReportsWhatThereIs) {
     const Outcome outcome = interrupted({"run", book("m.xlsx", sumModel()), "-n", "20000000", "--seed", "1", "--strata",
                                          "0", "--json", "r.json", "--report", "r.html"},
-                                        3000);
+                                        2000);
     EXPECT_EQ(outcome.status, 130) << outcome.err;
     const auto json = nlohmann::json::parse(read("r.json"));
     EXPECT_EQ(json["planned"], 20000000);

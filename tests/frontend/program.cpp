@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <fstream>
+#include <limits>
 #include <map>
 #include <sstream>
 #include <thread>
@@ -52,6 +53,23 @@ Outcome wait(pid_t child, const fs::path& folder) {
     return outcome;
 }
 
+/// Processor time that a process has used; more than any other once it has ended.
+long cpuMilliseconds(pid_t process) {
+    std::ifstream in("/proc/" + std::to_string(process) + "/stat");
+    std::string text;
+    std::getline(in, text);
+    std::istringstream fields(text.substr(std::min(text.rfind(')') + 1, text.size())));
+    std::string word;
+    long ticks = 0;
+    for (int field = 3; fields >> word && field <= 15; ++field) {
+        if (field == 3 && word == "Z") {
+            return std::numeric_limits<long>::max();
+        }
+        ticks += field >= 14 ? std::stol(word) : 0;
+    }
+    return ticks * 1000 / sysconf(_SC_CLK_TCK);
+}
+
 std::vector<std::string> programWords(const std::vector<std::string>& arguments) {
     std::vector<std::string> words{QUORVA_PROGRAM};
     words.insert(words.end(), arguments.begin(), arguments.end());
@@ -73,7 +91,9 @@ Outcome ProgramTest::command(const std::vector<std::string>& words) const {
 
 Outcome ProgramTest::interrupted(const std::vector<std::string>& arguments, int milliseconds) const {
     const pid_t child = start(programWords(arguments), folder_);
-    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    while (cpuMilliseconds(child) < milliseconds) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     kill(child, SIGINT);
     return wait(child, folder_);
 }

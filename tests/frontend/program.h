@@ -31,7 +31,8 @@ protected:
     /// Arguments as the program gets them; the working folder is the test's own.
     Outcome run(const std::vector<std::string>& arguments) const;
     Outcome command(const std::vector<std::string>& words) const;
-    /// Starts the program and sends it an interruption after some milliseconds.
+    /// Starts the program and sends it an interruption after some milliseconds of processor time, whatever else the
+    /// machine does.
     Outcome interrupted(const std::vector<std::string>& arguments, int milliseconds) const;
     /// The JSON of a run that has to succeed.
     nlohmann::json results(std::vector<std::string> arguments) const;
