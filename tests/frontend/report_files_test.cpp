@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
-#include <regex>
 
 #include "program.h"
 
@@ -92,13 +91,15 @@ TEST_F(ReportFile, HtmlDrawsEveryChartWithoutConsoleErrors) {
                  "--dump-dom", "file://" + (folder_ / "r.html").string()});
     ASSERT_EQ(outcome.status, 0) << outcome.err.substr(0, 2000);
     EXPECT_THAT(outcome.err, testing::Not(HasSubstr("CONSOLE")));
-    const auto count = [&](const std::string& pattern) {
-        const std::regex expression(pattern);
-        return std::distance(std::sregex_iterator(outcome.out.begin(), outcome.out.end(), expression),
-                             std::sregex_iterator());
+    const auto count = [&](const std::string& text) {
+        int found = 0;
+        for (auto at = outcome.out.find(text); at != std::string::npos; at = outcome.out.find(text, at + 1)) {
+            ++found;
+        }
+        return found;
     };
-    EXPECT_EQ(count("<canvas [^>]*id="), 6);
-    EXPECT_EQ(count("<canvas [^>]*data-drawn=\"true\""), 6);
+    EXPECT_EQ(count("<canvas id="), 6);
+    EXPECT_EQ(count("data-drawn=\"true\""), 6);
     EXPECT_THAT(outcome.out, HasSubstr("data-charts=\"6\""));
 }
 
