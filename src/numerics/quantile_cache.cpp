@@ -27,15 +27,22 @@ enum Index : int {
     gamma1 = 10,
     gamma2 = 11,
     gamma3 = 12,
+    logNormal = 13,
     normal = 14,
     normalStd = 15,
+    pareto = 16,
     uniform = 19,
     weibull1 = 20,
     weibull2 = 21,
     weibull3 = 22,
+    gev = 23,
     erlang = 24,
+    triangular = 25,
     logistic = 27,
-    bernoulli = 31
+    uniformDiscrete = 28,
+    trapezoidal = 30,
+    bernoulli = 31,
+    logNormal2 = 32
 };
 
 /// A law as location + scale times a law of the same shape.
@@ -94,8 +101,27 @@ struct Entry {
     double quantile(double u) const { return interpolated ? (*interpolated)(u) : stepped ? (*stepped)(u) : nan; }
 };
 
-/// Calls of one law and shape before its table is built: the table costs about a thousand quantiles.
-constexpr std::uint32_t sustainedUse = 400;
+/// Calls of one law and shape before its table is built. A table costs about as much as a thousand quantiles that have
+/// to be searched for, and as several thousand where the quantile is a formula.
+constexpr std::uint32_t sustainedUse(int law) {
+    switch (law) {
+        case exponential:
+        case gumbel:
+        case logNormal:
+        case normalStd:
+        case pareto:
+        case weibull1:
+        case gev:
+        case triangular:
+        case logistic:
+        case uniformDiscrete:
+        case trapezoidal:
+        case logNormal2:
+            return 4000;
+        default:
+            return 400;
+    }
+}
 constexpr std::size_t slots = 4096;
 constexpr std::size_t maximumTables = 2048;
 constexpr double worthwhileCoverage = 0.8;
@@ -176,7 +202,7 @@ void count(Slot& slot, std::uint64_t fingerprint, const Standardised& law, std::
     }
     strangers.store(0, std::memory_order_relaxed);
     slot.asked.store(seen + 1, std::memory_order_relaxed);
-    if ((seen & ~fingerprintMask) + 1 < sustainedUse) {
+    if ((seen & ~fingerprintMask) + 1 < sustainedUse(law.law)) {
         return;
     }
     const std::lock_guard lock(cache.building);
@@ -190,8 +216,7 @@ void count(Slot& slot, std::uint64_t fingerprint, const Standardised& law, std::
 }  // namespace
 
 double tabulatedQuantile(int law, double u, const LawParameters& p) {
-    if (law < 0 || law >= static_cast<int>(lawCount) || law == uniform || law == bernoulli ||
-        !std::isfinite(p[0] + p[1] + p[2] + p[3]) || !cache.on.load(std::memory_order_relaxed)) {
+    if (law < 0 || law >= static_cast<int>(lawCount)) {
         return nan;
     }
     auto& strangers = cache.strangers[static_cast<std::size_t>(law)];
@@ -201,6 +226,10 @@ double tabulatedQuantile(int law, double u, const LawParameters& p) {
         if (inARow % skippedCalls != 0) {
             return nan;
         }
+    }
+    if (law == uniform || law == bernoulli || !std::isfinite(p[0] + p[1] + p[2] + p[3]) ||
+        !cache.on.load(std::memory_order_relaxed)) {
+        return nan;
     }
     const Standardised wanted = standardise(law, p);
     if (!(wanted.scale > 0.0 && wanted.scale <= std::numeric_limits<double>::max())) {

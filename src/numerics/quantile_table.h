@@ -23,7 +23,7 @@ class InterpolatedQuantile {
 public:
     explicit InterpolatedQuantile(const TabulatedLaw& law);
 
-    /// The quantile, or NaN where the law has to be asked: in the outer tails (tail probability below 2^-10), at
+    /// The quantile, or NaN where the law has to be asked: in the outer tails (tail probability below 2^-12), at
     /// exactly one half, and in intervals whose accuracy could not be reached.
     double operator()(double u) const {
         const bool lower = u < 0.5;
@@ -49,7 +49,7 @@ public:
 
 private:
     static constexpr int terms = 10;  // degree 9
-    static constexpr int octaves = 9;
+    static constexpr int octaves = 11;
     static constexpr int subdivisionBits = 3;
     static constexpr int fractionShift = 52 - subdivisionBits;
     static constexpr std::uint64_t intervals = octaves << subdivisionBits;

@@ -113,9 +113,18 @@ TEST_F(JobsTest, AProcessThatDiesIsReportedAndItsBlockRunAgain) {
 }
 
 TEST_F(JobsTest, AnInterruptionReportsWhatTheBlocksHave) {
-    const Outcome outcome = interrupted({"run", book("sum.xlsx", sumModel()), "-n", "20000000", "--jobs", "2",
-                                         "--strata", "0", "--quiet", "--json", "part.json"},
-                                        400);
+    const std::string model = book("sum.xlsx", sumModel());
+    // Interrupted once a worker has calculated for a while.
+    const Outcome outcome =
+        command({"/bin/sh", "-c", std::string(QUORVA_PROGRAM) + " run '" + model + R"(' -n 20000000 \
+        --jobs 2 --strata 0 --quiet --json part.json & program=$!
+        while kill -0 $program; do
+            for worker in $(cat /proc/$program/task/$program/children); do
+                ticks=$(cut -d ' ' -f 14 /proc/$worker/stat) && [ "$ticks" -ge 10 ] && break 2
+            done
+        done
+        kill -INT $program
+        wait $program)"});
     EXPECT_EQ(outcome.status, 130) << outcome.err;
     const auto json = nlohmann::json::parse(read("part.json"));
     EXPECT_GT(json["iterations"].get<int>(), 0);

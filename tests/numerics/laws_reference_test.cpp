@@ -101,7 +101,7 @@ protected:
 
 /// More draws than a law needs to be given a table; rows of one law and shape follow each other.
 void drawOften(const Row& row) {
-    for (int i = 0; i < 500; ++i) {
+    for (int i = 0; i < 4100; ++i) {
         InvCDFFunction(row.law() - 1, 0.375, row.p(1), row.p(2), row.p(3), row.p(4));
     }
 }

@@ -69,7 +69,7 @@ std::vector<double> uniforms(int n, unsigned seed) {
 
 /// Calls of a law before its table is sure to be there.
 void warmUp(const Law& law) {
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < 5000; ++i) {
         law.quantile(0.3);
     }
 }
