@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <execution>
 #include <limits>
-#include <numeric>
 #include <type_traits>
 #include <utility>
 
 #include "common/missing_value.h"
+#include "frontend/parallel.h"
 #include "frontend/statistics.h"
 #include "frontend/text.h"
 #include "quorva/front_end.h"
@@ -229,9 +228,7 @@ RunResults analyseRun(const RunSettings& settings, const std::vector<Field>& fie
     results.summary.resize(fields.size());
     results.intervals.resize(fields.size());
     // Sorting the columns is most of the work; they do not depend on each other.
-    std::vector<std::size_t> columns(fields.size());
-    std::iota(columns.begin(), columns.end(), std::size_t{0});
-    std::for_each(std::execution::par, columns.begin(), columns.end(), [&](std::size_t i) {
+    forEachIndex(fields.size(), [&](std::size_t i) {
         const auto& column = record.samples.columns[i];
         const SortedColumn sorted = sortColumn(column);
         results.summary[i] = summarise(fields[i], column, sorted);

@@ -212,7 +212,9 @@ RunResults runModelInBlocks(const RunSettings& settings, const std::vector<Field
         throw record.interrupted ? Stop(ExitStatus::Interrupted, "interrupted before the first iteration")
                                  : Stop(ExitStatus::Internal, "every block of the run was lost");
     }
-    takeIntervals(shared, fields, record, true);
+    if (shared.tornado) {
+        takeIntervals(shared, fields, record, true);
+    }
     return concludeRun(shared, fields, host, observer, record);
 }
 

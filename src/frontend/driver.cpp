@@ -8,6 +8,7 @@
 #include "common/missing_value.h"
 #include "frontend/analysis.h"
 #include "frontend/host_arrays.h"
+#include "frontend/parallel.h"
 #include "frontend/run_errors.h"
 #include "frontend/statistics.h"
 #include "frontend/tornado_pass.h"
@@ -242,17 +243,17 @@ void fetchSamples(const std::vector<Field>& fields, const Gaps& gaps, RunRecord&
 
 void takeIntervals(const RunSettings& settings, const std::vector<Field>& fields, RunRecord& record, bool all) {
     const std::size_t n = fields.size();
-    for (std::size_t i = 0; i < n; ++i) {
+    forEachIndex(n, [&](std::size_t i) {
         const auto& column = record.samples.columns[i];
         if (!all && std::none_of(column.begin(), column.end(), [](double x) { return std::isnan(x); })) {
-            continue;
+            return;
         }
         const Interval interval = centralInterval(fields[i], sortColumn(column), settings.tail);
         const double values[] = {interval.lower, interval.median, interval.upper, interval.minimum, interval.maximum};
         for (std::size_t c = 0; c < 5; ++c) {
             record.intervals[c * n + i] = values[c];
         }
-    }
+    });
 }
 
 namespace {

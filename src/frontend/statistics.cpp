@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "common/missing_value.h"
+#include "frontend/parallel.h"
 #include "numerics/core.h"
 #include "numerics/laws.h"
 #include "numerics/studies.h"
@@ -257,7 +258,7 @@ LabelledMatrix correlationMatrix(std::vector<std::string> names, std::vector<std
     }
     // Pairs with gaps need the values as they are, so they come before the others are scaled in place.
     const auto fill = [&](bool withGaps) {
-        for (std::size_t i = 0; i < n; ++i) {
+        forEachIndex(n, [&](std::size_t i) {
             for (std::size_t j = 0; j <= i; ++j) {
                 if ((gaps[i] || gaps[j]) != withGaps || columns[i].empty() || columns[j].empty()) {
                     continue;
@@ -266,14 +267,14 @@ LabelledMatrix correlationMatrix(std::vector<std::string> names, std::vector<std
                                               : std::clamp(product(columns[i], columns[j]), -1.0, 1.0);
                 matrix.at(i, j) = matrix.at(j, i) = i == j && !std::isnan(value) ? 1 : value;
             }
-        }
+        });
     };
     fill(true);
-    for (std::size_t i = 0; i < n; ++i) {
+    forEachIndex(n, [&](std::size_t i) {
         if (!gaps[i]) {
             standardise(columns[i]);
         }
-    }
+    });
     fill(false);
     return matrix;
 }
