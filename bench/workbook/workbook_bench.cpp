@@ -1,5 +1,5 @@
-// Recalculations per second and loading time of the benchmark workbooks. make_model.py writes them beside the program
-// when they are not there yet.
+// Recalculations per second and loading time of the benchmark workbooks. make_model.py writes them to the folder for
+// temporary files when they are not there yet.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -12,7 +12,8 @@ namespace {
 using quorva::workbook::Book;
 
 std::filesystem::path model(const std::string& kind, int sheets) {
-    const std::filesystem::path file = "model_" + kind + "_" + std::to_string(sheets) + ".xlsx";
+    const std::filesystem::path file =
+        std::filesystem::temp_directory_path() / ("quorva_model_" + kind + "_" + std::to_string(sheets) + ".xlsx");
     if (!std::filesystem::exists(file)) {
         const std::string command = "/usr/bin/python3 " QUORVA_SOURCE_DIR "/../shared/bench/make_model.py " + kind +
                                     " " + std::to_string(sheets) + " " + file.string();

@@ -202,14 +202,14 @@ Node Parser::number() {
     return constant(Value(*parsed));
 }
 
-Node Parser::quotedText() {
+std::string Parser::quoted(char mark, const char* unfinished) {
     std::string text;
     for (++at_;; ++at_) {
         if (at_ >= text_.size()) {
-            fail("a text does not end");
+            fail(unfinished);
         }
-        if (text_[at_] == '"') {
-            if (peek(1) != '"') {
+        if (text_[at_] == mark) {
+            if (peek(1) != mark) {
                 break;
             }
             ++at_;
@@ -217,8 +217,10 @@ Node Parser::quotedText() {
         text.push_back(text_[at_]);
     }
     ++at_;
-    return constant(Value(std::move(text)));
+    return text;
 }
+
+Node Parser::quotedText() { return constant(Value(quoted('"', "a text does not end"))); }
 
 Node Parser::errorLiteral() {
     for (int i = 0; i <= static_cast<int>(ErrorCode::Calc); ++i) {
@@ -292,20 +294,7 @@ std::string_view Parser::token() {
 
 /// 'My sheet'!A1, 'First sheet:Last sheet'!A1, '[1]Other'!A1
 Node Parser::quotedSheet() {
-    std::string name;
-    for (++at_;; ++at_) {
-        if (at_ >= text_.size()) {
-            fail("a sheet's name does not end");
-        }
-        if (text_[at_] == '\'') {
-            if (peek(1) != '\'') {
-                break;
-            }
-            ++at_;
-        }
-        name.push_back(text_[at_]);
-    }
-    ++at_;
+    std::string name = quoted('\'', "a sheet's name does not end");
     if (peek() != '!') {
         fail("'!' is missing behind a sheet's name");
     }

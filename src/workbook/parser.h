@@ -30,6 +30,8 @@ private:
     Node primary();
     Node primaryWithoutPostfix();
     Node number();
+    /// What stands between marks, a doubled mark standing for one; `unfinished` is the complaint when it does not end.
+    std::string quoted(char mark, const char* unfinished);
     Node quotedText();
     Node errorLiteral();
     Node arrayConstant();
