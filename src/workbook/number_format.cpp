@@ -303,11 +303,27 @@ std::string writeText(const std::vector<Section>& sections, const std::string& t
 
 }  // namespace
 
+namespace {
+
+/// The sections of a format, parsed again only when the format differs from the one before: a range of values is
+/// written with one format, and a recalculated cell keeps its own.
+const std::vector<format::Section>& parsedOnce(std::string_view pattern) {
+    thread_local std::string last;
+    thread_local std::vector<format::Section> sections = format::parse(last);
+    if (pattern != last) {
+        sections = format::parse(pattern);
+        last = pattern;
+    }
+    return sections;
+}
+
+}  // namespace
+
 std::optional<std::string> formatValue(const Value& value, std::string_view pattern, bool date1904) {
     if (value.isBoolean()) {
         return value.boolean() ? "TRUE" : "FALSE";
     }
-    const auto sections = format::parse(pattern);
+    const std::vector<format::Section>& sections = parsedOnce(pattern);
     if (sections.empty()) {
         return std::nullopt;
     }

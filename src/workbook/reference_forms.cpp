@@ -37,8 +37,11 @@ bool parseRelative(std::string_view& text, char letter, int base, int limit, int
     }
     text.remove_prefix(end + (relative ? 1 : 0));
     const double place = relative ? base + *number : number ? *number - 1 : base;
+    if (!(place >= 0 && place < limit)) {
+        return false;
+    }
     position = static_cast<int>(place);
-    return place >= 0 && place < limit;
+    return true;
 }
 
 }  // namespace
