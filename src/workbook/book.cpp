@@ -208,6 +208,7 @@ std::vector<FormulaCell> Book::formulas() const {
 }
 
 void Book::set(const CellAddress& cell, const CellValue& value) { contents_->workings.set(cell, taken(value)); }
+void Book::setStepLimit(std::int64_t steps) { contents_->workings.around.stepLimit = steps; }
 void Book::recalculateAll() { contents_->workings.computeAll(); }
 
 void Book::attach() {

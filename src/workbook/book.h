@@ -92,6 +92,9 @@ public:
     /// Sets a constant; what depends on it changes at the next recalculation.
     void set(const CellAddress& cell, const CellValue& value);
 
+    /// How many steps (cells read, elements made, operators and functions evaluated) one formula may take; beyond them
+    /// it counts as unsupported. Without it 10,000,000,000, which is some minutes.
+    void setStepLimit(std::int64_t steps);
     /// Computes every formula, whatever the file saved. Unsupported cells keep their saved value.
     void recalculateAll();
 

@@ -90,6 +90,17 @@ void CellStore::markFormula(Slot slot) {
 
 std::vector<std::pair<std::uint64_t, Slot>> addedCells(const SheetIndex& index, const Area& area) {
     std::vector<std::pair<std::uint64_t, Slot>> found;
+    if (static_cast<std::uint64_t>(area.rows()) * static_cast<std::uint64_t>(area.columns()) < index.added.size()) {
+        for (int row = area.firstRow; row <= area.lastRow; ++row) {
+            for (int column = area.firstColumn; column <= area.lastColumn; ++column) {
+                const auto at = index.added.find(cellKey(row, column));
+                if (at != index.added.end()) {
+                    found.emplace_back(*at);
+                }
+            }
+        }
+        return found;
+    }
     for (const auto& [key, slot] : index.added) {
         if (area.contains(static_cast<int>(key >> 14), static_cast<int>(key & 16383))) {
             found.emplace_back(key, slot);

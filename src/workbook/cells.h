@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "workbook/allowance.h"
 #include "workbook/value.h"
 
 namespace quorva::workbook {
@@ -57,6 +58,7 @@ public:
         return number == number ? Value(number) : others_[slot];
     }
     Value get(int sheet, int row, int column) const {
+        allowance_.spend(1);
         const Slot slot = find(sheet, row, column);
         return slot == noSlot ? Value() : get(slot);
     }
@@ -82,6 +84,9 @@ public:
     /// Gives up the slots from `first` on.
     void truncate(Slot first);
 
+    /// Reading by position and walking areas is charged to it, so that no function can read without end.
+    Allowance& allowance() const { return allowance_; }
+
     /// Calls visit(row, column, slot) for each existing cell of the area, row by row.
     template <class Visit>
     void forEachSlot(const Area& area, Visit&& visit) const;
@@ -102,6 +107,7 @@ private:
     std::vector<Value> others_;
     std::vector<bool> subtotals_;
     std::vector<bool> formulas_;
+    mutable Allowance allowance_;
 };
 
 std::size_t lowerBound(const std::vector<int>& sorted, std::size_t from, std::size_t to, int wanted);
@@ -114,9 +120,11 @@ void CellStore::forEachSlot(const Area& area, Visit&& visit) const {
     const SheetIndex& index = sheets_[area.sheet];
     for (std::size_t at = lowerBound(index.rows, 0, index.rows.size(), area.firstRow);
          at < index.rows.size() && index.rows[at] <= area.lastRow; ++at) {
+        allowance_.spend(1);
         const std::size_t end = index.rowStart[at + 1];
         for (std::size_t i = lowerBound(index.columns, index.rowStart[at], end, area.firstColumn);
              i < end && index.columns[i] <= area.lastColumn; ++i) {
+            allowance_.spend(1);
             if (!visited(visit, index.rows[at], index.columns[i], index.firstSlot + static_cast<Slot>(i))) {
                 return;
             }
@@ -124,6 +132,7 @@ void CellStore::forEachSlot(const Area& area, Visit&& visit) const {
     }
     if (!index.added.empty()) {
         for (const auto& [key, slot] : addedCells(index, area)) {
+            allowance_.spend(1);
             if (!visited(visit, static_cast<int>(key >> 14), static_cast<int>(key & 16383), slot)) {
                 return;
             }

@@ -134,17 +134,20 @@ Value combinedElement(const Value& value, int row, int column) {
     return value.arrayCells()[static_cast<std::size_t>(r) * value.arrayColumns() + c];
 }
 
-Value combine(const Value& left, const Value& right, const std::function<Value(const Value&, const Value&)>& fn) {
+Value combine(const Call& call, const Value& left, const Value& right,
+              const std::function<Value(const Value&, const Value&)>& fn) {
     const int rows = std::max(left.isArray() ? left.arrayRows() : 1, right.isArray() ? right.arrayRows() : 1);
     const int columns = std::max(left.isArray() ? left.arrayColumns() : 1, right.isArray() ? right.arrayColumns() : 1);
     if (static_cast<std::int64_t>(rows) * columns > largestArray) {
         return ErrorCode::Num;
     }
+    call.spend(static_cast<double>(rows) * columns);
     std::vector<Value> cells;
     cells.reserve(static_cast<std::size_t>(rows) * columns);
     for (int row = 0; row < rows; ++row) {
         for (int column = 0; column < columns; ++column) {
             cells.push_back(fn(combinedElement(left, row, column), combinedElement(right, row, column)));
+            call.spendText(cells.back());
         }
     }
     return Value::array(rows, columns, std::move(cells));
@@ -181,6 +184,7 @@ Value Evaluator::evaluate(const Node& node) {
         default:
             break;
     }
+    call.spend(1);
     if (++depth > deepestEvaluation) {
         throw Unsupported{"a formula nested so deeply"};
     }
@@ -225,7 +229,7 @@ Value Evaluator::unary(const Node& node) {
         }
         return node.op == Operator::Negate ? -*number : *number / 100;
     };
-    return value.isArray() ? combine(value, Value(), apply) : apply(value, value);
+    return value.isArray() ? combine(call, value, Value(), apply) : apply(value, value);
 }
 
 Value Evaluator::binary(const Node& node) {
@@ -235,7 +239,7 @@ Value Evaluator::binary(const Node& node) {
     const Value left = evaluateOperand(node.children[0]);
     const Value right = evaluateOperand(node.children[1]);
     if (left.isArray() || right.isArray()) {
-        return combine(left, right,
+        return combine(call, left, right,
                        [&](const Value& a, const Value& b) { return operate(node.op, a, b, call.date1904); });
     }
     return operate(node.op, left, right, call.date1904);

@@ -9,11 +9,6 @@
 
 namespace quorva::workbook {
 
-/// A formula needs something that this host cannot compute.
-struct Unsupported {
-    std::string what;
-};
-
 /// What the evaluator asks the book for.
 struct Surroundings {
     CellStore* cells = nullptr;
@@ -29,6 +24,7 @@ struct Surroundings {
     std::function<bool(int sheet, int row, int column, Area& area)> spillOf;
     std::uint64_t random[4] = {0x9E3779B97F4A7C15, 0xBF58476D1CE4E5B9, 0x94D049BB133111EB, 0x2545F4914F6CDD1D};
     double now = 0;
+    std::int64_t stepLimit = Allowance::usual;  ///< steps that one formula may take
 
     double nextRandom();
     void seedRandom(std::uint64_t seed);
@@ -109,7 +105,7 @@ private:
 Value operate(Operator op, const Value& left, const Value& right, bool date1904);
 /// Calls fn(element of left, element of right) for arrays combined as worksheets do: single rows and columns are
 /// repeated, what has no partner is #N/A.
-Value combine(const Value& left, const Value& right, const std::function<Value(const Value&, const Value&)>& fn);
+Value combine(const Call& call, const Value& left, const Value& right, const std::function<Value(const Value&, const Value&)>& fn);
 /// The element of an array that takes part at (row, column) of a combination; scalars take part everywhere.
 Value combinedElement(const Value& value, int row, int column);
 

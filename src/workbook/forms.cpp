@@ -24,8 +24,9 @@ std::pair<int, int> commonShape(const std::vector<Value>& values) {
 
 /// Applies pick to the elements of the values at every place of their common shape.
 template <class Pick>
-Value mapElements(const std::vector<Value>& values, Pick&& pick) {
+Value mapElements(const Call& call, const std::vector<Value>& values, Pick&& pick) {
     const auto [rows, columns] = commonShape(values);
+    call.spend(static_cast<double>(rows) * columns);
     std::vector<Value> cells;
     std::vector<Value> elements(values.size());
     for (int row = 0; row < rows; ++row) {
@@ -182,7 +183,7 @@ Value Evaluator::ifForm(const Node& node) {
         for (std::size_t i = 1; i < node.children.size(); ++i) {
             values.push_back(evaluateOperand(node.children[i]));
         }
-        return mapElements(values, [](const std::vector<Value>& elements) -> Value {
+        return mapElements(call, values, [](const std::vector<Value>& elements) -> Value {
             const auto yes = toBoolean(elements[0]);
             if (!yes) {
                 return yes.error();
@@ -210,7 +211,7 @@ Value Evaluator::ifErrorForm(const Node& node, bool onlyNA) {
     const Value value = evaluateOperand(node.children[0]);
     if (value.isArray()) {
         const Value other = evaluateOperand(node.children[1]);
-        return mapElements({value, other}, [&](const std::vector<Value>& elements) {
+        return mapElements(call, {value, other}, [&](const std::vector<Value>& elements) {
             return branchValue(caught(elements[0]) ? elements[1] : elements[0]);
         });
     }
@@ -237,7 +238,7 @@ Value Evaluator::ifsForm(const Node& node) {
     if (node.children.size() % 2 != 0) {
         return ErrorCode::NA;
     }
-    return arrays ? mapElements(values, pickIfs) : Value(ErrorCode::NA);
+    return arrays ? mapElements(call, values, pickIfs) : Value(ErrorCode::NA);
 }
 
 Value Evaluator::switchForm(const Node& node) {
@@ -262,7 +263,7 @@ Value Evaluator::switchForm(const Node& node) {
     for (std::size_t i = 1; i < node.children.size(); ++i) {
         values.push_back(evaluateOperand(node.children[i]));
     }
-    return mapElements(values, pickSwitch);
+    return mapElements(call, values, pickSwitch);
 }
 
 Value Evaluator::chooseForm(const Node& node) {
@@ -272,7 +273,7 @@ Value Evaluator::chooseForm(const Node& node) {
         for (std::size_t i = 1; i < node.children.size(); ++i) {
             values.push_back(evaluateOperand(node.children[i]));
         }
-        return mapElements(values, pickChoose);
+        return mapElements(call, values, pickChoose);
     }
     const auto index = toNumber(selector, call.date1904);
     if (!index) {

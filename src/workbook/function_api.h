@@ -52,6 +52,7 @@
 // Results: return a double, bool, text, ErrorCode or Value::array(rows, columns, cells).
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -96,6 +97,16 @@ struct Call {
     bool arrayMode = false;  ///< the formula is evaluated as an array: ranges are mapped, not intersected
     struct Evaluator* evaluator = nullptr;
 
+    /// Charges work that is not reading cells: call it before loops and arrays whose length an argument gives.
+    void spend(double steps) const {
+        cells.allowance().spend(static_cast<std::int64_t>(std::min(steps, 9e18)));
+    }
+    /// Charges the text, if it is one, that an array keeps.
+    void spendText(const Value& value) const {
+        if (value.isText()) {
+            cells.allowance().spend(static_cast<std::int64_t>(value.text().size()));
+        }
+    }
     /// A uniform random number in (0, 1).
     double random() const;
     /// The moment of this recalculation as a date serial number, local time.
@@ -201,7 +212,7 @@ std::optional<ErrorCode> forEachNumber(const Call& call, const Argument& argumen
             }
         }
     } else {
-        walk(Grid(argument.value));
+        walk(argument.grid(call));
     }
     return error;
 }

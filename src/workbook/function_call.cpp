@@ -91,6 +91,7 @@ Value mapFunction(Call& call, const FunctionRow& row, std::span<Argument> argume
     if (static_cast<std::int64_t>(shape.rows) * shape.columns > largestMapping) {
         return ErrorCode::Num;
     }
+    call.spend(static_cast<double>(shape.rows) * shape.columns);
     std::vector<Value> cells;
     cells.reserve(static_cast<std::size_t>(shape.rows) * shape.columns);
     boost::container::small_vector<Argument, 8> one(arguments.size());
@@ -104,6 +105,7 @@ Value mapFunction(Call& call, const FunctionRow& row, std::span<Argument> argume
             }
             Value result = callScalars(call, row, {one.data(), one.size()});
             cells.push_back(result.isArray() ? result.arrayCells()[0] : std::move(result));
+            call.spendText(cells.back());
         }
     }
     return Value::array(shape.rows, shape.columns, std::move(cells));
@@ -151,6 +153,7 @@ Value readReference(const Call& call, const Value& reference) {
     if (static_cast<std::int64_t>(area.rows()) * area.columns() > largestMapping) {
         return ErrorCode::Num;
     }
+    call.spend(static_cast<double>(area.rows()) * area.columns());
     std::vector<Value> cells(static_cast<std::size_t>(area.rows()) * area.columns());
     call.cells.forEachSlot(area, [&](int row, int column, Slot slot) {
         cells[static_cast<std::size_t>(row - area.firstRow) * area.columns() + (column - area.firstColumn)] =
@@ -193,7 +196,11 @@ Grid Argument::grid(const Call& call) const {
     if (value.isReference()) {
         return Grid(call.cells, value.areas()[0]);
     }
-    return Grid(value.isArray() ? value : Value::array(1, 1, {value}));
+    if (value.isArray()) {
+        call.spend(static_cast<double>(value.arrayCells().size()));
+        return Grid(value);
+    }
+    return Grid(Value::array(1, 1, {value}));
 }
 
 Value Argument::scalar(const Call& call) const {

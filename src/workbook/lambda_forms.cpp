@@ -45,6 +45,7 @@ Value Evaluator::mapForm(const Node& node) {
         columns = std::max(columns, arrays.back().arrayColumns());
     }
     const Value lambda = evaluate(node.children.back());
+    call.spend(static_cast<double>(rows) * columns);
     std::vector<Value> cells;
     std::vector<Value> arguments(arrays.size());
     for (int row = 0; row < rows; ++row) {

@@ -59,7 +59,7 @@ Value Evaluator::indexForm(const Node& node) {
     const Value area = optional(3);
     const int given = static_cast<int>(node.children.size());
     if (row.isArray() || column.isArray()) {
-        return combine(row, column, [&](const Value& r, const Value& c) {
+        return combine(call, row, column, [&](const Value& r, const Value& c) {
             Value one = indexOne(base, r, c, area, given);
             one = one.isReference() ? readReference(call, one) : one;
             return one.isArray() ? one.arrayCells()[0] : one;

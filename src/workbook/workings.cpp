@@ -32,6 +32,9 @@ Value snapped(const Node& tree, const CellStore&, Value value, Evaluator& evalua
     return compareNumbers(left, other) == 0 ? Value(0.0) : value;
 }
 
+/// Laying out a cell takes about as long as reading so many.
+constexpr std::int64_t stepsPerSpilledCell = 16;
+
 double currentSerial(bool date1904) {
     const auto now = std::chrono::system_clock::now();
     const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
@@ -214,6 +217,7 @@ void Workings::storeArray(int index, const Value& value) {
             return;
         }
     }
+    cells.allowance().spend(stepsPerSpilledCell * target.rows() * target.columns());
     for (int row = target.firstRow; row <= target.lastRow; ++row) {
         for (int column = target.firstColumn; column <= target.lastColumn; ++column) {
             Value one = combinedElement(value, row - target.firstRow, column - target.firstColumn);
@@ -240,6 +244,7 @@ void Workings::compute(int index) {
     formula.running = true;
     formula.why.clear();
     formula.modelCalls = 0;
+    const Allowance::Grant grant(cells.allowance(), around.stepLimit);
     Evaluator evaluator(around, formula.cell.sheet, formula.cell.row, formula.cell.column,
                         formula.kind != FormulaKind::Normal);
     try {

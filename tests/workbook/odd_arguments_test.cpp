@@ -43,13 +43,6 @@ std::string shown(const Value& value) {
     return value.isError() ? std::string(errorText(value.error())) : *text;
 }
 
-/// Whether the work of a function is bounded by the size of its arguments, not by their values.
-bool isBounded(const FunctionRow& row) {
-    return row.category == Category::Finance || row.category == Category::Date || row.category == Category::Text ||
-           row.category == Category::Engineering || row.category == Category::Lookup ||
-           row.category == Category::Information || row.category == Category::Trigonometry;
-}
-
 TEST(FunctionTable, OddArgumentsNeverThrowAndGiveFiniteNumbers) {
     const CellStore cells;
     const std::vector<Value> values = oddValues();
@@ -57,8 +50,7 @@ TEST(FunctionTable, OddArgumentsNeverThrowAndGiveFiniteNumbers) {
     const auto draw = [&](std::size_t count) { return generator() % count; };
     long calls = 0;
     for (const FunctionRow* row : allFunctions()) {
-        if (!isBounded(*row) || row->volatility == Volatility::Volatile ||
-            row->kinds.find_first_of("FL") != std::string_view::npos) {
+        if (row->volatility == Volatility::Volatile || row->kinds.find_first_of("FL") != std::string_view::npos) {
             continue;
         }
         for (int i = 0; i < 200; ++i) {
@@ -73,9 +65,11 @@ TEST(FunctionTable, OddArgumentsNeverThrowAndGiveFiniteNumbers) {
                 formula += " | " + shown(argument.value);
             }
             try {
+                const Allowance::Grant grant(cells.allowance(), 1'000'000);
                 const Value result = callFunction(call, *row, arguments);
                 EXPECT_TRUE(!result.isNumber() || std::isfinite(result.number())) << formula;
                 EXPECT_FALSE(result.isReference()) << formula;
+            } catch (const Unsupported&) {  // sizes such as 1e6 rows of 1e6 columns
             } catch (const std::exception& failure) {
                 ADD_FAILURE() << formula << ": " << failure.what();
             }

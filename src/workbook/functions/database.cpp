@@ -116,6 +116,7 @@ Result<std::vector<Value>> selectedValues(const Call& call, Arguments arguments,
     }
     std::vector<Value> values;
     for (int record = 1; record < table.usedRows(); ++record) {
+        call.spend(static_cast<double>(alternatives->size()));
         if (meets(table, record, *alternatives)) {
             values.push_back(column ? table.at(record, *column) : Value(true));
         }

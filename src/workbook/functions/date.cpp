@@ -293,6 +293,7 @@ Value workDayIn(const Call& call, Arguments arguments, const Result<WorkCalendar
     if (days > lastSerial) {
         return ErrorCode::Num;
     }
+    call.spend(days);
     while (days > 0) {
         serial += step;
         if (!(serial >= 0 && serial <= lastSerial)) {

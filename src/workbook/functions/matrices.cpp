@@ -23,6 +23,7 @@ Value matrixProduct(Call& call, Arguments arguments) {
     if (left->columns != right->rows) {
         return ErrorCode::Value;
     }
+    call.spend(static_cast<double>(left->rows) * left->columns * right->columns);
     NumberMatrix product{left->rows, right->columns,
                          std::vector<double>(static_cast<std::size_t>(left->rows) * right->columns)};
     for (int i = 0; i < left->rows; ++i) {
@@ -40,6 +41,9 @@ Result<NumberMatrix> squareMatrix(const Call& call, const Argument& argument) {
     auto matrix = toMatrix(call, argument);
     if (matrix && matrix->rows != matrix->columns) {
         return ErrorCode::Value;
+    }
+    if (matrix) {
+        call.spend(std::pow(matrix->rows, 3));
     }
     return matrix;
 }
@@ -140,6 +144,25 @@ Value transpose(Call& call, Arguments arguments) {
     return cells.size() == 1 ? cells[0] : Value::array(grid.columns(), grid.rows(), std::move(cells));
 }
 
+/// SUMPRODUCT of ranges too large to be laid out side by side: cell by cell of those that exist.
+Value sumProductOfFewCells(Call& call, Arguments arguments) {
+    for (const Argument& argument : arguments) {
+        if (const auto error = forEachNumber(call, argument, plainNumbers, [](double) {})) {
+            return *error;
+        }
+    }
+    double total = 0;
+    arguments[0].grid(call).forEach([&](const Value& value, int row, int column) {
+        double product = value.isNumber() ? value.number() : 0;
+        for (std::size_t i = 1; i < arguments.size() && product != 0; ++i) {
+            const Value factor = arguments[i].grid(call).at(row, column);
+            product *= factor.isNumber() ? factor.number() : 0;
+        }
+        total += product;
+    });
+    return total;
+}
+
 /// Anything but a number counts as 0; the first error in the leftmost array that has one wins.
 Value sumProduct(Call& call, Arguments arguments) {
     const Grid first = arguments[0].grid(call);
@@ -157,6 +180,10 @@ Value sumProduct(Call& call, Arguments arguments) {
         rows = std::min(rows, grid.usedRows());
         columns = std::min(columns, grid.usedColumns());
     }
+    if (static_cast<std::int64_t>(rows) * columns > largestArray) {
+        return sumProductOfFewCells(call, arguments);
+    }
+    call.spend(static_cast<double>(rows) * columns);
     // Kept between calls, so that recalculations do not allocate.
     thread_local std::vector<double> products;
     thread_local std::vector<double> factors;

@@ -145,6 +145,7 @@ Value fitTable(Call& call, Arguments arguments) {
     if (!observations) {
         return observations.error();
     }
+    call.spend(observations->x.rows * std::pow(observations->x.columns, 2));
     const LinearFit fit = fitLinear(observations->x, observations->y.cells, observations->withIntercept);
     const std::size_t variables = fit.slopes.size();
     const bool statistics = present(arguments, 3) && arguments[3].boolean();
@@ -184,6 +185,7 @@ Value fittedValues(Call& call, Arguments arguments) {
     if (!observations) {
         return observations.error();
     }
+    call.spend(observations->x.rows * std::pow(observations->x.columns, 2));
     const LinearFit fit = fitLinear(observations->x, observations->y.cells, observations->withIntercept);
     NumberMatrix points = observations->x;
     NumberMatrix result{observations->y.rows, observations->y.columns, {}};

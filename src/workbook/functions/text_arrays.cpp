@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "workbook/functions/array_cells.h"
 #include "workbook/functions/families.h"
 
 namespace quorva::workbook {
@@ -39,7 +40,7 @@ Result<std::vector<std::string>> delimitersOf(const Call& call, const Argument& 
 }
 
 /// Every place where one of the delimiters stands, from left to right; of several at one place the longest.
-std::vector<Cut> findCuts(std::string_view text, const std::vector<std::string>& delimiters, bool ignoreCase) {
+std::vector<Cut> findCuts(const Call& call, std::string_view text, const std::vector<std::string>& delimiters, bool ignoreCase) {
     const std::string folded = ignoreCase ? toLower(text) : std::string(text);
     // Folding keeps the length for nearly every text; where it does not, case counts.
     const bool usable = folded.size() == text.size();
@@ -48,6 +49,7 @@ std::vector<Cut> findCuts(std::string_view text, const std::vector<std::string>&
     if (ignoreCase && usable) {
         std::transform(wanted.begin(), wanted.end(), wanted.begin(), [](const std::string& d) { return toLower(d); });
     }
+    call.spend(static_cast<double>(within.size()) * static_cast<double>(wanted.size()));
     std::vector<Cut> cuts;
     for (std::size_t at = 0; at < within.size();) {
         std::size_t longest = 0;
@@ -85,7 +87,7 @@ Value textBeside(const Call& call, Arguments arguments, bool before) {
         const std::size_t at = instance > 0 ? 0 : text.size();
         return before ? text.substr(0, at) : text.substr(at);
     }
-    cuts = findCuts(text, *delimiters, flag(arguments, 3));
+    cuts = findCuts(call, text, *delimiters, flag(arguments, 3));
     if (flag(arguments, 4)) {
         if (instance > 0) {
             cuts.push_back({text.size(), text.size()});
@@ -104,8 +106,8 @@ Value textBeside(const Call& call, Arguments arguments, bool before) {
 Value textBefore(Call& call, Arguments arguments) { return textBeside(call, arguments, true); }
 Value textAfter(Call& call, Arguments arguments) { return textBeside(call, arguments, false); }
 
-std::vector<std::string> split(const std::string& text, const std::vector<std::string>& delimiters, bool skipEmpty,
-                               bool ignoreCase) {
+std::vector<std::string> split(const Call& call, const std::string& text, const std::vector<std::string>& delimiters,
+                               bool skipEmpty, bool ignoreCase) {
     std::vector<std::string> pieces;
     std::size_t from = 0;
     const auto add = [&](std::size_t end) {
@@ -113,7 +115,7 @@ std::vector<std::string> split(const std::string& text, const std::vector<std::s
             pieces.push_back(text.substr(from, end - from));
         }
     };
-    for (const Cut& cut : findCuts(text, delimiters, ignoreCase)) {
+    for (const Cut& cut : findCuts(call, text, delimiters, ignoreCase)) {
         add(cut.begin);
         from = cut.end;
     }
@@ -143,13 +145,17 @@ Value textSplit(Call& call, Arguments arguments) {
     const Value pad = arguments.size() > 5 && !arguments[5].missing ? arguments[5].value : Value(ErrorCode::NA);
     std::vector<std::vector<std::string>> rows;
     std::size_t columns = 0;
-    for (const std::string& row : split(arguments[0].text(), delimiters[1], skipEmpty, ignoreCase)) {
-        rows.push_back(split(row, delimiters[0], skipEmpty, ignoreCase));
+    for (const std::string& row : split(call, arguments[0].text(), delimiters[1], skipEmpty, ignoreCase)) {
+        rows.push_back(split(call, row, delimiters[0], skipEmpty, ignoreCase));
         columns = std::max(columns, rows.back().size());
     }
     if (columns == 0) {
         return ErrorCode::Calc;
     }
+    if (rows.size() * columns > largestArray) {
+        return ErrorCode::Num;
+    }
+    call.spend(static_cast<double>(rows.size() * columns));
     std::vector<Value> cells;
     cells.reserve(rows.size() * columns);
     for (const auto& row : rows) {
