@@ -105,7 +105,8 @@ private:
 Value operate(Operator op, const Value& left, const Value& right, bool date1904);
 /// Calls fn(element of left, element of right) for arrays combined as worksheets do: single rows and columns are
 /// repeated, what has no partner is #N/A.
-Value combine(const Call& call, const Value& left, const Value& right, const std::function<Value(const Value&, const Value&)>& fn);
+Value combine(const Call& call, const Value& left, const Value& right,
+              const std::function<Value(const Value&, const Value&)>& fn);
 /// The element of an array that takes part at (row, column) of a combination; scalars take part everywhere.
 Value combinedElement(const Value& value, int row, int column);
 

@@ -98,9 +98,7 @@ struct Call {
     struct Evaluator* evaluator = nullptr;
 
     /// Charges work that is not reading cells: call it before loops and arrays whose length an argument gives.
-    void spend(double steps) const {
-        cells.allowance().spend(static_cast<std::int64_t>(std::min(steps, 9e18)));
-    }
+    void spend(double steps) const { cells.allowance().spend(static_cast<std::int64_t>(std::min(steps, 9e18))); }
     /// Charges the text, if it is one, that an array keeps.
     void spendText(const Value& value) const {
         if (value.isText()) {

@@ -109,13 +109,24 @@ double betaValue(double x, const BetaShape& shape, bool cumulative) {
 }
 double betaLaw(const double* x, int count) { return betaValue(x[0], betaShape(x, count, 4), x[3] != 0); }
 double betaProbability(const double* x, int count) { return betaValue(x[0], betaShape(x, count, 3), true); }
+
+/// The quantile of the beta law on [0, 1]. Where it is so near 0 that the probability is x^alpha / (alpha B(alpha, beta))
+/// to the last digit, that is solved: the library's search starts outside [0, 1] for some of these.
+double betaQuantile(double alpha, double beta, double p) {
+    const double scale = boost::math::beta(alpha, beta, Policy());
+    const double nearZero = std::exp((std::log(p) + std::log(alpha) + std::log(scale)) / alpha);
+    if (scale > 0 && std::fabs(beta - 1) * nearZero < 1e-17) {
+        return nearZero;
+    }
+    return quantileOrNan([&] { return quantile(Beta(alpha, beta), p); });
+}
+
 double betaInverse(const double* x, int count) {
     const BetaShape shape = betaShape(x, count, 3);
     if (!shape.valid() || !(x[0] > 0) || !(x[0] <= 1)) {
         return nan;
     }
-    return shape.lower +
-           (shape.upper - shape.lower) * quantileOrNan([&] { return quantile(Beta(shape.alpha, shape.beta), x[0]); });
+    return shape.lower + (shape.upper - shape.lower) * betaQuantile(shape.alpha, shape.beta, x[0]);
 }
 
 // ---- Student's t ----

@@ -40,7 +40,8 @@ Result<std::vector<std::string>> delimitersOf(const Call& call, const Argument& 
 }
 
 /// Every place where one of the delimiters stands, from left to right; of several at one place the longest.
-std::vector<Cut> findCuts(const Call& call, std::string_view text, const std::vector<std::string>& delimiters, bool ignoreCase) {
+std::vector<Cut> findCuts(const Call& call, std::string_view text, const std::vector<std::string>& delimiters,
+                          bool ignoreCase) {
     const std::string folded = ignoreCase ? toLower(text) : std::string(text);
     // Folding keeps the length for nearly every text; where it does not, case counts.
     const bool usable = folded.size() == text.size();
