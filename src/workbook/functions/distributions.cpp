@@ -110,8 +110,8 @@ double betaValue(double x, const BetaShape& shape, bool cumulative) {
 double betaLaw(const double* x, int count) { return betaValue(x[0], betaShape(x, count, 4), x[3] != 0); }
 double betaProbability(const double* x, int count) { return betaValue(x[0], betaShape(x, count, 3), true); }
 
-/// The quantile of the beta law on [0, 1]. Where it is so near 0 that the probability is x^alpha / (alpha B(alpha, beta))
-/// to the last digit, that is solved: the library's search starts outside [0, 1] for some of these.
+/// The quantile of the beta law on [0, 1]. Where it is so near 0 that the probability is x^alpha / (alpha B(alpha,
+/// beta)) to the last digit, that is solved: the library's search starts outside [0, 1] for some of these.
 double betaQuantile(double alpha, double beta, double p) {
     const double scale = boost::math::beta(alpha, beta, Policy());
     const double nearZero = std::exp((std::log(p) + std::log(alpha) + std::log(scale)) / alpha);
