@@ -569,40 +569,26 @@ bool Parser::variableAhead(std::string_view& name, bool& optional) {
     return false;
 }
 
-Node Parser::letCall() {
+/// LET (names with their values, then what they stand in) and LAMBDA (names, then the body).
+Node Parser::variablesForm(Form form) {
     Node node;
     node.kind = Node::Kind::Special;
-    node.form = Form::Let;
+    node.form = form;
     const std::size_t outer = scope_.size();
     std::string_view name;
     bool optional = false;
     while (variableAhead(name, optional)) {
-        Node value = comparison();
-        node.children.push_back(std::move(value));
-        node.parameters.push_back(nextVariable_);
-        scope_.emplace_back(toLower(name), nextVariable_++);
-        expect(',');
-    }
-    if (node.children.empty()) {
-        fail("LET defines no name");
-    }
-    node.children.push_back(comparison());
-    node.depth = node.children.back().depth + 1;
-    expect(')');
-    scope_.resize(outer);
-    return node;
-}
-
-Node Parser::lambdaCall() {
-    Node node;
-    node.kind = Node::Kind::Special;
-    node.form = Form::Lambda;
-    const std::size_t outer = scope_.size();
-    std::string_view name;
-    bool optional = false;
-    while (variableAhead(name, optional)) {
+        if (form == Form::Let) {
+            node.children.push_back(comparison());  // the variable itself is not known yet
+        }
         node.parameters.push_back(optional ? ~nextVariable_ : nextVariable_);
         scope_.emplace_back(toLower(name), nextVariable_++);
+        if (form == Form::Let) {
+            expect(',');
+        }
+    }
+    if (form == Form::Let && node.children.empty()) {
+        fail("LET defines no name");
     }
     node.children.push_back(comparison());
     node.depth = node.children.back().depth + 1;
@@ -613,11 +599,8 @@ Node Parser::lambdaCall() {
 
 Node Parser::call(std::string_view written) {
     const std::string name = toUpper(withoutPrefix(written));
-    if (name == "LET") {
-        return letCall();
-    }
-    if (name == "LAMBDA") {
-        return lambdaCall();
+    if (name == "LET" || name == "LAMBDA") {
+        return variablesForm(name == "LET" ? Form::Let : Form::Lambda);
     }
     Node node;
     node.children = callArguments();

@@ -46,8 +46,7 @@ private:
     Node reference(int firstSheet, int lastSheet, Area area, bool explicitSheet);
     Node definedName(std::string_view name, int sheet);
     Node call(std::string_view name);
-    Node letCall();
-    Node lambdaCall();
+    Node variablesForm(Form form);
     std::vector<Node> callArguments();
     std::string_view token();
     bool variableAhead(std::string_view& name, bool& optional);

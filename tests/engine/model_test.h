@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "../common/reported_error.h"
 #include "common/front_end_arrays.h"
 #include "engine/inner_calls.h"
 #include "engine/run_state.h"
@@ -17,24 +18,6 @@
 #include "quorva/worksheet.h"
 
 namespace quorva::testing {
-
-struct ReportedError {
-    int code = 0;
-    int line = 0;
-    int column = 0;
-    std::vector<std::u16string> texts;
-};
-
-inline std::vector<std::u16string> takeTexts(HostStringArray* array) {
-    std::vector<std::u16string> texts;
-    if (array) {
-        const int count = static_cast<int>(array->rgsabound[0].cElements);
-        const matrix<std::u16string> read = fromHostStringArray(array, count);
-        texts.assign(read.data(), read.data() + read.size());
-        SafeArrayDestroy(array);
-    }
-    return texts;
-}
 
 /// Cpp_SimError; `line` on entry chooses the location.
 inline ReportedError reportedError(int line = 0) {

@@ -109,7 +109,7 @@ TEST_F(RunContract, TheStoredErrorIsReportedByEachControlCall) {
 }
 
 TEST_F(RunContract, ErrorsAreReadInTwoForms) {
-    ModuleError untouched{123, 45, 67, {}};
+    ReportedError untouched{123, 45, 67, {}};
     HostStringArray* none = nullptr;
     QUORVA_EXPORT(Cpp_SimError)(&untouched.code, &untouched.line, &untouched.column, &none);
     EXPECT_EQ(untouched.code, 123);
@@ -123,11 +123,11 @@ TEST_F(RunContract, ErrorsAreReadInTwoForms) {
     prepare(true);
     EXPECT_EQ(start(3), -17);
     EXPECT_EQ(status(), 0);
-    const ModuleError first = moduleError(0);
+    const ReportedError first = moduleError(0);
     EXPECT_EQ(first.code, -17);
     EXPECT_EQ(std::make_pair(first.line, first.column), std::make_pair(4, 5));
     EXPECT_EQ(first.texts, Texts{u"[Book]3"});
-    for (const ModuleError& second : {moduleError(-1), moduleError2()}) {
+    for (const ReportedError& second : {moduleError(-1), moduleError2()}) {
         EXPECT_EQ(second.code, -17);
         EXPECT_EQ(std::make_pair(second.line, second.column), std::make_pair(8, 9)) << "the first pair";
         EXPECT_EQ(second.texts, (Texts{u"[Book]2", u"same"}));
@@ -225,7 +225,7 @@ TEST_F(RunContract, TheRegistryAcceptsCellsUpToItsLimits) {
     line = 65'000;
     column = 3;
     enter(&column, &line, &slot, 1, u"Sheet of the cell");
-    ModuleError error = moduleError();
+    ReportedError error = moduleError();
     EXPECT_EQ(error.code, -15);
     EXPECT_EQ(std::make_pair(error.line, error.column), std::make_pair(65'000, 3));
     EXPECT_EQ(error.texts, Texts{u"Sheet of the cell"});
@@ -256,7 +256,7 @@ TEST_F(RunContract, ACellRegisteredTwiceKeepsItsFirstNumber) {
     result({"[Book]2", 2, 2}, "other sheet", [] { return 0.0; });
     init(false);
     recalculate();
-    const ModuleError error = moduleError();
+    const ReportedError error = moduleError();
     EXPECT_EQ(error.code, -10) << "a single-sheet model has one grid for all sheets";
     EXPECT_EQ(error.texts, Texts{u"[Book]2"});
     EXPECT_EQ(numberAt(0), 1);
@@ -278,7 +278,7 @@ TEST_F(RunContract, SheetsAreLookedUpByTheirIdentifier) {
     slot = -5;
     find(&column, &line, &slot, '7', u"unknown");
     EXPECT_EQ(slot, -5);
-    const ModuleError error = moduleError();
+    const ReportedError error = moduleError();
     EXPECT_EQ(error.code, -16);
     EXPECT_EQ(std::make_pair(error.line, error.column), std::make_pair(3, 4));
     EXPECT_EQ(error.texts, Texts{u"unknown"});
@@ -347,7 +347,7 @@ TEST_F(RunContract, AnErrorWhileRunningIsReportedByTheNextCallAndValuesStayNeutr
     EXPECT_EQ(evaluate(2), 5.0) << "its default";
     EXPECT_EQ(evaluate(0), 0.0) << "every field shows its default now";
     EXPECT_EQ(evaluate(1), 0.0);
-    const ModuleError error = moduleError();
+    const ReportedError error = moduleError();
     EXPECT_EQ(error.code, -11);
     EXPECT_EQ(std::make_pair(error.line, error.column), std::make_pair(30, 7));
     EXPECT_EQ(error.texts, Texts{u"[Book]1"});
@@ -362,7 +362,7 @@ TEST_F(RunContract, ASheetThatJoinsLaterIsNotListed) {
     ASSERT_EQ(step(), 0);
     statistic({"[Book]8", 1, 2}, "stranger", {"[Book]8", 0, 0}, 13);
     EXPECT_EQ(evaluate(2), 0.0);
-    const ModuleError error = moduleError();
+    const ReportedError error = moduleError();
     EXPECT_EQ(error.code, -16);
     EXPECT_EQ(error.texts, Texts{u"[Book]8"});
 }

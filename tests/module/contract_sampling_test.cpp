@@ -117,7 +117,7 @@ TEST_F(SamplingContract, TheRetryLimitIsTenThousandAndOneDraws) {
     }
     startDrawing(0);
     draw(1, 0.5, 0.5);
-    const ModuleError error = moduleError();
+    const ReportedError error = moduleError();
     EXPECT_EQ(error.code, -14);
     EXPECT_EQ(std::make_pair(error.line, error.column), std::make_pair(11, 1));
     EXPECT_EQ(error.texts, std::vector<std::u16string>{u""}) << "the sheet is read from a column that names lack";
@@ -300,7 +300,7 @@ TEST_F(SamplingContract, BoundsOfOneLabelRedrawAll) {
     startCorrelated({u"a", u"b"}, {1, 0.7, 0.7, 1});
     ASSERT_EQ(next(), 0);
     evaluate(1);
-    const ModuleError error = moduleError();
+    const ReportedError error = moduleError();
     EXPECT_EQ(error.code, -14);
     EXPECT_EQ(error.line, 0) << "the field whose bounds failed, not the one that asked";
     EXPECT_EQ(error.texts, std::vector<std::u16string>{u""});

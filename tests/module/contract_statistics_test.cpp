@@ -400,7 +400,7 @@ TEST_F(StatisticsContract, AReferenceBeyondTheGridIsAnError) {
     ASSERT_EQ(start(2), 0);
     ASSERT_EQ(step(), 0);
     EXPECT_EQ(value(2), 0.0);
-    const ModuleError error = moduleError();
+    const ReportedError error = moduleError();
     EXPECT_EQ(error.code, -15);
     EXPECT_EQ(std::make_pair(error.line, error.column), std::make_pair(65'100, 8));
     EXPECT_EQ(error.texts, std::vector<std::u16string>{u"[Book]1"});

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "../common/reported_error.h"
 #include "common/front_end_arrays.h"
 #include "common/missing_value.h"
 #include "engine/inner_calls.h"
@@ -17,33 +18,16 @@
 
 namespace quorva::testing {
 
-struct ModuleError {
-    int code = 0;
-    int line = 0;
-    int column = 0;
-    std::vector<std::u16string> texts;
-};
-
-inline std::vector<std::u16string> takeTexts(HostStringArray* array) {
-    std::vector<std::u16string> texts;
-    if (array) {
-        const matrix<std::u16string> read = fromHostStringArray(array, static_cast<int>(array->rgsabound[0].cElements));
-        texts.assign(read.data(), read.data() + read.size());
-        SafeArrayDestroy(array);
-    }
-    return texts;
-}
-
-inline ModuleError moduleError(int line = 0) {
-    ModuleError error{0, line, 0, {}};
+inline ReportedError moduleError(int line = 0) {
+    ReportedError error{0, line, 0, {}};
     HostStringArray* sheets = nullptr;
     QUORVA_EXPORT(Cpp_SimError)(&error.code, &error.line, &error.column, &sheets);
     error.texts = takeTexts(sheets);
     return error;
 }
 
-inline ModuleError moduleError2() {
-    ModuleError error;
+inline ReportedError moduleError2() {
+    ReportedError error;
     HostStringArray* sheets = nullptr;
     QUORVA_EXPORT(Cpp_SimError2)(&error.code, &error.line, &error.column, &sheets);
     error.texts = takeTexts(sheets);

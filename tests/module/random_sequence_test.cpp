@@ -168,7 +168,7 @@ protected:
         }
     }
     void errors() {
-        const ModuleError first = moduleError(below(2) ? -1 : 0);
+        const ReportedError first = moduleError(below(2) ? -1 : 0);
         static_cast<void>(first);
         moduleError2();
         QUORVA_EXPORT(Cpp_SimGetStatus)();

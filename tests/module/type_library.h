@@ -16,8 +16,8 @@ struct TypeLibraryParameter {
 
 struct TypeLibraryFunction {
     std::string name;
-    std::string entry;    ///< exported name
-    std::string library;  ///< file that exports it
+    std::string entry;     ///< exported name
+    std::string fileName;  ///< file that exports it
     std::string result;
     std::vector<TypeLibraryParameter> parameters;
 };

@@ -120,7 +120,7 @@ TEST(TypeLibrary, OfTheBuiltModuleDeclaresThemToo) {
     const auto source = libraryFunctions();
     ASSERT_EQ(read.size(), source.size());
     for (std::size_t i = 0; i < read.size(); ++i) {
-        EXPECT_EQ(read[i].library, "QUORVAMC4R.xll");
+        EXPECT_EQ(read[i].fileName, "QUORVAMC4R.xll");
         for (std::size_t k = 0; k < read[i].parameters.size(); ++k) {
             EXPECT_EQ(read[i].parameters[k].in, source[i].parameters[k].in) << read[i].parameters[k].name;
             EXPECT_EQ(read[i].parameters[k].out, source[i].parameters[k].out) << read[i].parameters[k].name;

@@ -122,7 +122,7 @@ TEST_F(WholeRun, AWorkbookOfTenSheetsRunsAndTheEleventhIsRefused) {
     ASSERT_EQ(init(true), 0);
     recalculate();
     EXPECT_EQ(init2(), -16);
-    const ModuleError error = moduleError();
+    const ReportedError error = moduleError();
     EXPECT_EQ(error.code, -16);
     EXPECT_EQ(error.line, 6);
     EXPECT_EQ(error.column, 7);
@@ -136,12 +136,12 @@ TEST_F(WholeRun, OneNameTwiceIsReadBackInBothForms) {
     prepare(true);
     EXPECT_EQ(begin(5), -17);
     EXPECT_EQ(status(), 0);
-    const ModuleError first = moduleError();
+    const ReportedError first = moduleError();
     EXPECT_EQ(first.code, -17);
     EXPECT_EQ(first.line, 1);
     EXPECT_EQ(first.column, 2);
     EXPECT_EQ(first.texts, std::vector<std::u16string>{u"[Book]1"});
-    for (const ModuleError& second : {moduleError(-1), moduleError2()}) {
+    for (const ReportedError& second : {moduleError(-1), moduleError2()}) {
         EXPECT_EQ(second.code, -17);
         EXPECT_EQ(second.line, 3);
         EXPECT_EQ(second.column, 4);

@@ -77,11 +77,11 @@ TypeLibraryFunction describe(ITypeInfo& info, const FUNCDESC& function) {
                                      (element.paramdesc.wParamFlags & PARAMFLAG_FOUT) != 0});
     }
 
-    BSTR library = nullptr;
+    BSTR file = nullptr;
     BSTR entry = nullptr;
     WORD ordinal = 0;
-    check(info.GetDllEntry(function.memid, function.invkind, &library, &entry, &ordinal), "GetDllEntry");
-    result.library = take(library);
+    check(info.GetDllEntry(function.memid, function.invkind, &file, &entry, &ordinal), "GetDllEntry");
+    result.fileName = take(file);
     result.entry = take(entry);
     return result;
 }
