@@ -20,7 +20,8 @@ void titledNumber(XlsxSheet& sheet, int& row, const std::string& title, double v
 void writeSummary(XlsxSheet sheet, const RunResults& results) {
     const XlsxFormats& formats = sheet.formats();
     sheet.width(0, 0, 30);
-    sheet.width(1, 8, 15);
+    sheet.printWhole();
+    sheet.width(1, 8, 18);
     int row = 0;
     sheet.text(row++, 0, "Simulation of " + results.workbook, formats.title);
     titledNumber(sheet, row, "Iterations", results.iterations, formats.whole);
@@ -108,6 +109,7 @@ void writeCorrelations(XlsxSheet sheet, const RunResults& results) {
     sheet.width(0, 0, 26);
     sheet.width(1, static_cast<int>(results.correlations.names.size()), 12);
     sheet.freeze(0, 1);
+    sheet.printWhole();
     int row = writeMatrix(sheet, 0, "Rank correlation (Spearman)", results.correlations.rank);
     row = writeMatrix(sheet, row, "Linear correlation (Pearson)", results.correlations.linear);
     if (results.correlations.requested) {
@@ -120,6 +122,7 @@ void writeCorrelations(XlsxSheet sheet, const RunResults& results) {
 
 void writeCapability(XlsxSheet sheet, const RunResults& results) {
     sheet.freeze(1, 1);
+    sheet.printWhole();
     sheet.width(0, 0, 26);
     sheet.width(1, capabilityIndices + 3, 13);
     std::vector<std::string> titles{"Field", "LSL", "USL", "Target"};
@@ -150,7 +153,8 @@ void writeSettings(XlsxSheet sheet, const RunResults& results) {
     sheet.width(1, 1, 20);
     sheet.width(2, 6, 18);
     sheet.freeze(1, 0);
-    sheet.header(0, 0, {"Setting", "Value"});
+    sheet.printWhole();
+    sheet.header(0, 0, {"Setting", "Value"}, 2);
     int row = 1;
     titledRow(sheet, row, "Workbook", results.workbook);
     titledNumber(sheet, row, "Iterations planned", settings.iterations, formats.whole);
@@ -169,7 +173,7 @@ void writeSettings(XlsxSheet sheet, const RunResults& results) {
         titledNumber(sheet, row, "Convergence tolerance, percent", settings.convergence->tolerancePercent);
     }
     row += 1;
-    sheet.header(row++, 0, {"Field", "Cell", "Kind", "Definition", "Default"});
+    sheet.header(row++, 0, {"Field", "Cell", "Kind", "Definition", "Default"}, 4);
     for (const Field& field : results.fields) {
         sheet.text(row, 0, field.name);
         sheet.text(row, 1, cellAddress(field.sheet, field.row, field.column));

@@ -1,6 +1,8 @@
 #include "frontend/report_xlsx_sheets.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 #include "frontend/reports.h"
 #include "frontend/text.h"
@@ -25,6 +27,25 @@ void colourLine(lxw_chart_series* series, lxw_color_t colour, bool dashed = fals
     chart_series_set_line(series, &line);
 }
 
+/// The value axis around what the lines show, not from 0: it is the slopes that count.
+void fitValueAxis(lxw_chart* chart, const Tornado& tornado) {
+    double least = std::numeric_limits<double>::infinity();
+    double largest = -least;
+    for (const TornadoInput& input : tornado.inputs) {
+        for (const double value : input.values) {
+            if (std::isfinite(value)) {
+                least = std::min(least, value);
+                largest = std::max(largest, value);
+            }
+        }
+    }
+    if (least < largest) {
+        const double step = std::pow(10.0, std::floor(std::log10(largest - least)));
+        chart_axis_set_min(chart->y_axis, std::floor(least / step) * step);
+        chart_axis_set_max(chart->y_axis, std::ceil(largest / step) * step);
+    }
+}
+
 void writeStatistics(XlsxSheet& sheet, const RunResults& results) {
     std::vector<std::string> titles{
         "Field",    "Kind",     "Count",           "Errors", "Mean", "Standard error", "Standard deviation",
@@ -33,7 +54,7 @@ void writeStatistics(XlsxSheet& sheet, const RunResults& results) {
         titles.push_back("P" + std::to_string(percentile));
     }
     titles.insert(titles.end(), {"Maximum", "Interval lower", "Interval upper"});
-    sheet.header(0, 0, titles);
+    sheet.header(0, 0, titles, 2);
     for (std::size_t i = 0; i < results.summary.size(); ++i) {
         const Summary& summary = results.summary[i];
         const int row = static_cast<int>(i) + 1;
@@ -55,7 +76,8 @@ void writeStatistics(XlsxSheet& sheet, const RunResults& results) {
 
 void writeResultsSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& results) {
     sheet.width(0, 0, 26);
-    sheet.width(1, 24, 14);
+    sheet.printWhole(2);
+    sheet.width(1, 24, 18);
     sheet.freeze(1, 1);
     writeStatistics(sheet, results);
     int row = static_cast<int>(results.summary.size()) + 3;
@@ -90,6 +112,7 @@ void writeResultsSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& result
 
 void writeSensitivitySheet(XlsxBook& book, XlsxSheet sheet, const RunResults& results) {
     sheet.width(0, 0, 26);
+    sheet.printWhole();
     sheet.width(1, 3, 16);
     int row = 0;
     for (const Sensitivity& sensitivity : results.sensitivity) {
@@ -103,11 +126,9 @@ void writeSensitivitySheet(XlsxBook& book, XlsxSheet sheet, const RunResults& re
             sheet.number(row++, 2, input.contribution, sheet.formats().percent);
         }
         const int last = std::min(row - 1, first + 14);
-        lxw_chart* chart = book.chart(LXW_CHART_BAR, "Sensitivity of " + sensitivity.result, "",
-                                      "Share of the explained variation (sign: direction)");
+        lxw_chart* chart =
+            book.barChart("Sensitivity of " + sensitivity.result, "Share of the explained variation (sign: direction)");
         colourBars(XlsxBook::series(chart, sheet.range(first, last, 0), sheet.range(first, last, 2), head, 2), blue);
-        chart_axis_set_reverse(chart->x_axis);
-        chart_axis_set_label_position(chart->x_axis, LXW_CHART_AXIS_LABEL_POSITION_LOW);
         chart_legend_set_position(chart, LXW_CHART_LEGEND_NONE);
         sheet.chart(head, 4, chart);
         row = std::max(row, head + chartRows) + 1;
@@ -116,6 +137,7 @@ void writeSensitivitySheet(XlsxBook& book, XlsxSheet sheet, const RunResults& re
 
 void writeTornadoSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& results) {
     sheet.width(0, 0, 26);
+    sheet.printWhole();
     sheet.width(1, 5, 16);
     if (results.tornado.empty()) {
         sheet.text(0, 0, "No tornado analysis was asked for (--tornado).");
@@ -137,13 +159,11 @@ void writeTornadoSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& result
             sheet.number(row++, 5, input.high - tornado.base);
         }
         const int last = std::min(row - 1, first + 14);
-        lxw_chart* chart = book.chart(LXW_CHART_BAR, "Tornado of " + tornado.result, "", "Change from the base value");
+        lxw_chart* chart = book.barChart("Tornado of " + tornado.result, "Change from the base value");
         colourBars(XlsxBook::series(chart, sheet.range(first, last, 0), sheet.range(first, last, 4), head, 4), orange);
         colourBars(XlsxBook::series(chart, sheet.range(first, last, 0), sheet.range(first, last, 5), head, 5), blue);
         chart_set_series_overlap(chart, 100);
         chart_set_series_gap(chart, 40);
-        chart_axis_set_reverse(chart->x_axis);
-        chart_axis_set_label_position(chart->x_axis, LXW_CHART_AXIS_LABEL_POSITION_LOW);
         sheet.chart(head, 7, chart);
         row = std::max(row, head + chartRows) + 1;
     }
@@ -152,6 +172,7 @@ void writeTornadoSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& result
 void writeSpiderSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& results) {
     constexpr std::size_t mostLines = 8;
     sheet.width(0, 0, 26);
+    sheet.printWhole();
     sheet.width(1, 20, 14);
     if (results.tornado.empty()) {
         sheet.text(0, 0, "No spider analysis was asked for (--tornado).");
@@ -177,6 +198,7 @@ void writeSpiderSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& results
             const int column = static_cast<int>(i) + 1;
             XlsxBook::series(chart, sheet.range(first, row - 1, 0), sheet.range(first, row - 1, column), head, column);
         }
+        fitValueAxis(chart, tornado);
         sheet.chart(row + 1, 0, chart);
         row += chartRows + 2;
     }
@@ -184,6 +206,7 @@ void writeSpiderSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& results
 
 void writeConvergenceSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& results) {
     sheet.width(0, 0, 16);
+    sheet.printWhole();
     sheet.width(1, 3, 16);
     int row = 0;
     if (results.convergence) {

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -38,6 +39,16 @@ std::string temporaryName() {
     close(descriptor);
     return name;
 }
+
+/// The format for six significant digits: no column is too narrow for it, and whole numbers have no decimal point.
+lxw_format* formatFor(double value, const XlsxFormats& formats) {
+    const double size = std::fabs(value);
+    if (size != 0 && (size >= 1e10 || size < 1e-4)) {
+        return formats.scientific;
+    }
+    const int decimals = size == std::floor(size) ? 0 : 5 - static_cast<int>(std::floor(std::log10(size)));
+    return formats.decimals[static_cast<std::size_t>(std::clamp(decimals, 0, 9))];
+}
 }  // namespace
 
 void XlsxSheet::text(int row, int column, const std::string& text, lxw_format* format) {
@@ -48,13 +59,13 @@ void XlsxSheet::text(int row, int column, const std::string& text, lxw_format* f
 void XlsxSheet::number(int row, int column, double value, lxw_format* format) {
     if (std::isfinite(value)) {
         worksheet_write_number(sheet_, static_cast<lxw_row_t>(row), static_cast<lxw_col_t>(column), value,
-                               format ? format : formats_->number);
+                               format ? format : formatFor(value, *formats_));
     }
 }
 
-void XlsxSheet::header(int row, int column, const std::vector<std::string>& titles) {
+void XlsxSheet::header(int row, int column, const std::vector<std::string>& titles, int textColumns) {
     for (const std::string& title : titles) {
-        text(row, column++, title, formats_->header);
+        text(row, column++, title, textColumns-- > 0 ? formats_->header : formats_->numberHeader);
     }
 }
 
@@ -64,6 +75,14 @@ void XlsxSheet::width(int first, int last, double characters) {
 
 void XlsxSheet::freeze(int rows, int columns) {
     worksheet_freeze_panes(sheet_, static_cast<lxw_row_t>(rows), static_cast<lxw_col_t>(columns));
+}
+
+void XlsxSheet::printWhole(int pages) {
+    worksheet_set_landscape(sheet_);
+    worksheet_fit_to_pages(sheet_, static_cast<std::uint16_t>(pages), 0);
+    if (pages > 1) {
+        worksheet_repeat_columns(sheet_, 0, 0);
+    }
 }
 
 void XlsxSheet::chart(int row, int column, lxw_chart* chart, int width, int height) {
@@ -91,13 +110,29 @@ XlsxBook::XlsxBook() : file_(temporaryName()), book_(workbook_new(file_.c_str())
         }
         return made;
     };
-    formats_ = {format(nullptr), format(nullptr), format("#,##0.######"), format("#,##0"), format("0.0%"),
-                format(nullptr), format(nullptr), format(nullptr),        format(nullptr)};
+    formats_.title = format(nullptr);
+    formats_.header = format(nullptr);
+    formats_.numberHeader = format(nullptr);
+    std::string pattern = "#,##0";
+    for (lxw_format*& made : formats_.decimals) {
+        made = format(pattern.c_str());
+        pattern += pattern.ends_with("#,##0") ? ".0" : "0";
+    }
+    formats_.scientific = format("0.00000E+00");
+    formats_.whole = format("#,##0");
+    formats_.percent = format("0.0%");
+    formats_.text = format(nullptr);
+    formats_.wrapped = format(nullptr);
+    formats_.good = format(nullptr);
+    formats_.bad = format(nullptr);
     format_set_bold(formats_.title);
     format_set_font_size(formats_.title, 14);
-    format_set_bold(formats_.header);
-    format_set_bg_color(formats_.header, headerColour);
-    format_set_font_color(formats_.header, LXW_COLOR_WHITE);
+    for (lxw_format* header : {formats_.header, formats_.numberHeader}) {
+        format_set_bold(header);
+        format_set_bg_color(header, headerColour);
+        format_set_font_color(header, LXW_COLOR_WHITE);
+    }
+    format_set_align(formats_.numberHeader, LXW_ALIGN_RIGHT);
     format_set_text_wrap(formats_.wrapped);
     format_set_align(formats_.wrapped, LXW_ALIGN_VERTICAL_TOP);
     format_set_font_color(formats_.good, 0x1E6B34);
@@ -123,9 +158,22 @@ lxw_chart* XlsxBook::chart(lxw_chart_type type, const std::string& title, const 
     font.size = 12;
     font.bold = LXW_TRUE;
     chart_title_set_name_font(chart, &font);
-    chart_axis_set_name(chart->x_axis, xTitle.c_str());
-    chart_axis_set_name(chart->y_axis, yTitle.c_str());
+    if (!xTitle.empty()) {
+        chart_axis_set_name(chart->x_axis, xTitle.c_str());
+    }
+    if (!yTitle.empty()) {
+        chart_axis_set_name(chart->y_axis, yTitle.c_str());
+    }
     chart_legend_set_position(chart, LXW_CHART_LEGEND_BOTTOM);
+    return chart;
+}
+
+lxw_chart* XlsxBook::barChart(const std::string& title, const std::string& valueTitle) {
+    lxw_chart* chart = this->chart(LXW_CHART_BAR, title, valueTitle, "");
+    lxw_chart_axis* categories = chart->y_axis;  // the writer's axes are those of the picture: y is the vertical one
+    chart_axis_set_reverse(categories);
+    chart_axis_set_crossing_max(categories);  // the values stay at the bottom
+    chart_axis_set_label_position(categories, LXW_CHART_AXIS_LABEL_POSITION_LOW);
     return chart;
 }
 

@@ -1,6 +1,7 @@
 // A thin layer over the spreadsheet writer: cells that are never formulas, numbers that may be missing, native charts.
 #pragma once
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,10 @@ namespace quorva::frontend {
 struct XlsxFormats {
     lxw_format* title;
     lxw_format* header;
-    lxw_format* number;
+    lxw_format* numberHeader;  ///< above numbers, which stand at the right
+    /// Numbers with as many decimals, for six significant digits; and those too large or too small for a column.
+    std::array<lxw_format*, 10> decimals;
+    lxw_format* scientific;
     lxw_format* whole;
     lxw_format* percent;
     lxw_format* text;
@@ -32,11 +36,14 @@ public:
         : sheet_(sheet), name_(name), formats_(&formats) {}
 
     void text(int row, int column, const std::string& text, lxw_format* format = nullptr);
-    /// Nothing when the number does not exist.
+    /// Nothing when the number does not exist. Without a format six significant digits are shown.
     void number(int row, int column, double value, lxw_format* format = nullptr);
-    void header(int row, int column, const std::vector<std::string>& titles);
+    /// Titles of columns, of which the first `textColumns` hold texts and the others numbers.
+    void header(int row, int column, const std::vector<std::string>& titles, int textColumns = 1);
     void width(int first, int last, double characters);
     void freeze(int rows, int columns);
+    /// Prints on landscape pages, so many for the sheet's width.
+    void printWhole(int pages = 1);
     void chart(int row, int column, lxw_chart* chart, int width = 620, int height = 320);
 
     XlsxRange range(int firstRow, int lastRow, int column) const { return {name_, firstRow, lastRow, column}; }
@@ -61,6 +68,8 @@ public:
     /// Charts are put on their sheets in the order in which they are made here: their files are numbered that way.
     lxw_chart* chart(lxw_chart_type type, const std::string& title, const std::string& xTitle,
                      const std::string& yTitle);
+    /// Horizontal bars, the first category on top and all names left of the bars.
+    lxw_chart* barChart(const std::string& title, const std::string& valueTitle);
     /// A series whose name is a cell's text, so that no name is taken for a formula.
     static lxw_chart_series* series(lxw_chart* chart, const XlsxRange& categories, const XlsxRange& values, int nameRow,
                                     int nameColumn);

@@ -50,6 +50,31 @@ for tornado in run["tornado"]:
 for name, charts in (("Sensitivity", 1), ("Tornado", 1), ("Spider", 1), ("Convergence", 1)):
     assert len(book[name]._charts) == charts * len(run["sensitivity"]), name
 
+# The strongest input on top: categories run downwards, values from left to right, names beside all bars.
+for name, title in (("Sensitivity", "Share of the explained variation (sign: direction)"),
+                    ("Tornado", "Change from the base value")):
+    for chart in book[name]._charts:
+        assert chart.barDir == "bar"
+        assert chart.x_axis.scaling.orientation == "maxMin", name
+        assert chart.y_axis.scaling.orientation == "minMax", name
+        assert chart.x_axis.tickLblPos == "low" and chart.x_axis.title is None, name
+        assert chart.y_axis.title.tx.rich.p[0].r[0].t == title, name
+for tornado in run["tornado"]:
+    swings = [abs(item["swing"]) for item in tornado["inputs"]]
+    assert swings == sorted(swings, reverse=True), swings
+
+# Six significant digits, whole numbers without a decimal point.
+sheet = book["Results"]
+for cells in sheet.iter_rows(min_row=2, max_row=1 + len(run["summary"]), min_col=5):
+    for cell in cells:
+        if cell.value is not None and cell.number_format != "0.00000E+00":
+            decimals = len(cell.number_format.partition(".")[2])
+            if cell.value == int(cell.value):
+                assert decimals == 0, (cell.value, cell.number_format)
+            else:
+                wanted = min(9, max(0, 5 - math.floor(math.log10(abs(cell.value)))))
+                assert decimals == wanted, (cell.value, cell.number_format)
+
 sheet = book["Correlations"]
 names = run["correlations"]["names"]
 for i, line in enumerate(run["correlations"]["rank"]):
