@@ -104,6 +104,9 @@ Value mapFunction(Call& call, const FunctionRow& row, std::span<Argument> argume
                 }
             }
             Value result = callScalars(call, row, {one.data(), one.size()});
+            if (result.isReference()) {
+                result = readReference(call, result);
+            }
             cells.push_back(result.isArray() ? result.arrayCells()[0] : std::move(result));
             call.spendText(cells.back());
         }

@@ -304,8 +304,16 @@ Value crossMatchValue(Call& call, Arguments arguments) {
     return *found < 0 ? Value(ErrorCode::NA) : Value(*found + 1);
 }
 
-/// One row or column of a grid, or its one value.
+/// One row or column of a grid, or its one value. Of cells it is a reference, which may end a range:
+/// A1:XLOOKUP(...).
 Value slice(const Grid& grid, int position, bool vertical) {
+    if (grid.fromCells()) {
+        Area area = grid.area();
+        int& first = vertical ? area.firstRow : area.firstColumn;
+        first += position;
+        (vertical ? area.lastRow : area.lastColumn) = first;
+        return Value::reference({area});
+    }
     const int length = vertical ? grid.columns() : grid.rows();
     if (length == 1) {
         return vertical ? grid.at(position, 0) : grid.at(0, position);
