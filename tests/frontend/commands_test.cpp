@@ -98,7 +98,8 @@ TEST_F(Command, DocumentedCommandsRun) {
     int commands = 0;
     for (const std::string page :
          {"docs/examples/project.md", "docs/examples/investment.md", "docs/examples/tolerance.md",
-          "docs/examples/inventory.md", "docs/examples/reserves.md", "docs/examples/portfolio.md", "README.md"}) {
+          "docs/examples/inventory.md", "docs/examples/reserves.md", "docs/examples/portfolio.md", "docs/workbooks.md",
+          "README.md"}) {
         std::ifstream in(std::string(QUORVA_SOURCE_DIR "/") + page);
         for (std::string line; std::getline(in, line);) {
             if (!line.starts_with("    quorva ") && !line.starts_with("    build/linux/quorva ")) {

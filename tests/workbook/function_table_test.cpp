@@ -105,7 +105,13 @@ TEST(FunctionTable, FunctionsSurviveArgumentsOfEveryKind) {
                 arguments.push_back(samples[static_cast<std::size_t>(rest) % samples.size()]);
                 rest = argument == 2 ? i : rest / static_cast<int>(samples.size());
             }
-            EXPECT_NO_THROW(callRow(cells, *row, arguments)) << row->name << " with arguments of set " << i;
+            try {
+                callRow(cells, *row, arguments);
+            } catch (const Unsupported& unsupported) {
+                EXPECT_TRUE(row->category == Category::Database) << row->name << ": " << unsupported.what;
+            } catch (...) {
+                ADD_FAILURE() << row->name << " throws with arguments of set " << i;
+            }
         }
     }
 }

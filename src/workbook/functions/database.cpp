@@ -40,8 +40,8 @@ Value asCondition(const Value& cell) {
 
 /// Every row below the headings is an alternative; an empty row (none of its cells filled) is met by every record.
 /// A condition under a heading that the table does not have is a formula to be computed anew for every record, which
-/// this host does not do: #VALUE!.
-Result<std::vector<Alternative>> readAlternatives(const Call& call, const Grid& table, const Grid& conditions) {
+/// this host does not do.
+std::vector<Alternative> readAlternatives(const Call& call, const Grid& table, const Grid& conditions) {
     std::vector<Alternative> alternatives;
     for (int row = 1; row < conditions.rows(); ++row) {
         Alternative alternative;
@@ -50,7 +50,7 @@ Result<std::vector<Alternative>> readAlternatives(const Call& call, const Grid& 
             const auto heading = toText(conditions.at(0, column));
             const int field = heading && !heading->empty() ? headedColumn(table, *heading) : -1;
             if (!cell.isBlank() && field < 0) {
-                return ErrorCode::Value;
+                throw Unsupported{"a computed condition of a database function"};
             }
             if (!cell.isBlank()) {
                 alternative.push_back({field, Criterion(asCondition(cell), call.date1904)});
@@ -111,13 +111,10 @@ Result<std::vector<Value>> selectedValues(const Call& call, Arguments arguments,
         return ErrorCode::Value;
     }
     const auto alternatives = readAlternatives(call, table, conditions);
-    if (!alternatives) {
-        return alternatives.error();
-    }
     std::vector<Value> values;
     for (int record = 1; record < table.usedRows(); ++record) {
-        call.spend(static_cast<double>(alternatives->size()));
-        if (meets(table, record, *alternatives)) {
+        call.spend(static_cast<double>(alternatives.size()));
+        if (meets(table, record, alternatives)) {
             values.push_back(column ? table.at(record, *column) : Value(true));
         }
     }

@@ -1,0 +1,39 @@
+// What the host does not compute is said, with its reason, and never a value.
+#include <gtest/gtest.h>
+
+#include "workbook/book.h"
+
+namespace quorva::workbook {
+namespace {
+
+std::string reasonOf(const std::string& formula) {
+    Book book = Book::fromText("A1: \"Tree\"\nA2: 1\nB1: \"Other\"\nB2: TRUE\nD1: =" + formula + "\n");
+    book.recalculateAll();
+    const FormulaCell cell = book.formulas().front();
+    EXPECT_EQ(cell.unsupported, !cell.why.empty()) << formula;
+    return cell.why;
+}
+
+TEST(Unsupported, FunctionsAreNamed) {
+    for (const std::string name :
+         {"FORECAST.ETS", "REGEXTEST", "GROUPBY", "PIVOTBY", "CUBEVALUE", "GETPIVOTDATA", "WEBSERVICE", "RTD", "CALL",
+          "TRIMRANGE", "PERCENTOF", "FILTERXML", "EUROCONVERT", "BAHTTEXT", "ASC", "PHONETIC", "OWNFUNCTION"}) {
+        EXPECT_EQ(reasonOf(name + "(A2,1)"), "the function " + name);
+    }
+}
+
+TEST(Unsupported, ComputedConditionsOfDatabaseFunctions) {
+    EXPECT_EQ(reasonOf("DSUM(A1:A2,1,B1:B2)"), "a computed condition of a database function");
+    EXPECT_EQ(reasonOf("DSUM(A1:A2,1,A1:A2)"), "");
+}
+
+TEST(Unsupported, QuestionsToCellThatDependOnTheComputer) {
+    EXPECT_EQ(reasonOf("CELL(\"filename\")"), "the function CELL with \"filename\"");
+}
+
+TEST(Unsupported, CircularReferencesNameTheirCells) {
+    EXPECT_EQ(reasonOf("D1+1"), "a circular reference (Sheet1!D1 -> Sheet1!D1)");
+}
+
+}  // namespace
+}  // namespace quorva::workbook
