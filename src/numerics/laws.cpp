@@ -110,7 +110,7 @@ double directQuantile(int law, double u, const LawParameters& parameters) {
 
 double InvCDFFunction(int law, double u, double p1, double p2, double p3, double p4) {
     const LawParameters parameters{p1, p2, p3, p4};
-    const double x = tabulatedQuantile(law, u, parameters);
+    const double x = worthLookingUp(law) ? tabulatedQuantile(law, u, parameters) : nan;
     return std::isnan(x) ? directQuantile(law, u, parameters) : x;
 }
 

@@ -133,15 +133,8 @@ struct Slot {
     std::atomic<std::uint64_t> asked{0};
 };
 
-/// A law whose parameters change with every call gains nothing: after this many calls in a row that met neither a
-/// table nor their own count, only one call in `skippedCalls` looks again.
-constexpr std::uint32_t patience = 64;
-constexpr std::uint32_t skippedCalls = 32;
-constexpr std::size_t lawCount = 35;
-
 struct Cache {
     std::atomic<bool> on{true};
-    std::array<std::atomic<std::uint32_t>, lawCount> strangers{};  ///< such calls in a row, by law index
     std::array<Slot, slots> table;
     std::mutex building;
     std::vector<std::unique_ptr<const Entry>> entries;
@@ -215,18 +208,10 @@ void count(Slot& slot, std::uint64_t fingerprint, const Standardised& law, std::
 
 }  // namespace
 
+std::array<std::atomic<std::uint32_t>, lawCount> callsWithoutTable{};
+
 double tabulatedQuantile(int law, double u, const LawParameters& p) {
-    if (law < 0 || law >= static_cast<int>(lawCount)) {
-        return nan;
-    }
-    auto& strangers = cache.strangers[static_cast<std::size_t>(law)];
-    const std::uint32_t inARow = strangers.load(std::memory_order_relaxed);
-    if (inARow >= patience) {
-        strangers.store(inARow + 1, std::memory_order_relaxed);
-        if (inARow % skippedCalls != 0) {
-            return nan;
-        }
-    }
+    auto& strangers = callsWithoutTable[static_cast<std::size_t>(law)];
     if (law == uniform || law == bernoulli || !std::isfinite(p[0] + p[1] + p[2] + p[3]) ||
         !cache.on.load(std::memory_order_relaxed)) {
         return nan;
@@ -245,7 +230,7 @@ double tabulatedQuantile(int law, double u, const LawParameters& p) {
     if (!entry->is(wanted)) {
         return nan;
     }
-    if (inARow != 0) {
+    if (strangers.load(std::memory_order_relaxed) != 0) {
         strangers.store(0, std::memory_order_relaxed);
     }
     return wanted.location + wanted.scale * entry->quantile(u);
@@ -257,7 +242,7 @@ void useQuantileTables(bool on) {
         slot.entry.store(nullptr, std::memory_order_relaxed);
         slot.asked.store(0, std::memory_order_relaxed);
     }
-    for (auto& inARow : cache.strangers) {
+    for (auto& inARow : callsWithoutTable) {
         inARow.store(0, std::memory_order_relaxed);
     }
     cache.entries.clear();
