@@ -29,8 +29,7 @@ void CallingCell::askForSheet() {
     if (name.type == hosttype::text && name.value.text) {
         // Not memcpy: for a length of up to 256 bytes the compiler writes a string instruction, which takes longer than
         // the rest of this function.
-        std::copy_n(name.value.text, static_cast<unsigned char>(*name.value.text) + std::size_t{1},
-                    sheetName_.begin());
+        std::copy_n(name.value.text, static_cast<unsigned char>(*name.value.text) + std::size_t{1}, sheetName_.begin());
     }
     XLOPER sheet = emptyValue();
     callHost(hostfunction::sheetId, &sheet, &name);
