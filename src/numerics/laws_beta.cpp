@@ -12,10 +12,13 @@
 namespace quorva::laws {
 namespace {
 
-/// A point of the unit interval by its distances from both ends, each to full precision.
+using Extended = long double;
+
+/// A point of the unit interval by its distances from both ends, each to full precision: a wide interval has points
+/// whose distance from an end, over its width, is no normal double.
 struct UnitPoint {
-    double fromZero;
-    double fromOne;
+    Extended fromZero;
+    Extended fromOne;
 };
 
 bool isArcsine(double alpha, double beta) { return alpha == 0.5 && beta == 0.5; }
@@ -28,29 +31,45 @@ bool liesOnEnds(double alpha, double beta) { return std::min(alpha, beta) < poin
 /// P(Z = 0) of a law that lies on the ends.
 double weightOfZero(double alpha, double beta) { return 1 / (1 + alpha / beta); }
 
+/// Far down the lower tail P(Z <= z) is z^alpha / (alpha B(alpha, beta)), as long as beta z is small against 1. This is
+/// the logarithm of the denominator.
+Extended logPowerScale(Extended alpha, Extended beta) {
+    return boost::math::lgamma(alpha + 1, NumericPolicy()) + boost::math::lgamma(beta, NumericPolicy()) -
+           boost::math::lgamma(alpha + beta, NumericPolicy());
+}
+
+/// So close to 0 the power is exact, and the general functions run out of normal doubles.
+bool isPower(Extended z, double beta) { return z * std::max(1.0, beta) < 1e-290L; }
+
+double powerCdf(Extended z, double alpha, double beta) {
+    return static_cast<double>(std::exp(alpha * std::log(z) - logPowerScale(alpha, beta)));
+}
+
+Extended powerQuantile(double u, double alpha, double beta) {
+    return std::exp((std::log(static_cast<Extended>(u)) + logPowerScale(alpha, beta)) / alpha);
+}
+
 /// P(Z <= z); in closed form for the arcsine law, on whose upper half the general function loses digits.
 double standardCdf(UnitPoint z, double alpha, double beta) {
     if (isArcsine(alpha, beta)) {
-        const double angle = std::asin(std::sqrt(std::min(z.fromZero, z.fromOne))) * (2 * std::numbers::inv_pi);
+        const double nearer = static_cast<double>(std::sqrt(std::min(z.fromZero, z.fromOne)));
+        const double angle = std::asin(nearer) * (2 * std::numbers::inv_pi);
         return z.fromZero <= z.fromOne ? angle : 1 - angle;
     }
     if (liesOnEnds(alpha, beta)) {
         return weightOfZero(alpha, beta);
     }
-    return betaLower(alpha, beta, z.fromZero, z.fromOne);
-}
-
-/// Far down the lower tail P(Z <= z) is z^alpha / (alpha B(alpha, beta)), as long as beta z is small against 1.
-double powerGuess(double u, double alpha, double beta) {
-    const double logBeta = boost::math::lgamma(alpha, NumericPolicy()) + boost::math::lgamma(beta, NumericPolicy()) -
-                           boost::math::lgamma(alpha + beta, NumericPolicy());
-    return std::exp((std::log(u) + std::log(alpha) + logBeta) / alpha);
+    if (isPower(z.fromZero, beta)) {
+        return powerCdf(z.fromZero, alpha, beta);
+    }
+    return betaLower(alpha, beta, static_cast<double>(z.fromZero), static_cast<double>(z.fromOne));
 }
 
 /// A first estimate of the point with P(Z <= z) = u, by its distances from both ends.
 UnitPoint guessOf(double u, double alpha, double beta) {
-    const double power = u < 1e-10 ? powerGuess(u, alpha, beta) : 1;
-    if (power * std::max(1.0, beta) < 1e-3) {
+    const bool farDown = u < 1e-10 || std::log(u) < -500 * alpha;
+    const Extended power = farDown ? powerQuantile(u, alpha, beta) : 1;
+    if (power * std::max(1.0, beta) < 1e-3L) {
         return {power, 1};
     }
     if (isAsymptotic(alpha, beta)) {
@@ -60,28 +79,31 @@ UnitPoint guessOf(double u, double alpha, double beta) {
         const double z = std::clamp(mean + deviation * normalQuantile(u), 0.0, 1.0);
         return {z, 1 - z};
     }
-    UnitPoint z{};
-    z.fromZero = boost::math::ibeta_inv(alpha, beta, u, &z.fromOne, NumericPolicy());
-    return z;
+    double fromOne = 0;
+    const double fromZero = boost::math::ibeta_inv(alpha, beta, u, &fromOne, NumericPolicy());
+    return {fromZero, fromOne};
 }
 
 /// The point with P(Z <= z) = u for u <= 1/2, found at the end of the interval to which it is nearer.
 UnitPoint lowerQuantile(double u, double alpha, double beta) {
-    UnitPoint z = guessOf(u, alpha, beta);
-    if (z.fromZero <= z.fromOne) {
-        z.fromZero = std::min(1.0, polished(z.fromZero, u, [=](double x) {
-                                  return TailPoint{betaLower(alpha, beta, x, 1 - x),
-                                                   boost::math::ibeta_derivative(alpha, beta, x, NumericPolicy())};
-                              }));
-        z.fromOne = 1 - z.fromZero;
-    } else {
-        z.fromOne = std::min(1.0, polished(z.fromOne, u, [=](double y) {
-                                 return TailPoint{betaLower(alpha, beta, 1 - y, y),
-                                                  -boost::math::ibeta_derivative(beta, alpha, y, NumericPolicy())};
-                             }));
-        z.fromZero = 1 - z.fromOne;
+    const UnitPoint guess = guessOf(u, alpha, beta);
+    if (isPower(guess.fromZero, beta)) {
+        return guess;
     }
-    return z;
+    if (guess.fromZero <= guess.fromOne) {
+        const double fromZero =
+            std::min(1.0, polished(static_cast<double>(guess.fromZero), u, [=](double x) {
+                         return TailPoint{betaLower(alpha, beta, x, 1 - x),
+                                          boost::math::ibeta_derivative(alpha, beta, x, NumericPolicy())};
+                     }));
+        return {fromZero, 1 - fromZero};
+    }
+    const double fromOne =
+        std::min(1.0, polished(static_cast<double>(guess.fromOne), u, [=](double y) {
+                     return TailPoint{betaLower(alpha, beta, 1 - y, y),
+                                      -boost::math::ibeta_derivative(beta, alpha, y, NumericPolicy())};
+                 }));
+    return {1 - fromOne, fromOne};
 }
 
 UnitPoint standardQuantile(double u, double alpha, double beta) {
@@ -109,15 +131,14 @@ struct Stretched {
 };
 
 double cdfOf(double x, const Stretched& law) {
-    const long double width = static_cast<long double>(law.d) - law.c;
-    const UnitPoint z{static_cast<double>((static_cast<long double>(x) - law.c) / width),
-                      static_cast<double>((static_cast<long double>(law.d) - x) / width)};
-    return standardCdf(z, law.alpha, law.beta);
+    const Extended width = static_cast<Extended>(law.d) - law.c;
+    return standardCdf({(static_cast<Extended>(x) - law.c) / width, (static_cast<Extended>(law.d) - x) / width},
+                       law.alpha, law.beta);
 }
 
 double quantileOf(double u, const Stretched& law) {
     const UnitPoint z = standardQuantile(u, law.alpha, law.beta);
-    const long double width = static_cast<long double>(law.d) - law.c;
+    const Extended width = static_cast<Extended>(law.d) - law.c;
     return static_cast<double>(z.fromZero <= 0.5 ? law.c + z.fromZero * width : law.d - z.fromOne * width);
 }
 
@@ -131,22 +152,22 @@ Stretched arcsineOf(const LawParameters& p) { return {p[0], 1 - p[0], 0, 1}; }
 
 /// (4m + b - 5a)/(b - a) and (5b - a - 4m)/(b - a), written without cancellation.
 Stretched pertOf(const LawParameters& p) {
-    const long double a = p[0];
-    const long double m = p[1];
-    const long double b = p[2];
+    const Extended a = p[0];
+    const Extended m = p[1];
+    const Extended b = p[2];
     return {static_cast<double>(1 + 4 * ((m - a) / (b - a))), static_cast<double>(1 + 4 * ((b - m) / (b - a))), p[0],
             p[2]};
 }
 
 double fisherCdf(double x, const LawParameters& p) {
-    const long double scaled = static_cast<long double>(p[0]) * x;
-    const long double sum = scaled + p[1];
-    return standardCdf({static_cast<double>(scaled / sum), static_cast<double>(p[1] / sum)}, p[0] / 2, p[1] / 2);
+    const Extended scaled = static_cast<Extended>(p[0]) * x;
+    const Extended sum = scaled + p[1];
+    return standardCdf({scaled / sum, p[1] / sum}, p[0] / 2, p[1] / 2);
 }
 
 double fisherQuantile(double u, const LawParameters& p) {
     const UnitPoint z = standardQuantile(u, p[0] / 2, p[1] / 2);
-    return static_cast<double>(static_cast<long double>(p[1]) * z.fromZero / z.fromOne / p[0]);
+    return static_cast<double>(static_cast<Extended>(p[1]) * z.fromZero / z.fromOne / p[0]);
 }
 
 }  // namespace

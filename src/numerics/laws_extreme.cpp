@@ -1,5 +1,6 @@
 // Laws in closed form over logarithms: exponential, Weibull, Gumbel, generalised extreme value, Pareto, logistic.
 // Distribution functions work in extended precision: exp(-exp(-x)) magnifies an error of x by up to 700.
+#include <algorithm>
 #include <cmath>
 
 #include "numerics/law_functions.h"
@@ -32,14 +33,21 @@ Support gumbelSupport(double scale, double location) {
     return scale == 0 ? pointMass(location) : definedIf(scale > 0, everywhere);
 }
 
-/// Parameters (beta, k, mu): scale, shape, location. The law ends at mu + beta/k, above for k > 0, below for k < 0.
+/// The least double that is not below x.
+double notBelow(Extended x) {
+    const double nearest = static_cast<double>(x);
+    return nearest < x ? std::nextafter(nearest, infinite) : nearest;
+}
+
+/// Parameters (beta, k, mu): scale, shape, location. The law ends at mu + beta/k, above for k > 0, below for k < 0,
+/// rounded outwards: between the end and the next double inside lies more than rounding when mu is large.
 Support gevSupport(const LawParameters& p) {
     const auto [scale, shape, location, unused] = p;
     if (scale == 0 || shape == 0) {
         return gumbelSupport(scale, location);
     }
-    const double end = location + scale / shape;
-    return definedIf(scale > 0, shape > 0 ? from(-infinite, end) : from(end));
+    const Extended end = location + static_cast<Extended>(scale) / shape;
+    return definedIf(scale > 0, shape > 0 ? from(-infinite, notBelow(end)) : from(-notBelow(-end)));
 }
 
 double gevCdf(double x, const LawParameters& p) {
@@ -48,7 +56,8 @@ double gevCdf(double x, const LawParameters& p) {
         return gumbelCdf(x, scale, location);
     }
     const Extended z = (static_cast<Extended>(x) - location) / scale;
-    return static_cast<double>(std::exp(-std::exp(std::log1p(-shape * z) / shape)));
+    const Extended beforeEnd = std::max(-shape * z, Extended{-1});
+    return static_cast<double>(std::exp(-std::exp(std::log1p(beforeEnd) / shape)));
 }
 
 double gevQuantile(double u, const LawParameters& p) {
@@ -56,7 +65,9 @@ double gevQuantile(double u, const LawParameters& p) {
     if (shape == 0) {
         return gumbelQuantile(u, scale, location);
     }
-    return location - scale * (std::expm1(shape * std::log(-std::log(u))) / shape);
+    // Near the end of the support what the location and the rest leave of each other may be small.
+    const Extended exponent = shape * std::log(-std::log(static_cast<Extended>(u)));
+    return static_cast<double>(location - scale * (std::expm1(exponent) / shape));
 }
 
 double logisticCdf(double x, const LawParameters& p) {
