@@ -166,6 +166,15 @@ TEST_F(Convergence, AllResultsAreWatchedOnlyForTheHostsTrue) {
     EXPECT_EQ(table(3, 5), 4.0);
 }
 
+TEST_F(Convergence, AnyMarkAboveZeroIsWatched) {
+    run.sampling.iteration = 100;
+    run.fields.FieldTable(2, fieldcolumn::convergence) = 1e-9;
+    run.fields.FieldTable(3, fieldcolumn::convergence) = -1;
+    Cpp_SimConv();
+    EXPECT_EQ(table(3, 1), 2.0);
+    EXPECT_EQ(table(3, 3), 4.0);
+}
+
 TEST_F(Convergence, WithNothingToWatchEveryLaterCheckConverges) {
     run.sampling.iteration = 100;
     run.fields.FieldTable(2, fieldcolumn::convergence) = 0;
@@ -235,6 +244,48 @@ TEST_F(Convergence, PercentileBoundsStayWithinTheStore) {
     run.sampling.iteration = 0;
     EXPECT_EQ(Cpp_SimConv(), 1);
     EXPECT_EQ(table(1, 1), MissingValue);
+    EXPECT_EQ(table(1, 2), MissingValue);
+}
+
+TEST_F(Convergence, PercentileBoundsOfASingleIterationAreItsValue) {
+    run.convergence.inCrit = 3;
+    run.convergence.ipercentile = 90;
+    run.sampling.iteration = 1;
+    run.sampling.SampleStore(1, 4) = 7.5;
+    EXPECT_EQ(Cpp_SimConv(), 0);
+    EXPECT_EQ(table(1, 3), 7.5);
+    EXPECT_EQ(table(1, 4), 7.5);
+}
+
+// A lower percentile has its own ranks: 10 -+ 1.96 * 3, outwards.
+TEST_F(Convergence, PercentileIsGivenInPercent) {
+    run.convergence.inCrit = 3;
+    run.convergence.ipercentile = 10;
+    run.sampling.iteration = 100;
+    for (int i = 1; i <= 100; ++i) {
+        run.sampling.SampleStore(i, 2) = (i * 37) % 101;
+    }
+    Cpp_SimConv();
+    EXPECT_EQ(table(1, 1), 4.0);
+    EXPECT_EQ(table(1, 2), 16.0);
+}
+
+TEST_F(Convergence, OneBoundThatMovesIsEnoughToGoOn) {
+    run.sampling.iteration = 100;
+    run.convergence.iconvPerc = 1;
+    const double z = 1.959963984540054;
+    // The bounds are 9.8 and 10.2; then the mean and the width move so that only one of them does.
+    setMoments(2, 100, 10, std::pow(0.2 * 10 / z, 2));
+    setMoments(4, 100, 10, std::pow(0.2 * 10 / z, 2));
+    for (const double direction : {-1.0, 1.0}) {
+        run.convergence.firstCheck = hostTrue;
+        setMoments(4, 100, 10, std::pow(0.2 * 10 / z, 2));
+        EXPECT_EQ(Cpp_SimConv(), 0);
+        setMoments(4, 100, 10 + direction * 0.1, std::pow(0.3 * 10 / z, 2));
+        EXPECT_EQ(Cpp_SimConv(), 0);
+        EXPECT_NEAR(table(2, direction > 0 ? 3 : 4), 0.0, 1e-14);
+        EXPECT_GT(table(2, direction > 0 ? 4 : 3), 0.019);
+    }
 }
 
 TEST_F(Convergence, AnyOtherCriterionLeavesTheTableAlone) {

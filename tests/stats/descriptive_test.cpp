@@ -167,6 +167,13 @@ TEST_F(Descriptive, OrderStatisticsUseOnlyTheObservationsAskedFor) {
     EXPECT_EQ(SimCalcStat(1, 2, 3, 11), 1.0);
 }
 
+TEST_F(Descriptive, BowleySkewnessNeedsNoWideQuartiles) {
+    clear();
+    const double values[] = {0.0, 0x1p-40, 0x1p-38};
+    std::copy(std::begin(values), std::end(values), run.sampling.SampleStore.column(2));
+    EXPECT_EQ(SimCalcStat(3, 2, 3, 21), 0.5);
+}
+
 TEST_F(Descriptive, ASingleValueHasNoSampleSpreadAndNoSkewness) {
     load(series("one"));
     EXPECT_EQ(SimCalcStat(1, 2, 3, 15), 0.0);
@@ -284,6 +291,10 @@ TEST_F(Descriptive, AFieldWithoutLimitsHasNoCapability) {
     }
     run.fields.FieldTable(2, fieldcolumn::capability) = 2.9;  // cut to row 2
     EXPECT_NEAR(SimCalcStat(7, 2, 3, 81), 18.0 / (6 * SimCalcStat(7, 2, 3, 17)), 1e-15);
+    run.fields.FieldTable(2, fieldcolumn::capability) = 1;
+    run.capability.SpcTable(1, 2) = 2.0;
+    run.capability.SpcTable(1, 3) = 11.0;
+    EXPECT_NEAR(SimCalcStat(7, 2, 3, 81), 9.0 / (6 * SimCalcStat(7, 2, 3, 17)), 1e-15);
 }
 
 TEST_F(Descriptive, AConstantFieldHasNoCapability) {
