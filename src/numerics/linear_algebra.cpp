@@ -131,14 +131,11 @@ bool nearestCorrelation(Square& a) {
     return false;
 }
 
-bool squareRoot(Square& a) {
+/// Symmetric square root; false when an eigenvalue lies below -1e-10 times `largest`, the largest of the whole matrix.
+bool squareRoot(Square& a, double largest) {
     const Eigen::SelfAdjointEigenSolver<Square> eigen(a);
-    if (eigen.info() != Eigen::Success) {
-        return false;
-    }
     constexpr double rounding = 1e-10;
-    const double largest = eigen.eigenvalues().maxCoeff();
-    if (!(eigen.eigenvalues().minCoeff() >= -rounding * std::max(largest, 0.0))) {
+    if (eigen.info() != Eigen::Success || !(eigen.eigenvalues().minCoeff() >= -rounding * std::max(largest, 0.0))) {
         return false;
     }
     a = rebuilt(eigen, [](double value) { return std::sqrt(std::max(value, 0.0)); });
@@ -191,7 +188,13 @@ int M_CholDecomp(const matrix<double>* a, int n, matrix<double>* factor) {
 int M_SquareRoot(const matrix<double>* a, int n, matrix<double>* factor) {
     const Square block = blockOf(*a, n);
     Square root;
-    if (!block.allFinite() || !setBySet(block, root, squareRoot)) {
+    if (!block.allFinite()) {
+        return failed;
+    }
+    const Eigen::SelfAdjointEigenSolver<Square> eigen(block, Eigen::EigenvaluesOnly);
+    const double largest = n > 0 ? eigen.eigenvalues().maxCoeff() : 0;
+    if (eigen.info() != Eigen::Success ||
+        !setBySet(block, root, [largest](Square& set) { return squareRoot(set, largest); })) {
         return failed;
     }
     writeBlock(root, *factor);

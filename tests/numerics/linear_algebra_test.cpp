@@ -122,6 +122,23 @@ TEST(LinearAlgebra, CholeskyRefusesCorrelationOneAndTheSquareRootTakesIt) {
     EXPECT_NEAR(factor(1, 1), factor(1, 2), 4e-16);
 }
 
+// What counts as rounding is measured by the largest eigenvalue of the whole matrix, here 10, and not by that of the
+// two variables whose correlation is a little above 1.
+TEST(LinearAlgebra, AnEigenvalueIsRoundingAgainstTheLargestOfTheMatrix) {
+    constexpr int n = 12;
+    matrix<double> a(n, n, 0.0);
+    for (int i = 1; i <= n; ++i) {
+        for (int j = 1; j <= n; ++j) {
+            a(i, j) = i == j || (i <= 10 && j <= 10) ? 1 : 0;
+        }
+    }
+    matrix<double> factor(n, n, 0.0);
+    a(11, 12) = a(12, 11) = 1 + 9e-10;
+    EXPECT_EQ(M_SquareRoot(&a, n, &factor), 0);
+    a(11, 12) = a(12, 11) = 1 + 11e-10;
+    EXPECT_LT(M_SquareRoot(&a, n, &factor), 0);
+}
+
 TEST(LinearAlgebra, UnrelatedVariablesStayUnrelatedInFactorAndRepair) {
     // 1 and 3 are the same variable, 2 and 4 stand alone.
     matrix<double> a(4, 4, 0.0);

@@ -172,21 +172,25 @@ TEST(TriangularByQuantiles, EndsReproduceTheQuantiles) {
         double a, m, b, q1, q2;
     };
     for (const auto& [a, m, b, q1, q2] :
-         {Case{1, 3, 7, 0.1, 0.9}, Case{10, 10, 20, 0.05, 0.95}, Case{-5, 0, 1, 0, 1}, Case{2, 1, 4, 0.5, 0.99},
-          Case{2, 5, 4, 0.01, 0.5}, Case{100, 101, 500, 0.001, 0.8}, Case{3, 8, 8, 0.25, 0.75}}) {
+         {Case{1, 3, 7, 0.1, 0.9}, Case{10, 10, 20, 0.05, 0.95}, Case{-5, 0, 1, 0, 1}, Case{4, 1, 13, 0.4, 0.9625},
+          Case{-13, -1, -4, 0.0375, 0.6}, Case{100, 101, 500, 0.001, 0.8}, Case{3, 8, 8, 0.25, 0.75}}) {
         double lower = 0;
         double upper = 0;
         TriangularQFindAB(a, m, b, q1, q2, lower, upper);
-        if (std::isnan(lower)) {
-            // Only a law whose falling side alone would have to hold both quantiles may be impossible.
-            EXPECT_TRUE(m < a || m > b) << a << " " << m << " " << b;
-            continue;
-        }
         EXPECT_NEAR(InvCDFFunction(25, q1, lower, m, upper, 0), a, 1e-12 * (upper - lower));
         EXPECT_NEAR(InvCDFFunction(25, q2, lower, m, upper, 0), b, 1e-12 * (upper - lower));
     }
     double lower = 0;
     double upper = 0;
+    // Both quantiles on the falling side of the triangle 0, 1, 16: 16 - sqrt(240 (1 - q)).
+    TriangularQFindAB(4, 1, 13, 0.4, 0.9625, lower, upper);
+    EXPECT_NEAR(lower, 0, 2e-14);
+    EXPECT_NEAR(upper, 16, 2e-14);
+    // The falling side through these two is so steep that it begins above the mode.
+    TriangularQFindAB(2, 1, 4, 0.5, 0.99, lower, upper);
+    EXPECT_TRUE(std::isnan(lower) && std::isnan(upper));
+    TriangularQFindAB(-4, -1, -2, 0.01, 0.5, lower, upper);
+    EXPECT_TRUE(std::isnan(lower) && std::isnan(upper));
     TriangularQFindAB(1, 3, 7, 0.9, 0.1, lower, upper);
     EXPECT_TRUE(std::isnan(lower) && std::isnan(upper));
     TriangularQFindAB(7, 3, 1, 0.1, 0.9, lower, upper);
