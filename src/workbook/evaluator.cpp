@@ -160,6 +160,7 @@ Evaluator::Evaluator(Surroundings& surroundings, int sheet, int row, int column,
 
 Value Evaluator::operand(Value value) {
     if (!value.isReference()) {
+        refuseReferenceArray(value);
         return value;
     }
     return mode == Mode::Scalar ? intersectReference(call, value) : readReference(call, value);
@@ -314,11 +315,27 @@ Value Evaluator::variable(const Node& node) {
     return ErrorCode::Name;
 }
 
+/// A table function in a lambda's place.
+Value Evaluator::invokeRow(const FunctionRow& row, std::span<const Value> given) {
+    const int count = static_cast<int>(given.size());
+    if (count < row.minArgs || count > row.maxArgs) {
+        return ErrorCode::Value;
+    }
+    boost::container::small_vector<Argument, 6> arguments;
+    for (const Value& value : given) {
+        arguments.push_back({value});
+    }
+    return callFunction(call, row, {arguments.data(), arguments.size()});
+}
+
 Value Evaluator::invoke(const Value& lambda, std::span<const Value> arguments) {
     if (!lambda.isLambda()) {
         return lambda.isError() ? lambda : Value(ErrorCode::Value);
     }
     const auto* body = static_cast<const LambdaBody*>(lambda.body());
+    if (body->node->row) {
+        return invokeRow(*body->node->row, arguments);
+    }
     const std::vector<int>& parameters = body->node->parameters;
     if (arguments.size() > parameters.size()) {
         return ErrorCode::Value;

@@ -72,6 +72,7 @@ private:
     Value referenceOperator(const Node& node);
     Value tableCall(const Node& node);
     Value variable(const Node& node);
+    Value invokeRow(const FunctionRow& row, std::span<const Value> given);
 
     // forms.cpp
     Value special(const Node& node);
@@ -86,7 +87,11 @@ private:
     Value indexForm(const Node& node);
     Value indexOne(const Value& base, const Value& row, const Value& column, const Value& area, int given);
     Value offsetForm(const Node& node);
+    Value offsetOne(const Area& from, std::span<const Value> numbers);
+    Value forEachReference(std::span<const Value> values, const std::function<Value(std::span<const Value>)>& refer);
     Value indirectForm(const Node& node);
+    Value referenceFromText(const std::string& text);
+    bool areaFromNumbers(std::string_view text, Area& area);
     Value rowForm(const Node& node, bool column);
     Value countForm(const Node& node, bool columns);
     Value cellForm(const Node& node);

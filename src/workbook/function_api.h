@@ -16,7 +16,8 @@
 //   Not mapped: the function receives the argument as it is, errors inside too:
 //     R  a range, an array or a scalar: use grid(), forEachNumber ...
 //     A  as R, and the argument's formula is evaluated as an array (SUMPRODUCT, MMULT, CORREL ...)
-//     F  a reference; anything else is #VALUE!
+//     F  a reference; anything else is #VALUE!. An array of references maps the function over them
+//     C  any scalar: of a range its first cell; an array, of references too, maps the function over its elements
 //     L  as A; usually a lambda: use Call::invoke
 // Omitted arguments at the end are simply not there (arguments.size()); an empty one, as in LOG(8,), is there, has
 // `missing` set and converts like a blank cell.
@@ -121,8 +122,8 @@ struct Argument {
     double number() const { return value.number(); }
     bool boolean() const { return value.boolean(); }
     const std::string& text() const { return value.text(); }
-    /// The argument as a rectangle: cells of its range, its array, or 1 x 1. A multi-area reference shows its first
-    /// area.
+    /// The argument as a rectangle: cells of its range, its array, or 1 x 1. Throws Unsupported for a reference to
+    /// several areas.
     Grid grid(const Call& call) const;
     /// A 1 x 1 range or array as its value; others unchanged.
     Value scalar(const Call& call) const;

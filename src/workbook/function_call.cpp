@@ -10,6 +10,9 @@ namespace {
 
 bool isScalarKind(char kind) { return kind == 'N' || kind == 'T' || kind == 'B' || kind == 'S' || kind == 'E'; }
 
+/// Whether an array in such a place maps the function over its elements.
+bool isMappedKind(char kind) { return isScalarKind(kind) || kind == 'C' || kind == 'F'; }
+
 /// Converts in place as the kind says; false when the value is (or became) an error that is passed on.
 bool convert(char kind, Argument& argument, bool date1904) {
     Value& value = argument.value;
@@ -33,6 +36,8 @@ bool convert(char kind, Argument& argument, bool date1904) {
             }
             break;
         case 'S':
+        case 'C':
+        case 'F':
             break;
         default:
             return true;
@@ -46,7 +51,7 @@ Value callScalars(Call& call, const FunctionRow& row, std::span<Argument> argume
         if (kind == 'N' && row.refusesRanges && arguments[i].value.isBoolean()) {
             return ErrorCode::Value;
         }
-        if (isScalarKind(kind) && !convert(kind, arguments[i], call.date1904)) {
+        if (isMappedKind(kind) && !convert(kind, arguments[i], call.date1904)) {
             return arguments[i].value;
         }
     }
@@ -85,6 +90,23 @@ Value element(const Value& value, int row, int column) {
     return value.arrayCells()[static_cast<std::size_t>(r) * value.arrayColumns() + c];
 }
 
+/// A range as its first cell, an array of ranges as the first cells of each.
+Value firstCells(const Call& call, const Value& value) {
+    if (value.isReference()) {
+        const Area& area = value.areas()[0];
+        return call.cells.get(area.sheet, area.firstRow, area.firstColumn);
+    }
+    if (!value.isReferenceArray()) {
+        return value;
+    }
+    std::vector<Value> cells;
+    cells.reserve(value.arrayCells().size());
+    for (const Value& one : value.arrayCells()) {
+        cells.push_back(firstCells(call, one));
+    }
+    return Value::array(value.arrayRows(), value.arrayColumns(), std::move(cells));
+}
+
 constexpr std::int64_t largestMapping = 1 << 24;
 
 Value mapFunction(Call& call, const FunctionRow& row, std::span<Argument> arguments, Shape shape) {
@@ -99,13 +121,13 @@ Value mapFunction(Call& call, const FunctionRow& row, std::span<Argument> argume
         for (int c = 0; c < shape.columns; ++c) {
             for (std::size_t i = 0; i < arguments.size(); ++i) {
                 one[i] = arguments[i];
-                if (isScalarKind(argumentKind(row.kinds, static_cast<int>(i)))) {
+                if (isMappedKind(argumentKind(row.kinds, static_cast<int>(i)))) {
                     one[i].value = element(arguments[i].value, r, c);
                 }
             }
             Value result = callScalars(call, row, {one.data(), one.size()});
             if (result.isReference()) {
-                result = readReference(call, result);
+                result = firstCells(call, result);
             }
             cells.push_back(result.isArray() ? result.arrayCells()[0] : std::move(result));
             call.spendText(cells.back());
@@ -115,6 +137,12 @@ Value mapFunction(Call& call, const FunctionRow& row, std::span<Argument> argume
 }
 
 }  // namespace
+
+void refuseReferenceArray(const Value& value) {
+    if (value.isReferenceArray()) {
+        throw Unsupported{"an array of references at this place"};
+    }
+}
 
 char argumentKind(std::string_view kinds, int index) {
     const auto open = kinds.find('(');
@@ -186,7 +214,17 @@ Value callFunction(Call& call, const FunctionRow& row, std::span<Argument> argum
                 shape = {std::max(shape.rows, own.rows), std::max(shape.columns, own.columns)};
                 mapped = true;
             }
-        } else if (argument.value.isReference() || argument.value.isArray()) {
+        } else if (kind == 'C' || (kind == 'F' && argument.value.isReferenceArray())) {
+            if (kind == 'C') {
+                argument.value = firstCells(call, argument.value);
+            }
+            if (argument.value.isArray()) {
+                const Shape own = shapeOf(argument.value);
+                shape = {std::max(shape.rows, own.rows), std::max(shape.columns, own.columns)};
+                mapped = true;
+            }
+        } else if (argument.value.isReference() || (argument.value.isArray() && kind != 'F')) {
+            refuseReferenceArray(argument.value);
             argument.reference = true;
         } else if (kind == 'F') {
             return argument.value.isError() ? argument.value : Value(ErrorCode::Value);
@@ -197,6 +235,9 @@ Value callFunction(Call& call, const FunctionRow& row, std::span<Argument> argum
 
 Grid Argument::grid(const Call& call) const {
     if (value.isReference()) {
+        if (value.areas().size() != 1) {
+            throw Unsupported{"a reference to several areas at this place"};
+        }
         return Grid(call.cells, value.areas()[0]);
     }
     if (value.isArray()) {

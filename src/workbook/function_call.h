@@ -10,4 +10,10 @@ Value intersectReference(const Call& call, const Value& reference);
 /// The values of a reference: a scalar for one cell, else an array; #VALUE! for several areas.
 Value readReference(const Call& call, const Value& reference);
 
+/// An array of references can only be taken apart by functions that want ranges (SUMIF, SUBTOTAL ...), N and T;
+/// anything else throws Unsupported.
+void refuseReferenceArray(const Value& value);
+/// A sheet's name as it stands before a cell, quoted where it has to be: "Sheet1!", "'My sheet'!".
+std::string sheetPrefix(const std::string& sheet);
+
 }  // namespace quorva::workbook

@@ -21,7 +21,59 @@ struct WithMode {
     Evaluator::Mode outer_;
 };
 
-Value asArray(Value value) { return value.isArray() ? value : Value::array(1, 1, {std::move(value)}); }
+/// What a lambda is called for, element by element. The cells of a range are passed as references, so that the lambda
+/// may ask where they stand: SUM(A1:x), SUBTOTAL(103,x).
+class Elements {
+public:
+    Elements(Evaluator& evaluator, Value value) : value_(std::move(value)) {
+        const bool block = value_.isReference() && value_.areas().size() == 1;
+        if (block &&
+            static_cast<std::int64_t>(value_.areas()[0].rows()) * value_.areas()[0].columns() <= largestBlock) {
+            rows_ = value_.areas()[0].rows();
+            columns_ = value_.areas()[0].columns();
+            return;
+        }
+        value_ = evaluator.operand(std::move(value_));
+        if (value_.isArray()) {
+            rows_ = value_.arrayRows();
+            columns_ = value_.arrayColumns();
+        }
+    }
+
+    int rows() const { return rows_; }
+    int columns() const { return columns_; }
+    /// #N/A beyond the last row and column.
+    Value at(int row, int column) const {
+        return row < rows_ && column < columns_ ? block(row, column, row, column) : Value(ErrorCode::NA);
+    }
+    Value row(int row) const { return block(row, 0, row, columns_ - 1); }
+    Value column(int column) const { return block(0, column, rows_ - 1, column); }
+
+private:
+    static constexpr std::int64_t largestBlock = 1 << 24;
+
+    Value block(int top, int left, int bottom, int right) const {
+        if (value_.isReference()) {
+            const Area& all = value_.areas()[0];
+            return Value::reference({{all.sheet, all.firstRow + top, all.firstColumn + left, all.firstRow + bottom,
+                                      all.firstColumn + right}});
+        }
+        if (top == bottom && left == right) {
+            return combinedElement(value_, top, left);
+        }
+        std::vector<Value> cells;
+        for (int row = top; row <= bottom; ++row) {
+            for (int column = left; column <= right; ++column) {
+                cells.push_back(combinedElement(value_, row, column));
+            }
+        }
+        return Value::array(bottom - top + 1, right - left + 1, std::move(cells));
+    }
+
+    Value value_;
+    int rows_ = 1;
+    int columns_ = 1;
+};
 
 /// What a lambda gave as the content of one element: an array there is #CALC!.
 Value element(Evaluator& evaluator, Value value) {
@@ -36,13 +88,13 @@ Value element(Evaluator& evaluator, Value value) {
 
 Value Evaluator::mapForm(const Node& node) {
     const WithMode guard(*this);
-    std::vector<Value> arrays;
+    std::vector<Elements> arrays;
     int rows = 1;
     int columns = 1;
     for (std::size_t i = 0; i + 1 < node.children.size(); ++i) {
-        arrays.push_back(asArray(evaluateOperand(node.children[i])));
-        rows = std::max(rows, arrays.back().arrayRows());
-        columns = std::max(columns, arrays.back().arrayColumns());
+        arrays.emplace_back(*this, evaluate(node.children[i]));
+        rows = std::max(rows, arrays.back().rows());
+        columns = std::max(columns, arrays.back().columns());
     }
     const Value lambda = evaluate(node.children.back());
     call.spend(static_cast<double>(rows) * columns);
@@ -50,10 +102,8 @@ Value Evaluator::mapForm(const Node& node) {
     std::vector<Value> arguments(arrays.size());
     for (int row = 0; row < rows; ++row) {
         for (int column = 0; column < columns; ++column) {
-            for (std::size_t i = 0; i < arrays.size(); ++i) {
-                const bool inside = row < arrays[i].arrayRows() && column < arrays[i].arrayColumns();
-                arguments[i] = inside ? combinedElement(arrays[i], row, column) : Value(ErrorCode::NA);
-            }
+            std::transform(arrays.begin(), arrays.end(), arguments.begin(),
+                           [&](const Elements& elements) { return elements.at(row, column); });
             cells.push_back(element(*this, invoke(lambda, arguments)));
         }
     }
@@ -65,37 +115,37 @@ Value Evaluator::reduceForm(const Node& node, bool scan) {
     const bool initial = node.children.size() == 3;
     const bool given = initial && node.children[0].kind != Node::Kind::Missing;
     Value total = given ? evaluateOperand(node.children[0]) : Value();
-    const Value array = asArray(evaluateOperand(node.children[initial ? 1 : 0]));
+    const Elements elements(*this, evaluate(node.children[initial ? 1 : 0]));
     const Value lambda = evaluate(node.children.back());
+    call.spend(static_cast<double>(elements.rows()) * elements.columns());
     std::vector<Value> cells;
     bool first = !given;
-    for (const Value& one : array.arrayCells()) {
-        if (first) {
-            total = one;  // without a starting value the first element is it
-            first = false;
-        } else {
-            const Value arguments[2] = {total, one};
-            total = operand(invoke(lambda, arguments));
+    for (int row = 0; row < elements.rows(); ++row) {
+        for (int column = 0; column < elements.columns(); ++column) {
+            if (first) {
+                total = operand(elements.at(row, column));  // without a starting value the first element is it
+                first = false;
+            } else {
+                const Value arguments[2] = {total, elements.at(row, column)};
+                total = operand(invoke(lambda, arguments));
+            }
+            if (scan) {
+                cells.push_back(total.isArray() ? Value(ErrorCode::Calc) : total);
+            }
         }
-        cells.push_back(total.isArray() ? Value(ErrorCode::Calc) : total);
     }
-    return scan ? Value::array(array.arrayRows(), array.arrayColumns(), std::move(cells)) : total;
+    return scan ? Value::array(elements.rows(), elements.columns(), std::move(cells)) : total;
 }
 
 Value Evaluator::byForm(const Node& node, bool rows) {
     const WithMode guard(*this);
-    const Value array = asArray(evaluateOperand(node.children[0]));
+    const Elements elements(*this, evaluate(node.children[0]));
     const Value lambda = evaluate(node.children[1]);
-    const int count = rows ? array.arrayRows() : array.arrayColumns();
-    const int length = rows ? array.arrayColumns() : array.arrayRows();
+    const int count = rows ? elements.rows() : elements.columns();
+    call.spend(static_cast<double>(elements.rows()) * elements.columns());
     std::vector<Value> cells;
     for (int i = 0; i < count; ++i) {
-        std::vector<Value> line;
-        for (int k = 0; k < length; ++k) {
-            line.push_back(combinedElement(array, rows ? i : k, rows ? k : i));
-        }
-        const Value argument =
-            rows ? Value::array(1, length, std::move(line)) : Value::array(length, 1, std::move(line));
+        const Value argument = rows ? elements.row(i) : elements.column(i);
         cells.push_back(element(*this, invoke(lambda, {&argument, 1})));
     }
     return rows ? Value::array(count, 1, std::move(cells)) : Value::array(1, count, std::move(cells));

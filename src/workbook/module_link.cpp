@@ -323,13 +323,16 @@ Value callModel(ModuleLink& link, Evaluator& evaluator, const Node& node) {
         const bool there = i < node.children.size();
         if (letter == 'R') {
             const bool missing = !there || node.children[i].kind == Node::Kind::Missing;
-            arguments[i].value =
-                hostValue(missing ? Value() : evaluator.evaluate(node.children[i]), evaluator.call.sheet, values);
+            const Value value = missing ? Value() : evaluator.evaluate(node.children[i]);
+            refuseReferenceArray(value);
+            arguments[i].value = hostValue(value, evaluator.call.sheet, values);
             if (missing) {
                 arguments[i].value->type = hosttype::missing;
             }
         } else if (letter == 'O') {
-            if (!fillMatrix(evaluator, there ? evaluator.evaluate(node.children[i]) : Value(), arguments[i], values)) {
+            const Value value = there ? evaluator.evaluate(node.children[i]) : Value();
+            refuseReferenceArray(value);
+            if (!fillMatrix(evaluator, value, arguments[i], values)) {
                 return ErrorCode::Value;
             }
         } else {

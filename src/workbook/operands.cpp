@@ -109,8 +109,7 @@ Node Parser::primary() {
             spill.form = Form::AnchorArray;
             spill.children.push_back(std::move(node));
             node = std::move(spill);
-        } else if (peek() == '(' &&
-                   (node.kind == Node::Kind::Call || (node.kind == Node::Kind::Special && node.form == Form::Lambda))) {
+        } else if (peek() == '(' && (node.kind == Node::Kind::Call || node.kind == Node::Kind::Special)) {
             ++at_;
             Node invoked;
             invoked.kind = Node::Kind::Call;
@@ -489,10 +488,25 @@ Node Parser::identifier() {
         return node;
     }
     const std::string upper = toUpper(word);
+    if (upper.starts_with("_XLETA.")) {  // a function named without arguments, as BYROW(A1:B2, SUM)
+        return functionAsLambda(upper.substr(7));
+    }
     if (upper == "TRUE" || upper == "FALSE") {
         return constant(Value(upper == "TRUE"));
     }
     return definedName(word, place_.sheet);
+}
+
+Node Parser::functionAsLambda(const std::string& name) const {
+    const FunctionRow* row = findFunction(name);
+    if (!row) {
+        return unsupported("the function " + name + " without arguments");
+    }
+    Node node;
+    node.kind = Node::Kind::Special;
+    node.form = Form::Lambda;
+    node.row = row;
+    return node;
 }
 
 Node Parser::definedName(std::string_view name, int sheet) {

@@ -181,11 +181,20 @@ Node Parser::unary() {
     return node;
 }
 
+/// Whole rows, such as 2:3.
+bool Parser::rowsAhead() const {
+    std::size_t digits = 0;
+    while (peek(digits) >= '0' && peek(digits) <= '9') {
+        ++digits;
+    }
+    return digits > 0 && peek(digits) == ':';
+}
+
 Node Parser::intersection() {
     Node left = rangeOperand();
     for (;;) {
         const std::size_t before = at_;
-        if (!skipBlanks() || !mayBeReference(left) || !startsReference(peek())) {
+        if (!skipBlanks() || !mayBeReference(left) || !(startsReference(peek()) || rowsAhead())) {
             at_ = before;
             return left;
         }

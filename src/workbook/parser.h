@@ -21,6 +21,7 @@ private:
     Node percent();
     Node unary();
     Node intersection();
+    bool rowsAhead() const;
     Node rangeOperand();
     Node unionInParentheses();
     Node binary(Operator op, Node left, Node right);
@@ -46,6 +47,7 @@ private:
     Node reference(int firstSheet, int lastSheet, Area area, bool explicitSheet);
     Node definedName(std::string_view name, int sheet);
     Node call(std::string_view name);
+    Node functionAsLambda(const std::string& name) const;
     Node variablesForm(Form form);
     std::vector<Node> callArguments();
     std::string_view token();

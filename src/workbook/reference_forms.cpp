@@ -20,11 +20,8 @@ Value arraySlice(const Value& array, int firstRow, int firstColumn, int rows, in
     return Value::array(rows, columns, std::move(cells));
 }
 
-/// "R2C3", "R[1]C[-1]", "RC" as an absolute position; false when the text is none.
-bool parseRelative(std::string_view& text, char letter, int base, int limit, int& position) {
-    if (text.empty() || (text.front() & ~32) != letter) {
-        return false;
-    }
+/// The number behind a letter of "R2C[-1]": relative to `base` in brackets, `base` itself when there is none.
+bool parseRelative(std::string_view& text, int base, int limit, int& position) {
     text.remove_prefix(1);
     const bool relative = text.starts_with('[');
     std::size_t end = relative ? 1 : 0;
@@ -44,10 +41,42 @@ bool parseRelative(std::string_view& text, char letter, int base, int limit, int
     return true;
 }
 
+/// "R2C3", "R[1]C[-1]", "RC", "R2" (a whole row), "C" (a whole column) at the front of the text.
+bool parseRelative(std::string_view& text, const Call& call, Area& area) {
+    const auto at = [&](char letter) { return !text.empty() && (text.front() & ~32) == letter; };
+    const bool row = at('R');
+    if (row && !parseRelative(text, call.row, maxRows, area.firstRow)) {
+        return false;
+    }
+    const bool column = at('C');
+    if (column && !parseRelative(text, call.column, maxColumns, area.firstColumn)) {
+        return false;
+    }
+    area.lastRow = row ? area.firstRow : maxRows - 1;
+    area.lastColumn = column ? area.firstColumn : maxColumns - 1;
+    return row || column;
+}
+
+/// A sheet's name without its quotes.
+std::string unquoted(std::string_view name) {
+    if (name.size() < 2 || name.front() != '\'' || name.back() != '\'') {
+        return std::string(name);
+    }
+    std::string plain;
+    for (std::size_t i = 1; i + 1 < name.size(); ++i) {
+        plain.push_back(name[i]);
+        i += name[i] == '\'' && i + 2 < name.size() && name[i + 1] == '\'' ? 1 : 0;
+    }
+    return plain;
+}
+
 }  // namespace
 
 Value Evaluator::indexForm(const Node& node) {
+    const Mode outer = mode;
+    mode = mode == Mode::Scalar ? Mode::ArrayArgument : mode;  // INDEX((A1:A9=1)*B1:B9, 0) computes the whole array
     const Value base = evaluate(node.children[0]);
+    mode = outer;
     if (base.isError()) {
         return base;
     }
@@ -122,36 +151,45 @@ Value Evaluator::indexOne(const Value& base, const Value& row, const Value& colu
 Value Evaluator::offsetForm(const Node& node) {
     const Value base = evaluate(node.children[0]);
     if (!base.isReference()) {
+        refuseReferenceArray(base);
         return base.isError() ? base : Value(ErrorCode::Value);
     }
     if (base.areas().size() != 1) {
         return ErrorCode::Value;
     }
     const Area& from = base.areas()[0];
-    double numbers[4] = {0, 0, static_cast<double>(from.rows()), static_cast<double>(from.columns())};
+    std::vector<Value> numbers{0.0, 0.0, from.rows(), from.columns()};
     for (std::size_t i = 1; i < node.children.size(); ++i) {
-        if (i > 2 && node.children[i].kind == Node::Kind::Missing) {
-            continue;
+        if (i < 3 || node.children[i].kind != Node::Kind::Missing) {
+            numbers[i - 1] = evaluateOperand(node.children[i]);
         }
-        const auto number = toNumber(evaluateScalar(node.children[i]), call.date1904);
+    }
+    return forEachReference(numbers, [&](std::span<const Value> one) { return offsetOne(from, one); });
+}
+
+/// One reference, `numbers` away from a block: rows down, columns right, height, width.
+Value Evaluator::offsetOne(const Area& from, std::span<const Value> numbers) {
+    double steps[4];
+    for (std::size_t i = 0; i < 4; ++i) {
+        const auto number = toNumber(numbers[i], call.date1904);
         if (!number) {
             return number.error();
         }
-        numbers[i - 1] = std::trunc(*number);
+        steps[i] = std::trunc(*number);
     }
-    if (numbers[2] == 0 || numbers[3] == 0) {
+    if (steps[2] == 0 || steps[3] == 0) {
         return ErrorCode::Ref;
     }
-    double top = from.firstRow + numbers[0];
-    double left = from.firstColumn + numbers[1];
-    if (numbers[2] < 0) {
-        top += numbers[2] + 1;
+    double top = from.firstRow + steps[0];
+    double left = from.firstColumn + steps[1];
+    if (steps[2] < 0) {
+        top += steps[2] + 1;
     }
-    if (numbers[3] < 0) {
-        left += numbers[3] + 1;
+    if (steps[3] < 0) {
+        left += steps[3] + 1;
     }
-    const double bottom = top + std::fabs(numbers[2]) - 1;
-    const double right = left + std::fabs(numbers[3]) - 1;
+    const double bottom = top + std::fabs(steps[2]) - 1;
+    const double right = left + std::fabs(steps[3]) - 1;
     if (!(top >= 0 && left >= 0 && bottom < maxRows && right < maxColumns)) {
         return ErrorCode::Ref;
     }
@@ -161,43 +199,58 @@ Value Evaluator::offsetForm(const Node& node) {
     return Value::reference({area});
 }
 
+/// The reference that the values describe; for arrays among them an array of references.
+Value Evaluator::forEachReference(std::span<const Value> values,
+                                  const std::function<Value(std::span<const Value>)>& refer) {
+    int rows = 1;
+    int columns = 1;
+    for (const Value& value : values) {
+        rows = std::max(rows, value.isArray() ? value.arrayRows() : 1);
+        columns = std::max(columns, value.isArray() ? value.arrayColumns() : 1);
+    }
+    call.spend(static_cast<double>(rows) * columns);
+    std::vector<Value> references;
+    std::vector<Value> one(values.size());
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            std::transform(values.begin(), values.end(), one.begin(),
+                           [&](const Value& value) { return combinedElement(value, row, column); });
+            references.push_back(refer(one));
+        }
+    }
+    return references.size() == 1 ? references[0] : Value::references(rows, columns, std::move(references));
+}
+
 Value Evaluator::indirectForm(const Node& node) {
-    const Value written = evaluateScalar(node.children[0]);
-    const auto text = toText(written);
-    if (!text) {
-        return text.error();
-    }
-    bool a1 = true;
+    std::vector<Value> values{evaluateOperand(node.children[0]), true};
     if (node.children.size() > 1 && node.children[1].kind != Node::Kind::Missing) {
-        const auto style = toBoolean(evaluateScalar(node.children[1]));
-        if (!style) {
-            return style.error();
-        }
-        a1 = *style;
+        values[1] = evaluateOperand(node.children[1]);
     }
-    if (!a1) {
-        std::string_view rest = *text;
-        int sheet = call.sheet;
-        if (const auto mark = rest.rfind('!'); mark != std::string_view::npos) {
-            std::string_view name = rest.substr(0, mark);
-            if (name.size() > 2 && name.front() == '\'' && name.back() == '\'') {
-                name = name.substr(1, name.size() - 2);
-            }
-            sheet = around.symbols->sheet(name);
-            rest = rest.substr(mark + 1);
+    return forEachReference(values, [&](std::span<const Value> one) -> Value {
+        const auto text = toText(one[0]);
+        if (!text) {
+            return text.error();
         }
-        Area area{sheet, 0, 0, 0, 0};
-        if (sheet < 0 || !parseRelative(rest, 'R', call.row, maxRows, area.firstRow) ||
-            !parseRelative(rest, 'C', call.column, maxColumns, area.firstColumn) || !rest.empty()) {
+        const auto a1 = toBoolean(one[1]);
+        if (!a1) {
+            return a1.error();
+        }
+        Area area;
+        if (*a1 || around.symbols->name(*text, call.sheet)) {
+            return referenceFromText(*text);
+        }
+        if (!areaFromNumbers(*text, area)) {
             return ErrorCode::Ref;
         }
-        area.lastRow = area.firstRow;
-        area.lastColumn = area.firstColumn;
         around.bringUpToDate(area);
         return Value::reference({area});
-    }
+    });
+}
+
+/// "A1", "Sheet2!B:B", a name, ...
+Value Evaluator::referenceFromText(const std::string& text) {
     try {
-        const Node parsed = parseFormula(*text, {call.sheet, call.row, call.column, 0, 0}, *around.symbols);
+        const Node parsed = parseFormula(text, {call.sheet, call.row, call.column, 0, 0}, *around.symbols);
         const Value value = parsed.kind == Node::Kind::Reference || parsed.kind == Node::Kind::Special ||
                                     parsed.kind == Node::Kind::Binary
                                 ? evaluate(parsed)
@@ -212,6 +265,28 @@ Value Evaluator::indirectForm(const Node& node) {
     } catch (const ParseError&) {
         return ErrorCode::Ref;
     }
+}
+
+/// "R1C1", "R[-1]C:RC", "Sheet2!C3" (a whole column) ...; false when the text is none.
+bool Evaluator::areaFromNumbers(std::string_view text, Area& area) {
+    area.sheet = call.sheet;
+    if (const auto mark = text.rfind('!'); mark != std::string_view::npos) {
+        area.sheet = around.symbols->sheet(unquoted(text.substr(0, mark)));
+        text.remove_prefix(mark + 1);
+    }
+    if (area.sheet < 0 || !parseRelative(text, call, area)) {
+        return false;
+    }
+    if (text.starts_with(':')) {
+        text.remove_prefix(1);
+        Area other;
+        if (!parseRelative(text, call, other)) {
+            return false;
+        }
+        area = {area.sheet, std::min(area.firstRow, other.firstRow), std::min(area.firstColumn, other.firstColumn),
+                std::max(area.lastRow, other.lastRow), std::max(area.lastColumn, other.lastColumn)};
+    }
+    return text.empty();
 }
 
 Value Evaluator::rowForm(const Node& node, bool column) {
@@ -285,7 +360,11 @@ Value Evaluator::cellForm(const Node& node) {
         if (area.sheet == call.sheet) {
             return address;
         }
-        return "[" + around.raw->fileName + "]" + around.raw->sheets[area.sheet].name + "!" + address;
+        return sheetPrefix("[" + around.raw->fileName + "]" + around.raw->sheets[area.sheet].name) + address;
+    }
+    constexpr std::string_view others[] = {"color", "filename", "format", "parentheses", "prefix", "protect", "width"};
+    if (std::find(std::begin(others), std::end(others), kind) == std::end(others)) {
+        return ErrorCode::Value;
     }
     throw Unsupported{"the function CELL with \"" + *what + "\""};
 }

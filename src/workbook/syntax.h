@@ -101,7 +101,7 @@ struct Node {
     int depth = 1;  ///< of the tree from here down
     int index = 0;  ///< variable or model function
     Value value;    ///< constant or reference
-    const FunctionRow* row = nullptr;
+    const FunctionRow* row = nullptr;  ///< of a call, or of a function that stands for a lambda
     std::string text;             ///< Unsupported: what is not supported
     std::vector<int> parameters;  ///< variables of LET and LAMBDA, in order; ~i marks an optional one
     std::vector<Node> children;

@@ -33,6 +33,12 @@ Value Value::array(int rows, int columns, std::vector<Value> cells) {
     return adopt(Type::Array, new ArrayBody(rows, columns, std::move(cells), destroyBody<ArrayBody>));
 }
 
+Value Value::references(int rows, int columns, std::vector<Value> cells) {
+    auto* body = new ArrayBody(rows, columns, std::move(cells), destroyBody<ArrayBody>);
+    body->ofReferences = true;
+    return adopt(Type::Array, body);
+}
+
 Value Value::reference(std::vector<Area> areas) {
     return adopt(Type::Reference, new ReferenceBody(std::move(areas), destroyBody<ReferenceBody>));
 }

@@ -89,6 +89,8 @@ public:
     /// An array, row by row; cells.size() is rows * columns, both at least 1.
     static Value array(int rows, int columns, std::vector<Value> cells);
     static Value reference(std::vector<Area> areas);
+    /// What OFFSET and INDIRECT give for arrays: an array whose elements are references (or errors).
+    static Value references(int rows, int columns, std::vector<Value> cells);
     /// A value of a type with contents made elsewhere (lambdas); takes over one count.
     static Value adopt(Type type, Body* body) {
         Value value;
@@ -133,6 +135,7 @@ public:
     bool isArray() const { return type_ == Type::Array; }
     bool isReference() const { return type_ == Type::Reference; }
     bool isLambda() const { return type_ == Type::Lambda; }
+    bool isReferenceArray() const;
     /// Neither array nor reference.
     bool isScalar() const { return type_ != Type::Array && type_ != Type::Reference; }
 
@@ -174,6 +177,7 @@ struct ArrayBody : Body {
         : Body(destroyer), rows(r), columns(c), cells(std::move(contents)) {}
     int rows;
     int columns;
+    bool ofReferences = false;
     std::vector<Value> cells;
 };
 struct ReferenceBody : Body {
@@ -182,6 +186,7 @@ struct ReferenceBody : Body {
 };
 
 inline const std::string& Value::text() const { return static_cast<TextBody*>(body_)->text; }
+inline bool Value::isReferenceArray() const { return isArray() && static_cast<ArrayBody*>(body_)->ofReferences; }
 inline int Value::arrayRows() const { return static_cast<ArrayBody*>(body_)->rows; }
 inline int Value::arrayColumns() const { return static_cast<ArrayBody*>(body_)->columns; }
 inline const std::vector<Value>& Value::arrayCells() const { return static_cast<ArrayBody*>(body_)->cells; }

@@ -27,6 +27,11 @@ TEST(Unsupported, ComputedConditionsOfDatabaseFunctions) {
     EXPECT_EQ(reasonOf("DSUM(A1:A2,1,A1:A2)"), "");
 }
 
+TEST(Unsupported, ReferencesThatAFunctionCannotTakeApart) {
+    EXPECT_EQ(reasonOf("SUM(OFFSET(A1,{0,1},0))"), "an array of references at this place");
+    EXPECT_EQ(reasonOf("VLOOKUP(2,(A1:B2,A3:B3),2)"), "a reference to several areas at this place");
+}
+
 TEST(Unsupported, QuestionsToCellThatDependOnTheComputer) {
     EXPECT_EQ(reasonOf("CELL(\"filename\")"), "the function CELL with \"filename\"");
 }

@@ -37,6 +37,13 @@ struct Conditions {
     }
 };
 
+/// These functions take one block of cells in each place: no unions and no ranges over several sheets.
+bool severalAreas(Arguments arguments) {
+    return std::any_of(arguments.begin(), arguments.end(), [](const Argument& argument) {
+        return argument.value.isReference() && argument.value.areas().size() != 1;
+    });
+}
+
 /// The pairs range, condition, range, condition ... from the argument at `first` on.
 Conditions readConditions(const Call& call, Arguments arguments, std::size_t first) {
     Conditions conditions;
@@ -87,6 +94,9 @@ Value largestOf(const Tally& t) { return t.largest; }
 /// first.
 template <Value (*result)(const Tally&)>
 Value ofOneCondition(Call& call, Arguments arguments) {
+    if (severalAreas(arguments)) {
+        return ErrorCode::Value;
+    }
     Conditions conditions;
     conditions.add(call, arguments[0], arguments[1]);
     Grid values = conditions.ranges[0];
@@ -108,7 +118,7 @@ Value ofOneCondition(Call& call, Arguments arguments) {
 /// SUMIFS, AVERAGEIFS, MAXIFS, MINIFS (values, range, condition, ...).
 template <Value (*result)(const Tally&)>
 Value ofConditions(Call& call, Arguments arguments) {
-    if (arguments.size() % 2 == 0) {
+    if (arguments.size() % 2 == 0 || severalAreas(arguments)) {
         return ErrorCode::Value;
     }
     const Grid values = arguments[0].grid(call);
@@ -122,7 +132,7 @@ Value ofConditions(Call& call, Arguments arguments) {
 
 /// COUNTIF and COUNTIFS (range, condition, ...).
 Value countIf(Call& call, Arguments arguments) {
-    if (arguments.size() % 2 == 1) {
+    if (arguments.size() % 2 == 1 || severalAreas(arguments)) {
         return ErrorCode::Value;
     }
     const Conditions conditions = readConditions(call, arguments, 0);
@@ -152,6 +162,9 @@ Value countIf(Call& call, Arguments arguments) {
 
 /// Empty texts count as blank.
 Value countBlank(Call& call, Arguments arguments) {
+    if (severalAreas(arguments)) {
+        return ErrorCode::Value;
+    }
     const Grid range = arguments[0].grid(call);
     std::int64_t filled = 0;
     range.forEach([&](const Value& value, int, int) {

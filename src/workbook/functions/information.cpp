@@ -31,13 +31,9 @@ Value parity(const Call& call, Arguments arguments, double wanted) {
 Value isEven(Call& call, Arguments arguments) { return parity(call, arguments, 0); }
 Value isOdd(Call& call, Arguments arguments) { return parity(call, arguments, 1); }
 
-/// The first cell of a range, the first value of an array, or the scalar itself.
-Value firstValue(const Call& call, const Argument& argument) {
-    return argument.value.isReference() || argument.value.isArray() ? argument.grid(call).at(0, 0) : argument.value;
-}
-Value asNumber(Call& call, Arguments arguments) {
-    const Value value = firstValue(call, arguments[0]);
-    if (value.isError() || value.isNumber()) {
+Value asNumber(Call&, Arguments arguments) {
+    const Value& value = arguments[0].value;
+    if (value.isNumber()) {
         return value;
     }
     return value.isBoolean() ? value.number() : 0.0;
@@ -187,7 +183,7 @@ constexpr FunctionRow table[] = {
     row("ISNUMBER", "E", isNumber),
     row("ISODD", "S", isOdd),
     row("ISTEXT", "E", isText),
-    row("N", "R", asNumber),
+    row("N", "C", asNumber),
     row("NA", "", notAvailable, 0),
     row("TYPE", "R", type),
 };

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "workbook/function_call.h"
 #include "workbook/functions/families.h"
 
 namespace quorva::workbook {
@@ -381,6 +382,8 @@ bool looksLikeCell(std::string_view name) {
            std::all_of(name.begin() + letters, name.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
+}  // namespace
+
 std::string sheetPrefix(const std::string& sheet) {
     const bool plain =
         std::all_of(sheet.begin(), sheet.end(), [](char c) { return isWordByte(c) || c == '[' || c == ']'; }) &&
@@ -394,6 +397,8 @@ std::string sheetPrefix(const std::string& sheet) {
     }
     return quoted + "'!";
 }
+
+namespace {
 
 Value address(Call&, Arguments arguments) {
     const double row = std::trunc(arguments[0].number());

@@ -390,10 +390,9 @@ Value dollar(Call&, Arguments arguments) {
     return isNegative(arguments, *shown) ? "($" + *shown + ")" : "$" + *shown;
 }
 
-Value asText(Call& call, Arguments arguments) {
-    const Argument& argument = arguments[0];
-    const Value given = argument.value.isScalar() ? argument.value : argument.grid(call).at(0, 0);
-    return given.isText() || given.isError() ? given : Value("");
+Value asText(Call&, Arguments arguments) {
+    const Value& given = arguments[0].value;
+    return given.isText() ? given : Value("");
 }
 
 constexpr FunctionRow row(std::string_view name, int minArgs, int maxArgs, std::string_view kinds, Function function) {
@@ -434,7 +433,7 @@ constexpr FunctionRow table[] = {
     row("SEARCH", 2, 3, "TTN", search),
     row("SEARCHB", 2, 3, "TTN", search),
     row("SUBSTITUTE", 3, 4, "TTTN", substitute),
-    row("T", 1, 1, "R", asText),
+    row("T", 1, 1, "C", asText),
     row("TEXT", 2, 2, "ST", text),
     row("TEXTJOIN", 3, anyCount, "RBR", textJoin),
     row("TRIM", 1, 1, "T", trim),
