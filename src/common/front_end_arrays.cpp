@@ -1,5 +1,6 @@
 #include "common/front_end_arrays.h"
 
+#include <memory>
 #include <new>
 
 namespace quorva {
@@ -12,6 +13,31 @@ HostString newHostString(const std::u16string& text) {
     }
     return made;
 }
+
+/// The entries of a host string array, which stays locked as long as this lives, whatever is thrown meanwhile.
+class LockedEntries {
+public:
+    explicit LockedEntries(HostStringArray* strings)
+        : strings_(strings), locked_(SafeArrayAccessData(strings, &entries_) >= 0) {}
+    LockedEntries(const LockedEntries&) = delete;
+    LockedEntries& operator=(const LockedEntries&) = delete;
+    ~LockedEntries() {
+        if (locked_) {
+            SafeArrayUnaccessData(strings_);
+        }
+    }
+    /// The first entry; null when the array cannot be locked.
+    HostString* get() const { return locked_ ? static_cast<HostString*>(entries_) : nullptr; }
+
+private:
+    HostStringArray* strings_;
+    void* entries_ = nullptr;
+    bool locked_;
+};
+
+struct DestroyArray {
+    void operator()(HostStringArray* strings) const { SafeArrayDestroy(strings); }
+};
 
 }  // namespace
 
@@ -42,34 +68,29 @@ matrix<std::u16string> fromHostStringArray(HostStringArray* strings, int count) 
     matrix<std::u16string> read(count, 1);
     std::int32_t lower = 0;
     std::int32_t upper = -1;
-    void* data = nullptr;
     if (!strings || SafeArrayGetDim(strings) != 1 || SafeArrayGetLBound(strings, 1, &lower) < 0 ||
-        SafeArrayGetUBound(strings, 1, &upper) < 0 || SafeArrayAccessData(strings, &data) < 0) {
+        SafeArrayGetUBound(strings, 1, &upper) < 0) {
         return read;
     }
-    const auto present = std::int64_t{upper} - lower + 1;
-    const auto* entries = static_cast<const HostString*>(data);
+    const LockedEntries entries(strings);
+    const auto present = entries.get() ? std::int64_t{upper} - lower + 1 : 0;
     for (int i = 0; i < count && i < present; ++i) {
-        read(i + 1, 1) = textOf(entries[i]);
+        read(i + 1, 1) = textOf(entries.get()[i]);
     }
-    SafeArrayUnaccessData(strings);
     return read;
 }
 
 HostStringArray* toHostStringArray(const matrix<std::u16string>& strings) {
-    HostStringArray* made = SafeArrayCreateVector(hostStringVariant, 0, static_cast<std::uint32_t>(strings.size()));
-    void* data = nullptr;
+    std::unique_ptr<HostStringArray, DestroyArray> made(
+        SafeArrayCreateVector(hostStringVariant, 0, static_cast<std::uint32_t>(strings.size())));
     if (!made) {
         throw std::bad_alloc();
     }
-    if (SafeArrayAccessData(made, &data) >= 0) {
-        auto* entries = static_cast<HostString*>(data);
-        for (std::size_t i = 0; i < strings.size(); ++i) {
-            entries[i] = newHostString(strings.data()[i]);
-        }
-        SafeArrayUnaccessData(made);
+    const LockedEntries entries(made.get());
+    for (std::size_t i = 0; entries.get() && i < strings.size(); ++i) {
+        entries.get()[i] = newHostString(strings.data()[i]);
     }
-    return made;
+    return made.release();
 }
 
 }  // namespace quorva

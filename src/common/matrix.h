@@ -20,13 +20,13 @@ public:
     matrix() = default;
 
     /// rows x columns elements, all `fill`. Negative dimensions count as 0.
-    matrix(int rows, int columns, const T& fill = T{}) {
+    matrix(int rows, int columns, const T& fill = T{}) : matrix() {
         reshape(rows, columns);
         std::fill(storage_, storage_ + count_, fill);
     }
 
     /// rows x columns elements copied from a column-major array.
-    matrix(int rows, int columns, const T* source) {
+    matrix(int rows, int columns, const T* source) : matrix() {
         reshape(rows, columns);
         std::copy_n(source, count_, storage_);
     }
@@ -46,7 +46,7 @@ public:
         return view;
     }
 
-    matrix(const matrix& other) { *this = other; }
+    matrix(const matrix& other) : matrix() { *this = other; }
     matrix(matrix&& other) noexcept { swap(other); }
     matrix& operator=(matrix&& other) noexcept {
         matrix taken(std::move(other));
@@ -164,15 +164,15 @@ void copyBlock(const matrix<T>& source, int r1, int r2, int c1, int c2, matrix<T
     if (rows < 1 || columns < 1) {
         return;
     }
-    if (source.contains(r1, c1) && source.contains(r1 + rows - 1, c1 + columns - 1)) {
+    if (source.contains(r1, c1) && source.contains(r1 + (rows - 1), c1 + (columns - 1))) {
         for (int j = 1; j <= columns; ++j) {
-            std::copy_n(&source(r1, c1 + j - 1), rows, target.column(j));
+            std::copy_n(&source(r1, c1 + (j - 1)), rows, target.column(j));
         }
         return;
     }
     for (int j = 1; j <= columns; ++j) {
         for (int i = 1; i <= rows; ++i) {
-            target(i, j) = source(r1 + i - 1, c1 + j - 1);
+            target(i, j) = source(r1 + (i - 1), c1 + (j - 1));
         }
     }
 }

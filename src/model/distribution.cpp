@@ -36,14 +36,11 @@ struct Distribution {
     ValueList list;                ///< the values that a drawn index stands for, when there are any
     bool showsMeanOfList = false;  ///< in place of the default value
 
-    /// What the cell shows outside a run.
+    /// What the cell shows outside a run: its default, else the theoretical mean.
     double shown() const {
-        if (showsMeanOfList) {
-            return V_Mean2(list.values, list.count);
-        }
-        return defaultValue == MissingValue
-                   ? TheoStat(law, 1, parameters[0], parameters[1], parameters[2], parameters[3])
-                   : defaultValue;
+        const double given = showsMeanOfList ? V_Mean2(list.values, list.count) : defaultValue;
+        return given == MissingValue ? TheoStat(law, 1, parameters[0], parameters[1], parameters[2], parameters[3])
+                                     : given;
     }
     /// The index that the numerical library knows the law by.
     int lawIndex() const { return static_cast<int>(static_cast<unsigned>(law) - 1U); }
@@ -138,6 +135,10 @@ double evaluate(const Distribution& distribution) {
     }
 }
 
+double cellOf(const Distribution& distribution) {
+    return guardedCell([&] { return evaluate(distribution); }, [&] { return distribution.shown(); });
+}
+
 }  // namespace
 }  // namespace quorva
 
@@ -147,7 +148,7 @@ double QUORVA_SimDist(const char* VarName, int Law, double Param1, double Param2
                       double DefaultValue, int TruncMode, double TruncLower, double TruncUpper, int Visible) {
     const Distribution distribution{
         VarName, Law, {Param1, Param2, Param3, Param4}, DefaultValue, TruncMode, TruncLower, TruncUpper, Visible, {}};
-    return guardedCell([&] { return evaluate(distribution); }, DefaultValue);
+    return cellOf(distribution);
 }
 
 double QUORVA_SimEmpiricUniform(const char* VarName, std::uint16_t* rows, std::uint16_t* columns, double* values,
@@ -159,5 +160,5 @@ double QUORVA_SimEmpiricUniform(const char* VarName, std::uint16_t* rows, std::u
     const Distribution distribution{
         VarName, empiricLaw,      {1.0, static_cast<double>(list.count), 0.0, 0.0}, DefaultValue, 0, 0.0, 0.0, Visible,
         list,    DefaultType == 0};
-    return guardedCell([&] { return evaluate(distribution); }, DefaultValue);
+    return cellOf(distribution);
 }

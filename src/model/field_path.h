@@ -73,13 +73,13 @@ inline double storedValue(int field) { return run.sampling.SampleStore(sampleRow
 void recordValue(int field, double value);
 
 /// The barrier of a worksheet function: its plain value when memory runs out, which is recorded.
-template <class Body>
-double guardedCell(Body&& body, double plainValue) noexcept {
+template <class Body, class PlainValue>
+double guardedCell(Body&& body, PlainValue&& plainValue) noexcept {
     try {
         return body();
     } catch (...) {
         recordOutOfMemory();
-        return plainValue;
+        return plainValue();
     }
 }
 

@@ -40,5 +40,6 @@ double evaluate(const char* name, double formula, HostBool monitored, int visibl
 
 // The cell shows its formula outside a run, too: DefaultValue is not read; intended.
 double QUORVA_SimRes(const char* ResName, double Formula, double /*DefaultValue*/, short ConvCheck, int Visible) {
-    return quorva::guardedCell([&] { return quorva::evaluate(ResName, Formula, ConvCheck, Visible); }, Formula);
+    return quorva::guardedCell([&] { return quorva::evaluate(ResName, Formula, ConvCheck, Visible); },
+                               [&] { return Formula; });
 }

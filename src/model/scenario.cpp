@@ -72,5 +72,5 @@ double QUORVA_SimSVar(const char* SVarName, double LowerBound, double UpperBound
                       double DefaultValue, int Visible) {
     const double value = DefaultType != 0 ? DefaultValue : middleOf(LowerBound, UpperBound, Type);
     const ScenarioVariable variable{SVarName, LowerBound, UpperBound, Type, Step, Visible, value};
-    return guardedCell([&] { return evaluate(variable); }, value);
+    return guardedCell([&] { return evaluate(variable); }, [&] { return value; });
 }

@@ -82,5 +82,6 @@ double evaluate(const char* name, const XLOPER* reference, int statistic, int vi
 }  // namespace quorva
 
 double QUORVA_SimStat(const char* StatName, quorva::XLOPER* Reference, int Statistic, int Visible) {
-    return quorva::guardedCell([&] { return quorva::evaluate(StatName, Reference, Statistic, Visible); }, 0.0);
+    return quorva::guardedCell([&] { return quorva::evaluate(StatName, Reference, Statistic, Visible); },
+                               [] { return 0.0; });
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <new>
 
 namespace quorva {
 namespace {
@@ -46,6 +47,38 @@ TEST(Matrix, BlockCopyReadsScratchOutsideTheSourceAndSkipsOutsideTheTarget) {
     EXPECT_EQ(target(1, 2), -1.0);
     copyBlock(source, INT_MIN, INT_MAX, INT_MIN, INT_MAX, target);
     EXPECT_EQ(target(1, 1), -1.0);
+    target(1, 1) = 3.0;
+    copyBlock(source, INT_MAX, INT_MAX, INT_MAX, INT_MAX, target);
+    EXPECT_EQ(target(1, 1), -1.0);
+}
+
+/// An element whose assignment runs out of memory when it is told to.
+struct Fragile {
+    static inline int alive = 0;
+    static inline bool exhausted = false;
+    Fragile() { ++alive; }
+    Fragile(const Fragile&) { ++alive; }
+    ~Fragile() { --alive; }
+    Fragile& operator=(const Fragile&) {
+        if (exhausted) {
+            throw std::bad_alloc();
+        }
+        return *this;
+    }
+};
+
+TEST(Matrix, ACopyThatFailsLeavesNothingBehind) {
+    {
+        const matrix<Fragile> source(2, 2);
+        Fragile::exhausted = true;
+        const int before = Fragile::alive;
+        EXPECT_THROW(matrix<Fragile> copy(source), std::bad_alloc);
+        EXPECT_THROW(matrix<Fragile>(2, 2), std::bad_alloc);
+        EXPECT_THROW(matrix<Fragile>(2, 2, source.data()), std::bad_alloc);
+        EXPECT_EQ(Fragile::alive, before);
+        Fragile::exhausted = false;
+    }
+    EXPECT_EQ(Fragile::alive, 0);
 }
 
 }  // namespace

@@ -124,6 +124,19 @@ TEST_F(CorrelatedDraw, NormalFieldsKeepTheirMeanAndDeviation) {
     EXPECT_NEAR(mean, 20.0, 6 * 2 / std::sqrt(8000.0));
 }
 
+TEST_F(CorrelatedDraw, TheNormalLawsTakeTheCorrelatedNormalItselfNotAQuantile) {
+    start(2, {1, 0.7, 0.7, 1}, 300, 0, [](const char* name, int i) {
+        return i == 1 ? QUORVA_SimNormal(name, 5, 2, 0, 0, 0, 0, 0, 1) : QUORVA_SimNormalStd(name, 0, 0, 0, 0, 0, 1);
+    });
+    for (int k = 0; k < 300; ++k) {
+        ASSERT_EQ(iterate(), 0);
+        // To the last bit: a normal taken through its probability and back would not keep it.
+        ASSERT_EQ(value(0), 2.0 * run.fields.FieldTable(numberOf(u"x01"), fieldcolumn::correlatedDraw) + 5.0);
+        ASSERT_EQ(value(1), run.fields.FieldTable(numberOf(u"x02"), fieldcolumn::correlatedDraw));
+        ASSERT_EQ(value(0), 2.0 * run.correlation.CorrNormals(1, 1) + 5.0) << "the first label's own normal";
+    }
+}
+
 TEST_F(CorrelatedDraw, AfterARepairTheRepairedMatrixIsTheFactorAndAFreshRunReachesIt) {
     constexpr int nSim = 8000;
     const std::vector<double> wanted{1, 0.9, -0.9, 0.9, 1, 0.9, -0.9, 0.9, 1};

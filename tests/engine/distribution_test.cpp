@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <set>
 
 #include "model_test.h"
@@ -146,11 +148,49 @@ TEST_F(Distribution, ACellEvaluatedTwiceInAnIterationKeepsItsValueAndCountsOnce)
     const double first = value(0);
     EXPECT_EQ(evaluate(0), first);
     EXPECT_EQ(run.fields.FieldFlags(numberOf(u"x"), momentcolumn::count), 1.0);
-    EXPECT_EQ(run.sampling.lastValue, 0.0) << "the result was recorded last";
     iterate();
     EXPECT_NE(value(0), first);
     EXPECT_EQ(stored(1, u"x"), first);
     EXPECT_EQ(stored(2, u"x"), value(0));
+}
+
+TEST_F(Distribution, TheFieldEvaluatedLastAndTheValueRecordedLastAreKnown) {
+    normal({0, 0}, "y", 100, 0.001);
+    normal({0, 1}, "x", 200, 0.001);
+    addResult();
+    init();
+    for (const std::size_t i : {0, 1, 2}) {
+        evaluate(i);
+        EXPECT_EQ(run.fields.current, static_cast<int>(i) + 1) << "counted";
+    }
+    ASSERT_EQ(init2(), 0);
+    for (const std::size_t i : {2, 0, 1}) {
+        evaluate(i);
+        EXPECT_EQ(run.fields.current, run.fields.nFields) << "numbered";
+    }
+    ASSERT_EQ(begin(5), 0);
+    Cpp_SimNext();
+    evaluate(0);
+    EXPECT_EQ(run.fields.current, numberOf(u"y"));
+    EXPECT_EQ(run.sampling.lastValue, value(0));
+    evaluate(1);
+    EXPECT_EQ(run.fields.current, numberOf(u"x"));
+    EXPECT_EQ(run.sampling.lastValue, value(1));
+    evaluate(0);
+    EXPECT_EQ(run.fields.current, numberOf(u"y"));
+    EXPECT_EQ(run.sampling.lastValue, value(1)) << "the first cell was recorded before";
+}
+
+TEST_F(Distribution, AFormulaThatFillsABlockBelongsToItsFirstCell) {
+    fakeHost.blockRows = 3;
+    fakeHost.blockColumns = 2;
+    normal({7, 5}, "x");
+    addResult();
+    prepare();
+    EXPECT_EQ(run.fields.FieldTable(1, fieldcolumn::row), 7.0);
+    EXPECT_EQ(run.fields.FieldTable(1, fieldcolumn::column), 5.0);
+    EXPECT_EQ(getFieldInfo(5, 7, 0), 1U);
+    EXPECT_EQ(getFieldInfo(6, 9, 0), 0U);
 }
 
 TEST_F(Distribution, CellsInOddOrdersFindTheirOwnFields) {
@@ -200,6 +240,45 @@ TEST_F(Distribution, AListsShapeAndDefault) {
     EXPECT_EQ(evaluate(2), 0.0) << "no default: the law of lists has the theoretical mean 0";
     columns = 0;
     EXPECT_EQ(evaluate(0), 0.0);
+}
+
+TEST_F(Distribution, AListIsReadRowByRowForAsManyValuesAsItHasRows) {
+    rows = 2;
+    columns = 2;
+    double block[] = {1, 3, 50, 70};
+    const auto formula = [&] { return QUORVA_SimEmpiricUniform("list", &rows, &columns, block, 0, 0, 1); };
+    EXPECT_EQ(formula(), 2.0);
+    rows = 1;
+    EXPECT_EQ(formula(), 1.0) << "a list in one row is one value";
+}
+
+TEST_F(Distribution, AListWithoutAMeanShowsTheMeanOfItsLaw) {
+    std::fill(std::begin(values), std::end(values), MissingValue);
+    EXPECT_EQ(QUORVA_SimEmpiricUniform("list", &rows, &columns, values, 0, 7, 1), 0.0);
+}
+
+TEST_F(Distribution, ACellThatRunsOutOfMemoryShowsItsDefaultAndReportsIt) {
+    init();
+    fakeHost.exhausted = true;
+    EXPECT_EQ(QUORVA_SimNormal("x", 5, 2, 0, 0, 0, 0, 99, 1), 5.0);
+    EXPECT_EQ(reportedError().code, -15);
+    EXPECT_EQ(QUORVA_SimNormal("x", 5, 2, 0, 0, 0, 1, 99, 1), 99.0);
+    EXPECT_NEAR(QUORVA_SimEmpiricUniform("l", &rows, &columns, values, 0, 99, 1), 13.0 / 3, 1e-15);
+    EXPECT_EQ(QUORVA_SimSVar("v", 1, 4, 1, 1, 0, 99, 1), 2.5);
+    EXPECT_EQ(QUORVA_SimRes("r", 3, 99, 0, 1), 3.0);
+    XLOPER reference = ownSheetReference(0, 0);
+    EXPECT_EQ(QUORVA_SimStat("s", &reference, 13, 1), 0.0);
+    EXPECT_EQ(Cpp_SimNext(), -1);
+}
+
+TEST_F(Distribution, LawsUpTo60AreRecordedThoughNoneHasSuchANumber) {
+    cell({0, 0}, [] { return QUORVA_SimDist("x", 60, 1, 6, 0, 0, 0, 0, 0, 0, 1); });
+    addResult();
+    prepare();
+    ASSERT_EQ(begin(3), 0);
+    iterate();
+    EXPECT_TRUE(std::isnan(stored(1, u"x")));
+    EXPECT_EQ(run.fields.FieldTable(numberOf(u"x"), fieldcolumn::done), 1.0);
 }
 
 TEST_F(Distribution, ALawAbove60IsNotStoredByItself) {

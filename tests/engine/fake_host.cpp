@@ -1,6 +1,7 @@
 #include "fake_host.h"
 
 #include <cstring>
+#include <new>
 
 namespace quorva::testing {
 
@@ -18,8 +19,14 @@ XLOPER ownSheetReference(int row, int column) {
 namespace {
 
 void answerCaller(XLOPER& result) {
+    if (fakeHost.exhausted) {
+        throw std::bad_alloc();
+    }
     if (fakeHost.calledFromCell) {
         result = ownSheetReference(fakeHost.caller.row, fakeHost.caller.column);
+        HostRange& range = result.value.localReference.range;
+        range.lastRow = static_cast<std::uint16_t>(range.firstRow + fakeHost.blockRows - 1);
+        range.lastColumn = static_cast<std::uint8_t>(range.firstColumn + fakeHost.blockColumns - 1);
     } else {
         result.type = hosttype::error;
         result.value.error = hosterror::ref;

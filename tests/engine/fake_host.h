@@ -19,6 +19,9 @@ struct Address {
 struct FakeHost {
     bool calledFromCell = true;
     Address caller;
+    int blockRows = 1;  ///< size of the block that the calling formula fills, from the caller on
+    int blockColumns = 1;
+    bool exhausted = false;                         ///< asked for the caller, runs out of memory
     std::map<std::string, std::uint64_t> sheetIds;  ///< a sheet that is not set gets the next free identifier
     std::vector<int> requests;                      ///< function numbers in the order asked
     int outstanding = 0;                            ///< results not released yet

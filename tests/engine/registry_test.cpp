@@ -57,9 +57,13 @@ TEST_F(Registry, RowsEndAt65000AndColumnsAt256) {
     enter(65'000, 3);
     EXPECT_EQ(reportedError().code, -15);
     EXPECT_EQ(reportedError().line, 65'000);
+    EXPECT_EQ(reportedError().column, 3);
+    EXPECT_EQ(reportedError().texts, std::vector<std::u16string>{u"[B]S1"});
     run.error.flag = hostFalse;
     enter(3, 256);
     EXPECT_EQ(reportedError().code, -15);
+    EXPECT_EQ(reportedError().line, 3);
+    EXPECT_EQ(reportedError().column, 256);
 }
 
 TEST_F(Registry, Column255SharesItsEntryWithTheNextRow) {
@@ -87,6 +91,44 @@ TEST_F(Registry, ASingleSheetModelHasOneGridForAllSheets) {
     enter(4, 2, 1);
     enter(4, 2, 2);
     EXPECT_EQ(reportedError().code, -10);
+    EXPECT_EQ(reportedError().texts, std::vector<std::u16string>{u"[B]S2"});
+    EXPECT_EQ(run.sheets.inUse, 0) << "its sheets are not listed";
+    for (const int slot : {-1, 0, 1, 2, 10, 11}) {
+        EXPECT_EQ(getFieldInfo(2, 4, slot), 1U);
+        setFieldInfo(9, 9, slot, static_cast<std::uint32_t>(slot + 20));
+        EXPECT_EQ(getFieldInfo(9, 9, 0), static_cast<std::uint32_t>(slot + 20));
+    }
+}
+
+TEST_F(Registry, ATakenCellOfAWorkbookStillTellsItsSlot) {
+    init(true);
+    enter(1, 1, 50);
+    int slot = 77;
+    enter(1, 1, 60, &slot);
+    EXPECT_EQ(slot, 2);
+    slot = 77;
+    enter(1, 1, 60, &slot);
+    EXPECT_EQ(slot, 2);
+    EXPECT_EQ(reportedError().code, -10);
+    EXPECT_EQ(getFieldInfo(1, 1, 2), 2U);
+}
+
+TEST_F(Registry, ACellBeyondTheGridListsNoSheet) {
+    init(true);
+    int slot = 77;
+    enter(65'000, 1, 50, &slot);
+    enter(1, 256, 50, &slot);
+    EXPECT_EQ(reportedError().code, -15);
+    EXPECT_EQ(slot, 77);
+    EXPECT_EQ(run.sheets.inUse, 0);
+}
+
+TEST_F(Registry, TheGridOfTheFirstSheetIsTheOneMadeAtTheStart) {
+    init(true);
+    setFieldInfo(1, 1, 1, 5);
+    enter(1, 1, 50);
+    EXPECT_EQ(reportedError().code, -10) << "not emptied when its sheet is met";
+    EXPECT_EQ(getFieldInfo(1, 1, 1), 5U);
 }
 
 TEST_F(Registry, SlotsOutsideTheListReadTheFirstGridAndWriteNothing) {

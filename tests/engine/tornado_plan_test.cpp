@@ -52,12 +52,15 @@ TEST_F(TornadoPlan, EachInputStepsThroughItsPointsWhileTheOthersKeepTheirMedian)
     EXPECT_EQ(run.tornado.clockField, 1);
 }
 
-TEST_F(TornadoPlan, TheOtherBaseIsTheDefaultValue) {
-    startPlan(1);
-    recalculate();
-    EXPECT_EQ(value(0), 1.0);
-    EXPECT_EQ(value(1), 4.0);
-    EXPECT_EQ(value(2), 7.0);
+TEST_F(TornadoPlan, AnyOtherBaseIsTheDefaultValue) {
+    for (const int iDefCase : {1, 2, -1}) {
+        cells.clear();
+        startPlan(iDefCase);
+        recalculate();
+        EXPECT_EQ(value(0), 1.0);
+        EXPECT_EQ(value(1), 4.0) << iDefCase;
+        EXPECT_EQ(value(2), 7.0) << iDefCase;
+    }
 }
 
 TEST_F(TornadoPlan, TheFirstEvaluationOfTheClockDoesNotAdvanceAndOthersNeverDo) {

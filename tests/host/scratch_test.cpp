@@ -76,6 +76,15 @@ TEST(ScratchPools, DoubleForAFifthThreadAndTheFirstFourKeepTheirBlocks) {
     }
 }
 
+TEST(ScratchPools, KeepTextsReadableWhenTheyGrowWhileTheHostReadsThem) {
+    ScratchPools pools;
+    const char* text = pools.forThread(1).keepText(" kept");
+    for (std::uint32_t thread = 2; thread <= 5; ++thread) {
+        pools.forThread(thread).keepText(" other");
+    }
+    EXPECT_EQ(std::string(text, 5), "\x04kept");
+}
+
 TEST(ScratchPools, DoubleAgainForANinthThread) {
     ScratchPools pools;
     for (std::uint32_t thread = 1; thread <= 9; ++thread) {

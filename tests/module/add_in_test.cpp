@@ -56,6 +56,18 @@ TEST_F(AddInManager, AnActionThatIsNoNumberIsAnsweredWithAValueError) {
     EXPECT_EQ(QUORVA_EXPORT(xlAddInManagerInfo)(nullptr)->type, hosttype::error);
 }
 
+TEST_F(AddInManager, AnActionThatTheHostDoesNotMakeAnIntegerIsAnsweredWithAValueError) {
+    host().override = [](int, XLOPER* result, int, XLOPER**) -> std::optional<int> {
+        result->value.integer = 1;  // the bits of an integer 1 under another type word
+        result->type = hosttype::error;
+        return 32;
+    };
+    const XLOPER* answer = ask(1);
+    EXPECT_EQ(answer->type, hosttype::error);
+    EXPECT_EQ(answer->value.error, hosterror::value);
+    host().override = nullptr;
+}
+
 TEST_F(AddInManager, AnswersAgainAfterAnError) {
     ask(1);
     ask(2);

@@ -113,6 +113,18 @@ TEST(TypeLibrary, DirectionsFollowTheParametersPrefixes) {
     }
 }
 
+// The line on entry chooses which cell of an error is told.
+TEST(TypeLibrary, TheLineOfAnErrorGoesBothWays) {
+    for (const auto& function : libraryFunctions()) {
+        for (const auto& parameter : function.parameters) {
+            if (parameter.name == "oEline") {
+                EXPECT_TRUE(parameter.out);
+                EXPECT_EQ(parameter.in, function.name == "Cpp_SimError") << function.name;
+            }
+        }
+    }
+}
+
 TEST(TypeLibrary, OfTheBuiltModuleDeclaresThemToo) {
 #ifdef _WIN32
     const auto read = readTypeLibrary(QUORVA_MODULE_FILE, "_SI");
