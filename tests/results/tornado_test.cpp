@@ -147,6 +147,46 @@ TEST_F(Tornado, ScenarioVariablesMoveOverTheirBoundsOrByTheirStep) {
     }
 }
 
+TEST_F(Tornado, ScenarioVariablesStartAtTheirLowerBound) {
+    fillRun({1, 2, 2, 2, 3}, 2);
+    scenario(2, -3, 9, 1, 7);
+    scenario(3, -3, 9, 2, 7);
+    scenario(4, 9, -3, 1, 7);
+    prepare(1, 0, 0.05, 4, std::vector<Limits>(5, {10, 12, 20, 0, 40}));
+    EXPECT_THAT(points(2), ElementsAre(-3, 1, 5, 9));
+    EXPECT_THAT(points(3), ElementsAre(-3, 4, 11, 18));
+    EXPECT_THAT(points(4), ElementsAre(9, 5, 1, -3));
+}
+
+TEST_F(Tornado, OnlyAStepModeOfOneRunsOverTheBounds) {
+    fillRun({1, 2, 2, 2, 3}, 2);
+    scenario(2, 0, 8, 0, 3);
+    scenario(3, 0, 8, -1, 3);
+    scenario(4, 0, 8, 1.5, 3);
+    prepare(0, 0, 0.05, 3, std::vector<Limits>(5, {10, 12, 20, 0, 40}));
+    for (const int field : {2, 3, 4}) {
+        EXPECT_THAT(points(field), ElementsAre(0, 3, 6)) << field;
+    }
+}
+
+TEST_F(Tornado, APointOnTheEdgeOfWhatWasSimulatedIsNotClamped) {
+    fillRun({1, 3}, 2);
+    prepare(0, 1, 0.5, 3, {{0, 64, 0, 32, 96}, {0, -64, 0, -96, -32}});
+    EXPECT_THAT(points(1), ElementsAre(32, 64, 96));
+    EXPECT_THAT(marks(1), Each(0.0));
+    EXPECT_THAT(points(2), ElementsAre(-32, -64, -96));
+    EXPECT_THAT(marks(2), Each(0.0));
+}
+
+TEST_F(Tornado, LabelsBeyondThePointsStay) {
+    fillRun({1, 3}, 2);
+    matrix<double> intervals(2, 5);
+    matrix<std::u16string> labels(4, 1, u"as passed");
+    PrepareTor(0, 0, 0.25, 3, 2, nullptr, &intervals, &labels);
+    EXPECT_EQ(labels(3, 1), u"75.00%");
+    EXPECT_EQ(labels(4, 1), u"as passed");
+}
+
 TEST_F(Tornado, StatisticsAndFieldsWithoutAnUpperBoundHaveNoPoints) {
     fillRun({1, 4, 2, 3}, 2);
     scenario(3, 0, 8, 1, 3);
