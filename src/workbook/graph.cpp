@@ -27,6 +27,9 @@ void Workings::collectUses(Formula& formula, const Node& node) {
         case Node::Kind::ModelCall:
             formula.callsModel = true;
             break;
+        case Node::Kind::Unsupported:
+            formula.unread = formula.unread || node.unread;
+            break;
         case Node::Kind::Special:
             formula.volatileItself = formula.volatileItself || node.form == Form::Offset ||
                                      node.form == Form::Indirect || node.form == Form::Cell;
@@ -58,7 +61,7 @@ void Workings::connect() {
         Formula& formula = formulas[i];
         formula.uses.clear();
         formula.circular = false;
-        formula.volatileItself = formula.callsModel = formula.dynamic = false;
+        formula.volatileItself = formula.callsModel = formula.dynamic = formula.unread = false;
         if (formula.removed) {
             continue;
         }
@@ -174,9 +177,14 @@ void Workings::markLive() {
             containing[static_cast<std::size_t>(formula)].push_back(static_cast<int>(i));
         }
     }
+    // What cannot be read may refer to anything: where something changes, its saved value cannot be relied on.
+    const bool changing = std::any_of(formulas.begin(), formulas.end(), [](const Formula& formula) {
+        return formula.volatileItself || formula.callsModel ||
+               (formula.unread && !formula.removed && toUpper(*formula.text).find("QUORVA_") != std::string::npos);
+    });
     for (const int index : order) {
         Formula& formula = formulas[static_cast<std::size_t>(index)];
-        formula.live = formula.volatileItself || formula.callsModel ||
+        formula.live = formula.volatileItself || formula.callsModel || (formula.unread && changing) ||
                        std::any_of(formula.uses.begin(), formula.uses.end(),
                                    [&](int use) { return liveArea[static_cast<std::size_t>(use)]; });
         if (formula.live) {

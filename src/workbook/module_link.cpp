@@ -307,7 +307,7 @@ Value callModel(ModuleLink& link, Evaluator& evaluator, const Node& node) {
     const std::string& name = link.workings->symbols->modelFunctions()[static_cast<std::size_t>(node.index)];
     Registered* function = link.function(node.index);
     if (!function || !function->address) {
-        throw Unsupported{"the function " + name + ", which the module does not have"};
+        throw Unsupported{"the function " + name + ", unknown to the module"};
     }
     if (evaluator.call.row > 0xFFFF || evaluator.call.column > 0xFF) {
         throw Unsupported{"the function " + name + " beyond row 65536 or column 256, which the module cannot address"};

@@ -540,7 +540,9 @@ Node Parser::definedName(std::string_view name, int sheet) {
         node.explicitSheet = true;
         return node;
     } catch (const ParseError& error) {
-        return unsupported("the name " + std::string(name) + ": " + error.what());
+        Node node = unsupported("the name " + std::string(name) + " (" + error.what() + ")");
+        node.unread = true;
+        return node;
     }
 }
 
@@ -644,7 +646,7 @@ Node Parser::call(std::string_view written) {
         node.children.insert(node.children.begin(), std::move(callee));
     } else {
         node.kind = Node::Kind::Unsupported;
-        node.text = "the function " + name;
+        node.text = name == "TABLE" ? "a what-if table" : "the function " + name;
     }
     return node;
 }

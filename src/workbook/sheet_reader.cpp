@@ -133,6 +133,39 @@ struct SheetReader {
         }
     }
 
+    /// A what-if table is reported as unsupported, with what it depends on: the cells above it, left of it, and its
+    /// input cells.
+    void readWhatIfTable(pugi::xml_node formula, RawCell& cell) {
+        cell.kind = FormulaKind::Array;
+        cell.spill = {0, row, column, row, column};
+        const auto range = attribute(formula, "ref");
+        if (range &&
+            (!parseArea(range.value(), cell.spill) || cell.spill.firstRow != row || cell.spill.firstColumn != column)) {
+            fail("the range of its what-if table cannot be read");
+        }
+        const int top = std::max(row - 1, 0);
+        const int left = std::max(column - 1, 0);
+        std::vector<std::string> uses;
+        if (row > 0) {
+            uses.push_back(cellName(top, left) + ":" + cellName(top, cell.spill.lastColumn));
+        }
+        if (column > 0) {
+            uses.push_back(cellName(row, left) + ":" + cellName(cell.spill.lastRow, left));
+        }
+        for (const char* name : {"r1", "r2"}) {
+            int inputRow = 0;
+            int inputColumn = 0;
+            if (parseCellName(attribute(formula, name).value(), inputRow, inputColumn)) {
+                uses.push_back(cellName(inputRow, inputColumn));
+            }
+        }
+        cell.formula = "TABLE(";
+        for (const std::string& use : uses) {
+            cell.formula += (cell.formula.back() == '(' ? "" : ",") + use;
+        }
+        cell.formula += ")";
+    }
+
     void readFormula(pugi::xml_node node, pugi::xml_node formula, RawCell& cell) {
         const std::string_view type = attribute(formula, "t").value();
         cell.formula = formula.child_value();
@@ -155,7 +188,8 @@ struct SheetReader {
             }
         }
         if (type == "dataTable") {
-            cell.formula = "TABLE()";  // a what-if table, which is reported as unsupported
+            readWhatIfTable(formula, cell);
+            return;
         }
         if (cell.formula.empty()) {
             return;

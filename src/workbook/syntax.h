@@ -98,6 +98,7 @@ struct Node {
     Form form{};
     bool explicitSheet = false;  ///< of a reference: its sheet was written
     bool parenthesised = false;
+    bool unread = false;  ///< stands for text that could not be parsed: what it refers to is not known
     int depth = 1;  ///< of the tree from here down
     int index = 0;  ///< variable or model function
     Value value;    ///< constant or reference

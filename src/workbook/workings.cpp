@@ -144,8 +144,9 @@ void Workings::addFormulas() {
                     parseFormula(cell.formula, {s, cell.row, cell.column, cell.shiftRows, cell.shiftColumns}, *symbols);
             } catch (const ParseError& error) {
                 formula.tree.kind = Node::Kind::Unsupported;
-                formula.tree.text =
-                    "the formula at its character " + std::to_string(error.position + 1) + ": " + error.what();
+                formula.tree.unread = true;
+                formula.tree.text = "a formula that cannot be read at its character " +
+                                    std::to_string(error.position + 1) + " (" + error.what() + ")";
             }
             const Node& tree = formula.tree;
             formula.subtotal =

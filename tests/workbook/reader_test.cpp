@@ -81,6 +81,39 @@ TEST(Reader, MovesSharedFormulasToTheirCells) {
     std::filesystem::remove("shared_formula.xlsx");
 }
 
+/// What the live part of a book with these rows cannot compute.
+std::string liveRefusal(const std::string& rows) {
+    Workings workings(readRows(rows));
+    try {
+        workings.recalculate();
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.kind, Failure::Kind::Unsupported);
+        return failure.what();
+    }
+    return "";
+}
+
+TEST(Reader, GivesWhatIfTablesTheCellsTheyDependOn) {
+    const std::string table =
+        "<row r=\"2\"><c r=\"A2\"><v>3</v></c><c r=\"B2\"><f t=\"dataTable\" ref=\"B2:B3\" dt2D=\"0\" "
+        "dtr=\"0\" r1=\"D1\"/><v>6</v></c></row><row r=\"3\"><c r=\"B3\"><v>7</v></c></row>";
+    const std::string reader = "<row r=\"4\"><c r=\"A4\"><f>B3+1</f><v>8</v></c></row>";
+    const auto book = readRows(table + reader);
+    EXPECT_EQ(book->sheets[0].cells.at(1).formula, "TABLE(A1:B1,A2:A3,D1)");
+    // Where nothing that it depends on changes, the saved values stand.
+    EXPECT_EQ(liveRefusal("<row r=\"1\"><c r=\"E1\"><f>RAND()</f><v>1</v></c></row>" + table + reader), "");
+    EXPECT_EQ(liveRefusal("<row r=\"1\"><c r=\"D1\"><f>RAND()</f><v>1</v></c></row>" + table + reader),
+              "Cell Data!B2 uses a what-if table, which is not supported.");
+}
+
+TEST(Reader, DoesNotTrustTheSavedValueOfAFormulaItCannotReadWhereSomethingChanges) {
+    const std::string unread = "<c r=\"B1\"><f>D1+{x}</f><v>1</v></c>";
+    EXPECT_EQ(liveRefusal("<row r=\"1\">" + unread + "<c r=\"C1\"><f>B1+1</f></c><c r=\"D1\"><v>1</v></c></row>"), "");
+    EXPECT_EQ(liveRefusal("<row r=\"1\">" + unread + "<c r=\"D1\"><f>RAND()</f><v>1</v></c></row>"),
+              "Cell Data!B1 uses a formula that cannot be read at its character 6 (an array constant holds something "
+              "else than constants), which is not supported.");
+}
+
 TEST(Reader, AcceptsPrefixedElementsAndAnyCaseOfPartNames) {
     Parts parts = minimal("");
     parts["xl/worksheets/sheet1.xml"] =
