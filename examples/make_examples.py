@@ -134,7 +134,7 @@ def inventory():
     for row, (name, value) in enumerate(rows, 4):
         sheet.cell(row, 1, name), sheet.cell(row, 2, value)
     sheet["A10"] = "Order (decision)"
-    draw(sheet, "B10", 'QUORVA_SimSVar("Order",400,640,2,10,TRUE,530,1)')
+    draw(sheet, "B10", 'QUORVA_SimSVar("Order",400,640,1,10,TRUE,530,1)')
     sheet["A11"] = "Demand"
     draw(sheet, "B11", f'QUORVA_SimNormal("Demand",B7,B8,{DRAW})')
     sheet["A12"], sheet["B12"] = "Sold", "=MAX(0,MIN(B10,B11))"

@@ -195,7 +195,28 @@ void warnOfValues(const Field& field, const Summary& summary, int iterations, st
     }
 }
 
+/// A scenario variable that moves in steps may need more points than there are to cross its interval.
+void warnOfSteps(const TornadoSettings& tornado, RunResults& results) {
+    for (const Field& field : results.fields) {
+        const auto [lower, upper, type, step] = field.parameters;
+        if (field.kind != FieldKind::Scenario || type == 1 || !(step > 0)) {
+            continue;
+        }
+        const double last = lower + (tornado.points - 1) * step;
+        if (last + step <= upper) {
+            results.warnings.push_back("the tornado moves '" + field.name + "' (" + cellOf(field) + ") in steps of " +
+                                       readableNumber(step) + " from " + readableNumber(lower) + " to " +
+                                       readableNumber(last) + " only; --points " +
+                                       readableNumber(std::floor((upper - lower) / step) + 1) + " reaches " +
+                                       readableNumber(lower + std::floor((upper - lower) / step) * step));
+        }
+    }
+}
+
 void warnOfRun(const RunSettings& settings, RunResults& results) {
+    if (!results.tornado.empty()) {
+        warnOfSteps(*settings.tornado, results);
+    }
     if (results.correlations.repaired) {
         results.warnings.push_back(
             "the correlation matrix is impossible (not positive semi-definite) and was replaced "

@@ -1,6 +1,8 @@
 #include "frontend/command_line.h"
 
+#include <algorithm>
 #include <limits>
+#include <sstream>
 
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
@@ -12,6 +14,7 @@ namespace quorva::frontend {
 namespace {
 constexpr const char* version = QUORVA_VERSION;
 constexpr int largest = std::numeric_limits<int>::max();
+constexpr std::size_t descriptionColumn = 34;
 
 /// An open interval of numbers, which the library's own ranges do not offer.
 CLI::Validator between(double low, double high, const std::string& text) {
@@ -251,12 +254,33 @@ void addLists(CLI::App& app, CommandOptions& options) {
 }
 }  // namespace
 
+std::string wrappedHelp(const std::string& help, std::size_t width) {
+    std::istringstream lines(help);
+    std::string out;
+    for (std::string line; std::getline(lines, line);) {
+        const bool option = line.size() > descriptionColumn && line.starts_with("  ") &&
+                            line[descriptionColumn - 1] == ' ' && line[descriptionColumn] != ' ';
+        const std::size_t indent =
+            option ? descriptionColumn : std::min(line.find_first_not_of(' '), std::size_t{descriptionColumn});
+        while (line.size() > width) {
+            const std::size_t blank = line.rfind(' ', width);
+            if (blank == std::string::npos || blank <= indent) {
+                break;
+            }
+            out += line.substr(0, blank) + "\n";
+            line = std::string(indent, ' ') + line.substr(blank + 1);
+        }
+        out += line + "\n";
+    }
+    return out;
+}
+
 std::unique_ptr<CLI::App> commandLine(CommandOptions& options) {
     auto app = std::make_unique<CLI::App>("Monte Carlo simulation of spreadsheet models", "quorva");
     app->set_version_flag("--version", std::string("quorva ") + version);
     app->add_flag("--man", options.man, "Print the manual page")->group("");
     app->require_subcommand(0, 1);
-    app->get_formatter()->column_width(34);
+    app->get_formatter()->column_width(descriptionColumn);
     addRun(*app, options.run);
     addModelCommands(*app, options);
     addLists(*app, options);

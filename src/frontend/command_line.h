@@ -62,6 +62,8 @@ struct CommandOptions {
 
 /// The whole command line; options are written to `options` while parsing.
 std::unique_ptr<CLI::App> commandLine(CommandOptions& options);
+/// The library's help with its lines broken at `width` columns, descriptions under descriptions.
+std::string wrappedHelp(const std::string& help, std::size_t width);
 
 /// The manual page, from the same texts as --help.
 std::string manPage(const CLI::App& app);

@@ -56,6 +56,9 @@ std::vector<std::string> configurationArguments(const std::string& file, const C
     try {
         table = toml::parse_file(file);
     } catch (const toml::parse_error& error) {
+        if (error.source().begin.line == 0) {
+            throw Stop(ExitStatus::Usage, "the configuration file '" + file + "' cannot be read");
+        }
         refuse(file, error.source(), std::string(error.description()));
     }
     std::vector<std::string> names;

@@ -2,13 +2,22 @@
 
 namespace quorva::frontend {
 
+char csvSeparator(std::string_view text) {
+    int semicolons = 0, commas = 0;
+    bool quoted = false;
+    for (const char c : text.substr(0, text.find('\n'))) {
+        quoted = quoted != (c == '"');
+        semicolons += !quoted && c == ';' ? 1 : 0;
+        commas += !quoted && c == ',' ? 1 : 0;
+    }
+    return semicolons > commas ? ';' : ',';
+}
+
 std::vector<std::vector<std::string>> parseCsv(std::string_view text) {
     if (text.starts_with("\xEF\xBB\xBF")) {
         text.remove_prefix(3);
     }
-    const std::string_view firstLine = text.substr(0, text.find('\n'));
-    const bool semicolon = firstLine.find(';') != firstLine.npos && firstLine.find(',') == firstLine.npos;
-    const char separator = semicolon ? ';' : ',';
+    const char separator = csvSeparator(text);
     std::vector<std::vector<std::string>> rows;
     std::vector<std::string> row;
     std::string field;

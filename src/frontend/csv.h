@@ -7,8 +7,11 @@
 
 namespace quorva::frontend {
 
-/// Rows of fields; quotes, doubled quotes, line breaks in quotes, CRLF and a byte-order mark are understood. Where the
-/// first line holds a semicolon and no comma, the semicolon separates. Empty lines are left out.
+/// The separator of a file: a semicolon where the first line holds more of them than commas, quoted parts aside.
+char csvSeparator(std::string_view text);
+
+/// Rows of fields; quotes, doubled quotes, line breaks in quotes, CRLF and a byte-order mark are understood. Empty
+/// lines are left out.
 std::vector<std::vector<std::string>> parseCsv(std::string_view text);
 
 /// A field as it stands in a line: in quotes where needed.

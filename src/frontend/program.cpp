@@ -1,4 +1,5 @@
 // The program's outermost layer: parsing, messages and exit statuses.
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -62,6 +63,13 @@ void parse(CLI::App& app, std::vector<std::string> arguments) {
     app.parse(std::move(arguments));
 }
 
+/// At most 100 columns, and no more than the terminal has unless it is very narrow.
+std::size_t helpWidth() {
+    winsize size{};
+    const bool terminal = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return terminal ? std::clamp<std::size_t>(size.ws_col, 60, 100) : 100;
+}
+
 int dispatch(const CLI::App& app, const CommandOptions& options) {
     if (options.man) {
         printOut(manPage(app));
@@ -83,7 +91,7 @@ int dispatch(const CLI::App& app, const CommandOptions& options) {
         return functionsCommand(options.functions);
     if (name == "statistics")
         return statisticsCommand(options.statistics);
-    std::cerr << app.help() << std::flush;
+    std::cerr << wrappedHelp(app.help(), helpWidth()) << std::flush;
     return static_cast<int>(ExitStatus::Usage);
 }
 
@@ -105,7 +113,7 @@ int parseAndDispatch(const std::vector<std::string>& arguments) {
             parse(*app, all);
         }
     } catch (const CLI::CallForHelp&) {
-        printOut(chosen(*app).help(&chosen(*app) == app.get() ? "" : "quorva"));
+        printOut(wrappedHelp(chosen(*app).help(&chosen(*app) == app.get() ? "" : "quorva"), helpWidth()));
         return 0;
     } catch (const CLI::CallForVersion& version) {
         printOut(std::string(version.what()) + "\n");

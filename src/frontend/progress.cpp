@@ -1,7 +1,9 @@
 #include "frontend/progress.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -17,22 +19,32 @@ std::string grouped(double value) {
     }
     return digits;
 }
+int terminalColumns() {
+    winsize size{};
+    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 100;
+}
 }  // namespace
 
-std::string progressLine(int done, int planned, double seconds) {
+std::string progressLine(int done, int planned, double seconds, int columns) {
     constexpr int bars = 24;
     const double share = static_cast<double>(done) / planned;
     const double rate = seconds > 0 ? done / seconds : 0;
     const int filled = static_cast<int>(share * bars);
     std::array<char, 16> percent;
     std::snprintf(percent.data(), percent.size(), "%3d %% ", static_cast<int>(share * 100));
-    std::string line = percent.data();
-    line += "[" + std::string(filled, '#') + std::string(bars - filled, '.') + "] ";
-    line += grouped(done) + " of " + grouped(planned);
-    if (rate > 0) {
-        line += ", " + grouped(rate) + "/s, " + grouped(std::ceil((planned - done) / rate)) + " s left";
+    const std::string bar = "[" + std::string(filled, '#') + std::string(bars - filled, '.') + "] ";
+    const std::string counts = grouped(done) + " of " + grouped(planned);
+    const std::string speed = rate > 0 ? ", " + grouped(rate) + "/s" : "";
+    const std::string left = rate > 0 ? ", " + grouped(std::ceil((planned - done) / rate)) + " s left" : "";
+    // The last column stays free: a full line wraps on many terminals.
+    const auto room = static_cast<std::size_t>(std::max(columns - 1, 0));
+    for (const std::string& line : {percent.data() + bar + counts + speed + left,
+                                    percent.data() + counts + speed + left, percent.data() + counts + left}) {
+        if (line.size() <= room) {
+            return line;
+        }
     }
-    return line;
+    return std::string(percent.data()).substr(0, room);
 }
 
 ProgressBar::ProgressBar(bool shown) : shown_(shown && isatty(STDERR_FILENO)), start_(Clock::now()), next_(start_) {
@@ -49,7 +61,8 @@ void ProgressBar::update(int done, int planned) {
     }
     next_ = now + std::chrono::milliseconds(100);
     drawn_ = true;
-    std::cerr << "\r\033[K" << progressLine(done, planned, std::chrono::duration<double>(now - start_).count())
+    std::cerr << "\r\033[K"
+              << progressLine(done, planned, std::chrono::duration<double>(now - start_).count(), terminalColumns())
               << std::flush;
 }
 

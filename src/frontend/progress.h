@@ -6,8 +6,9 @@
 
 namespace quorva::frontend {
 
-/// One line of a progress bar: share, bar, counts, rate, time left.
-std::string progressLine(int done, int planned, double seconds);
+/// One line of a progress bar: share, bar, counts, rate, time left. On a narrow terminal (`columns`) the bar goes
+/// first, then the rate: a line that wraps could not be written over.
+std::string progressLine(int done, int planned, double seconds, int columns = 100);
 
 class ProgressBar {
 public:

@@ -41,7 +41,11 @@ std::vector<ResultView> resultViews(const RunResults& results) {
     return views;
 }
 
-bool hasSensitivity(const ResultView& view) { return view.sensitivity && !view.sensitivity->inputs.empty(); }
+/// A result that never changes has no share of variation to tell.
+bool hasSensitivity(const ResultView& view) {
+    return view.sensitivity && !view.sensitivity->inputs.empty() &&
+           !std::isnan(view.sensitivity->inputs.front().contribution);
+}
 bool hasTrace(const ResultView& view) { return view.charts.trace.iterations.size() > 1; }
 
 Json numbers(const std::vector<double>& values) {
@@ -100,21 +104,28 @@ HtmlFigure histogramFigure(const ResultView& view, double tail) {
     return figure;
 }
 
-std::string tornadoFigures(const ResultView& view, const RunSettings& settings) {
+std::string tornadoFigures(const ResultView& view, const RunSettings& settings, bool scenarios) {
     const Tornado& tornado = *view.tornado;
     const std::string id = std::to_string(view.index);
     const bool band = settings.tornado->spread == TornadoSpread::Band;
     const std::string base = settings.tornado->base == TornadoBase::Default ? "default value" : "simulated median";
     const std::string kind = band ? "in a band of " + percent(settings.tornado->width) + " around its " + base
                                   : "across its central " + percent(1 - 2 * settings.tail) + " interval";
+    const std::string bounds = scenarios ? " Scenario variables move between their bounds." : "";
+    constexpr std::size_t mostBars = 15, mostLines = 8;
+    const auto strongest = [&](std::size_t most) {
+        return tornado.inputs.size() > most
+                   ? " The " + std::to_string(most) + " widest of " + std::to_string(tornado.inputs.size()) + " inputs."
+                   : std::string();
+    };
     HtmlFigure bars{"tornado-" + id,
                     "Tornado of " + view.charts.name,
                     "Each input moves " + kind + " while the others stay at their " + base + "; base value " +
-                        shown(tornado.base) + ". Widest on top.",
+                        shown(tornado.base) + "." + bounds + " Widest on top." + strongest(mostBars),
                     {"", {"Input", "Low", "High", "Swing"}, {}, 1}};
     HtmlFigure spider{"spider-" + id,
                       "Spider of " + view.charts.name,
-                      "The result against the position of each input, one line per input.",
+                      "The result against the position of each input, one line per input." + strongest(mostLines),
                       {"", {"Input"}, {}, 1}};
     spider.data.header.insert(spider.data.header.end(), tornado.points.begin(), tornado.points.end());
     for (const TornadoInput& input : tornado.inputs) {
@@ -172,48 +183,62 @@ HtmlFigure scatterFigure(const ResultView& view) {
     return figure;
 }
 
-std::string resultSection(const ResultView& view, const RunSettings& settings) {
+std::string resultSection(const ResultView& view, const RunSettings& settings, bool scenarios) {
     std::string out = "<section id=\"result-" + std::to_string(view.index) + "\"><h2>" + escaped(view.charts.name) +
                       "</h2><div class=\"charts\">\n";
     out += view.charts.histogram.counts.empty() ? "" : html(histogramFigure(view, settings.tail));
     out += hasSensitivity(view) ? html(sensitivityFigure(view, settings.sensitivity)) : "";
-    out += view.tornado ? tornadoFigures(view, settings) : "";
+    out += view.tornado ? tornadoFigures(view, settings, scenarios) : "";
     out += hasTrace(view) ? html(traceFigure(view)) : "";
     out += view.charts.scatter.x.empty() ? "" : html(scatterFigure(view));
     return out + "</div></section>\n";
 }
 
-HtmlTable summaryTable(const RunResults& results) {
-    HtmlTable table{"Statistics of the stored values (Fisher skewness and excess kurtosis)",
-                    {"Field", "Kind", "Mean", "Std. error", "Std. deviation", "Skewness", "Kurtosis", "Min"},
-                    {},
-                    2};
-    for (const int percentile : reportedPercentiles) {
-        table.header.push_back("P" + std::to_string(percentile));
-    }
-    table.header.insert(table.header.end(), {"Max", "Errors"});
+/// One row per field, results first.
+HtmlTable fieldRows(const RunResults& results, HtmlTable table, std::vector<std::string> (*cells)(const Summary&)) {
     for (const FieldKind kind :
          {FieldKind::Result, FieldKind::Distribution, FieldKind::Scenario, FieldKind::Statistic}) {
         for (const Summary& summary : results.summary) {
-            if (summary.kind != kind) {
-                continue;
+            if (summary.kind == kind) {
+                auto& row = table.rows.emplace_back(cells(summary));
+                row.insert(row.begin(), summary.name);
             }
-            std::vector<std::string> row{summary.name,
-                                         std::string(kindName(kind)),
-                                         shown(summary.mean),
-                                         readableNumber(summary.standardError, 3),
-                                         shown(summary.stdev),
-                                         readableNumber(summary.skewness, 3),
-                                         readableNumber(summary.kurtosis, 3),
-                                         shown(summary.minimum)};
-            for (const double value : summary.percentiles) {
-                row.push_back(shown(value));
-            }
-            row.insert(row.end(), {shown(summary.maximum), std::to_string(summary.errors)});
-            table.rows.push_back(std::move(row));
         }
     }
     return table;
+}
+
+/// Two tables, each narrow enough for a page.
+std::string summaryTables(const RunResults& results) {
+    const HtmlTable moments{
+        "Statistics of the stored values (Fisher skewness and excess kurtosis)",
+        {"Field", "Kind", "Mean", "Std. error", "Std. deviation", "Skewness", "Kurtosis", "Values", "Errors"},
+        {},
+        2};
+    HtmlTable percentiles{"Percentiles", {"Field", "Min"}, {}, 1};
+    for (const int percentile : reportedPercentiles) {
+        percentiles.header.push_back("P" + std::to_string(percentile));
+    }
+    percentiles.header.emplace_back("Max");
+    return html(fieldRows(results, moments,
+                          [](const Summary& summary) {
+                              return std::vector<std::string>{std::string(kindName(summary.kind)),
+                                                              shown(summary.mean),
+                                                              readableNumber(summary.standardError, 3),
+                                                              shown(summary.stdev),
+                                                              readableNumber(summary.skewness, 3),
+                                                              readableNumber(summary.kurtosis, 3),
+                                                              std::to_string(summary.count),
+                                                              std::to_string(summary.errors)};
+                          })) +
+           html(fieldRows(results, percentiles, [](const Summary& summary) {
+               std::vector<std::string> row{shown(summary.minimum)};
+               for (const double value : summary.percentiles) {
+                   row.push_back(shown(value));
+               }
+               row.push_back(shown(summary.maximum));
+               return row;
+           }));
 }
 
 HtmlTable modelTable(const RunResults& results) {
@@ -227,7 +252,13 @@ HtmlTable modelTable(const RunResults& results) {
 
 /// Correlations as a table whose cells are shaded by size and sign.
 std::string heatTable(const std::string& caption, const LabelledMatrix& matrix) {
-    std::string out = "<div class=\"scroll\"><table><caption>" + escaped(caption) + "</caption><thead><tr><th></th>";
+    constexpr std::size_t mostWide = 10;
+    const std::size_t fields = matrix.names.size();
+    std::string out = "<div class=\"scroll\"><table";
+    if (fields > mostWide) {
+        out += " class=\"dense\" style=\"--fields:" + std::to_string(std::max<std::size_t>(fields, 22)) + "\"";
+    }
+    out += ">" + (caption.empty() ? "" : "<caption>" + escaped(caption) + "</caption>") + "<thead><tr><th></th>";
     for (const std::string& name : matrix.names) {
         out += "<th scope=\"col\">" + escaped(name) + "</th>";
     }
@@ -264,18 +295,29 @@ std::string correlationSection(const Correlations& correlations) {
     return out;
 }
 
+/// Indices downwards: there are many of them, and few fields have limits.
 HtmlTable capabilityTable(const RunResults& results) {
-    HtmlTable table{"", {"Field", "LSL", "USL", "Target"}, {}, 1};
+    HtmlTable table{"", {"Index"}, {{"LSL"}, {"USL"}, {"Target"}}, 1};
     for (const CapabilityName& name : capabilityNames) {
-        table.header.emplace_back(name.label);
+        table.rows.push_back({std::string(name.label)});
     }
     for (const Capability& capability : results.capability) {
-        std::vector<std::string> row{capability.limits.name, shown(capability.limits.lower),
-                                     shown(capability.limits.upper), shown(capability.limits.target)};
-        for (const double index : capability.indices) {
-            row.push_back(readableNumber(index, 4));
+        table.header.push_back(capability.limits.name);
+        std::size_t row = 0;
+        for (const double limit : {capability.limits.lower, capability.limits.upper, capability.limits.target}) {
+            table.rows[row++].push_back(shown(limit));
         }
-        table.rows.push_back(std::move(row));
+        for (const double index : capability.indices) {
+            table.rows[row++].push_back(readableNumber(index, 4));
+        }
+    }
+    return table;
+}
+
+HtmlTable settingsTable(const RunResults& results) {
+    HtmlTable table{"", {"Setting", "Value"}, {}, 2};
+    for (const auto& [name, value] : settingTexts(results)) {
+        table.rows.push_back({name, value});
     }
     return table;
 }
@@ -297,8 +339,9 @@ HtmlTable convergenceTable(const Convergence& convergence) {
             (convergence.converged ? ", converged at iteration " + std::to_string(convergence.at) : ", not converged"),
         {"Iteration", "Result", "Lower", "Upper", "Movement, %"},
         {},
-        0};
+        2};
     constexpr std::size_t most = 20;
+    table.caption += convergence.checks.size() > most ? "; the last " + std::to_string(most) + " checks" : "";
     const std::size_t first = convergence.checks.size() > most ? convergence.checks.size() - most : 0;
     for (std::size_t i = first; i < convergence.checks.size(); ++i) {
         for (const ConvergenceBound& bound : convergence.checks[i].bounds) {
@@ -347,17 +390,20 @@ std::string htmlReport(const RunResults& results) {
         out += "<li><a href=\"#result-" + std::to_string(view.index) + "\">" + escaped(view.charts.name) + "</a></li>";
     }
     out +=
-        "<li><a href=\"#correlations\">Correlations</a></li><li><a href=\"#model\">Model</a></li></ul></nav></header>\n"
+        "<li><a href=\"#correlations\">Correlations</a></li><li><a href=\"#model\">Model</a></li><li><a "
+        "href=\"#settings\">Settings</a></li></ul></nav></header>\n"
         "<main>" +
         messages(results) +
         "<noscript><p class=\"noscript\">The charts need JavaScript; the tables "
         "behind them do not.</p></noscript>\n<section id=\"summary\"><h2>Summary</h2>" +
-        html(summaryTable(results)) + "</section>\n";
+        summaryTables(results) + "</section>\n";
     if (!results.requirements.empty()) {
         out += "<section><h2>Requirements</h2>" + requirementsSection(results) + "</section>\n";
     }
+    const bool scenarios = std::any_of(results.fields.begin(), results.fields.end(),
+                                       [](const Field& field) { return field.kind == FieldKind::Scenario; });
     for (const ResultView& view : views) {
-        out += resultSection(view, results.settings);
+        out += resultSection(view, results.settings, scenarios);
     }
     if (!results.capability.empty()) {
         out += "<section><h2>Capability</h2>" + html(capabilityTable(results)) + "</section>\n";
@@ -367,6 +413,7 @@ std::string htmlReport(const RunResults& results) {
     }
     out += "<section id=\"correlations\"><h2>Correlations</h2>" + correlationSection(results.correlations) +
            "</section>\n<section id=\"model\"><h2>Model</h2>" + html(modelTable(results)) +
+           "</section>\n<section id=\"settings\"><h2>Settings</h2>" + html(settingsTable(results)) +
            "</section></main>\n<footer>quorva " QUORVA_VERSION
            "</footer>\n<script type=\"application/json\" id=\"data\">" +
            scriptSafe(chartData(results).dump(-1, ' ', false, Json::error_handler_t::replace)) + "</script>\n<script>";

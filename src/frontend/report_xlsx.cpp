@@ -7,11 +7,6 @@ namespace quorva::frontend {
 namespace {
 constexpr int mostRows = 1'048'576;
 
-void titledRow(XlsxSheet& sheet, int& row, const std::string& title, const std::string& text) {
-    sheet.text(row, 0, title, sheet.formats().text);
-    sheet.text(row++, 1, text);
-}
-
 void titledNumber(XlsxSheet& sheet, int& row, const std::string& title, double value, lxw_format* format = nullptr) {
     sheet.text(row, 0, title, sheet.formats().text);
     sheet.number(row++, 1, value, format);
@@ -120,57 +115,59 @@ void writeCorrelations(XlsxSheet sheet, const RunResults& results) {
     }
 }
 
+/// Indices downwards: there are many of them, and few fields have limits.
 void writeCapability(XlsxSheet sheet, const RunResults& results) {
+    sheet.width(0, 0, 26);
+    if (results.capability.empty()) {
+        sheet.text(0, 0, "No field has specification limits (--capability).");
+        return;
+    }
     sheet.freeze(1, 1);
     sheet.printWhole();
-    sheet.width(0, 0, 26);
-    sheet.width(1, capabilityIndices + 3, 13);
-    std::vector<std::string> titles{"Field", "LSL", "USL", "Target"};
-    for (const CapabilityName& name : capabilityNames) {
-        titles.emplace_back(name.label);
-    }
-    sheet.header(0, 0, titles);
-    int row = 1;
+    std::vector<std::string> fields{"Index"};
     for (const Capability& capability : results.capability) {
-        sheet.text(row, 0, capability.limits.name);
-        sheet.number(row, 1, capability.limits.lower);
-        sheet.number(row, 2, capability.limits.upper);
-        sheet.number(row, 3, capability.limits.target);
-        for (int i = 0; i < capabilityIndices; ++i) {
-            sheet.number(row, 4 + i, capability.indices[i]);
-        }
-        ++row;
+        fields.push_back(capability.limits.name);
     }
-    if (results.capability.empty()) {
-        sheet.text(1, 0, "No field has specification limits.");
+    sheet.width(1, static_cast<int>(results.capability.size()), 16);
+    sheet.header(0, 0, fields);
+    int row = 1;
+    for (const char* limit : {"LSL", "USL", "Target"}) {
+        sheet.text(row++, 0, limit);
+    }
+    for (const CapabilityName& name : capabilityNames) {
+        sheet.text(row++, 0, name.label);
+    }
+    int column = 1;
+    for (const Capability& capability : results.capability) {
+        row = 1;
+        for (const double limit : {capability.limits.lower, capability.limits.upper, capability.limits.target}) {
+            sheet.number(row++, column, limit);
+        }
+        for (const double index : capability.indices) {
+            sheet.number(row++, column, index);
+        }
+        ++column;
     }
 }
 
 void writeSettings(XlsxSheet sheet, const RunResults& results) {
-    const RunSettings& settings = results.settings;
     const XlsxFormats& formats = sheet.formats();
     sheet.width(0, 0, 34);
-    sheet.width(1, 1, 20);
-    sheet.width(2, 6, 18);
+    sheet.width(1, 1, 24);
+    sheet.width(2, 2, 14);
+    sheet.width(3, 3, 48);
+    sheet.width(4, 4, 14);
     sheet.freeze(1, 0);
     sheet.printWhole();
     sheet.header(0, 0, {"Setting", "Value"}, 2);
     int row = 1;
-    titledRow(sheet, row, "Workbook", results.workbook);
-    titledNumber(sheet, row, "Iterations planned", settings.iterations, formats.whole);
-    titledNumber(sheet, row, "Iterations done", results.iterations, formats.whole);
-    titledNumber(sheet, row, "Seed", settings.seed, formats.text);
-    titledNumber(sheet, row, "Strata (0: plain random sampling)", settings.effectiveStrata(), formats.whole);
-    titledNumber(sheet, row, "Tail of the central interval", settings.tail, formats.text);
-    titledRow(sheet, row, "Sensitivity", settings.sensitivity == SensitivityMeasure::Rank ? "rank" : "linear");
-    if (settings.tornado) {
-        titledNumber(sheet, row, "Tornado points", settings.tornado->points, formats.whole);
-        titledRow(sheet, row, "Tornado spread", settings.tornado->spread == TornadoSpread::Band ? "band" : "interval");
-        titledRow(sheet, row, "Tornado base", settings.tornado->base == TornadoBase::Default ? "default" : "median");
-    }
-    if (results.convergence) {
-        titledRow(sheet, row, "Convergence criterion", results.convergence->criterion);
-        titledNumber(sheet, row, "Convergence tolerance, percent", settings.convergence->tolerancePercent);
+    for (const SettingText& setting : settingTexts(results)) {
+        sheet.text(row, 0, setting.name, formats.text);
+        if (const auto number = setting.name == "Workbook" ? std::nullopt : parseNumber(setting.value)) {
+            sheet.number(row++, 1, *number, formats.leftNumber);
+        } else {
+            sheet.text(row++, 1, setting.value);
+        }
     }
     row += 1;
     sheet.header(row++, 0, {"Field", "Cell", "Kind", "Definition", "Default"}, 4);

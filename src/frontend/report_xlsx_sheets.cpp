@@ -129,6 +129,7 @@ void writeSensitivitySheet(XlsxBook& book, XlsxSheet sheet, const RunResults& re
         lxw_chart* chart =
             book.barChart("Sensitivity of " + sensitivity.result, "Share of the explained variation (sign: direction)");
         colourBars(XlsxBook::series(chart, sheet.range(first, last, 0), sheet.range(first, last, 2), head, 2), blue);
+        chart_axis_set_num_format(chart->x_axis, "0%");
         chart_legend_set_position(chart, LXW_CHART_LEGEND_NONE);
         sheet.chart(head, 4, chart);
         row = std::max(row, head + chartRows) + 1;
@@ -138,7 +139,7 @@ void writeSensitivitySheet(XlsxBook& book, XlsxSheet sheet, const RunResults& re
 void writeTornadoSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& results) {
     sheet.width(0, 0, 26);
     sheet.printWhole();
-    sheet.width(1, 5, 16);
+    sheet.width(1, 6, 16);
     if (results.tornado.empty()) {
         sheet.text(0, 0, "No tornado analysis was asked for (--tornado).");
     }
@@ -148,23 +149,35 @@ void writeTornadoSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& result
         sheet.text(row, 2, "base");
         sheet.number(row++, 3, tornado.base);
         const int head = row++;
-        sheet.header(head, 0, {"Input", "Low", "High", "Swing", "Low less base", "High less base"});
+        sheet.header(head, 0, {"Input", "Low", "High", "Swing", "From the base", "Below the base", "Above the base"});
         const int first = row;
         for (const TornadoInput& input : tornado.inputs) {
+            // A bar covers the values from low to high; it starts away from the base when they are all on one side.
+            const double low = input.low - tornado.base, high = input.high - tornado.base;
+            const double start = high < 0 ? high : low > 0 ? low : 0;
             sheet.text(row, 0, input.name);
             sheet.number(row, 1, input.low);
             sheet.number(row, 2, input.high);
             sheet.number(row, 3, input.swing);
-            sheet.number(row, 4, input.low - tornado.base);
-            sheet.number(row++, 5, input.high - tornado.base);
+            sheet.number(row, 4, std::isnan(low) ? low : start);
+            sheet.number(row, 5, low < 0 ? low - std::min(start, 0.0) : low - low);
+            sheet.number(row++, 6, high > 0 ? high - std::max(start, 0.0) : high - high);
         }
         const int last = std::min(row - 1, first + 14);
-        lxw_chart* chart = book.barChart("Tornado of " + tornado.result, "Change from the base value");
-        colourBars(XlsxBook::series(chart, sheet.range(first, last, 0), sheet.range(first, last, 4), head, 4), orange);
-        colourBars(XlsxBook::series(chart, sheet.range(first, last, 0), sheet.range(first, last, 5), head, 5), blue);
+        lxw_chart* chart = book.barChart("Tornado of " + tornado.result, "Change from the base value", true);
+        const auto bars = [&](int column) {
+            return XlsxBook::series(chart, sheet.range(first, last, 0), sheet.range(first, last, column), head, column);
+        };
+        lxw_chart_fill invisible{};
+        invisible.none = LXW_TRUE;
+        chart_series_set_fill(bars(4), &invisible);
+        colourBars(bars(5), orange);
+        colourBars(bars(6), blue);
+        std::int16_t unseen[] = {0, -1};
+        chart_legend_delete_series(chart, unseen);
         chart_set_series_overlap(chart, 100);
         chart_set_series_gap(chart, 40);
-        sheet.chart(head, 7, chart);
+        sheet.chart(head, 8, chart);
         row = std::max(row, head + chartRows) + 1;
     }
 }
@@ -205,9 +218,9 @@ void writeSpiderSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& results
 }
 
 void writeConvergenceSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& results) {
-    sheet.width(0, 0, 16);
+    sheet.width(0, 0, 26);
     sheet.printWhole();
-    sheet.width(1, 3, 16);
+    sheet.width(1, 4, 16);
     int row = 0;
     if (results.convergence) {
         const Convergence& convergence = *results.convergence;
@@ -215,20 +228,16 @@ void writeConvergenceSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& re
                    "Criterion " + convergence.criterion +
                        (convergence.converged ? ", converged at iteration " + std::to_string(convergence.at)
                                               : ", not converged"));
-        std::vector<std::string> titles{"Iteration"};
-        for (const std::string& name : convergence.watched) {
-            titles.insert(titles.end(), {name + ": lower", name + ": upper", name + ": movement, percent"});
-        }
-        sheet.header(row++, 0, titles);
-        for (const ConvergenceCheck& check : convergence.checks) {
-            sheet.number(row, 0, check.iteration, sheet.formats().whole);
-            int column = 1;
-            for (const ConvergenceBound& bound : check.bounds) {
-                sheet.number(row, column++, bound.lower);
-                sheet.number(row, column++, bound.upper);
-                sheet.number(row, column++, bound.movement);
+        sheet.header(row++, 0, {"Result", "Iteration", "Lower", "Upper", "Movement, %"});
+        for (std::size_t i = 0; i < convergence.watched.size(); ++i) {
+            for (const ConvergenceCheck& check : convergence.checks) {
+                const ConvergenceBound& bound = check.bounds[i];
+                sheet.text(row, 0, bound.name);
+                sheet.number(row, 1, check.iteration, sheet.formats().whole);
+                sheet.number(row, 2, bound.lower);
+                sheet.number(row, 3, bound.upper);
+                sheet.number(row++, 4, bound.movement);
             }
-            ++row;
         }
         ++row;
     }
@@ -251,7 +260,7 @@ void writeConvergenceSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& re
                                             head, column),
                            column == 1 ? blue : grey, column > 1);
             }
-            sheet.chart(head, 5, chart);
+            sheet.chart(head, 6, chart);
         }
         row = std::max(row, head + chartRows) + 1;
     }

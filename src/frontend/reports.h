@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <nlohmann/json_fwd.hpp>
 
@@ -19,6 +20,13 @@ std::string statisticName(int statistic);
 std::string_view kindName(FieldKind kind);
 /// "Normal(mu 5, sigma 2)", "1 to 4", "Mean of B7": what a field is, in one line.
 std::string fieldDescription(const Field& field);
+
+/// A setting of a run and its value, a number in the form that reads back exactly.
+struct SettingText {
+    std::string name;
+    std::string value;
+};
+std::vector<SettingText> settingTexts(const RunResults& results);
 
 /// Fields as `inspect --json` and the run report show them.
 nlohmann::ordered_json fieldsJson(const std::vector<Field>& fields);

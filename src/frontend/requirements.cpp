@@ -270,6 +270,18 @@ void checkRequirement(const Requirement& requirement, const std::vector<Field>& 
         throw Stop(ExitStatus::Model, "requirement \"" + requirement.expression + "\": '" + requirement.name +
                                           "' has no specification limits; give them with --capability");
     }
+    // The index itself says which limit is absent: without it the requirement could never be met.
+    const std::string key = capabilityNames[requirement.capabilityIndex].key;
+    for (const SpecificationLimits& limit : limits) {
+        const bool oneSided = std::isnan(limit.lower) || std::isnan(limit.upper);
+        if (requirement.measure == Measure::Capability && limit.name == requirement.name && oneSided &&
+            (key == "cp" || key == "cpk" || key == "pp" || key == "ppk")) {
+            const bool upper = std::isnan(limit.lower);
+            throw Stop(ExitStatus::Model, "requirement \"" + requirement.expression + "\": '" + requirement.name +
+                                              "' has only " + (upper ? "a USL" : "an LSL") + ", and " + key +
+                                              " needs both limits; use " + key.substr(0, 2) + (upper ? "u" : "l"));
+        }
+    }
 }
 
 RequirementOutcome evaluateRequirement(const Requirement& requirement, const RunResults& results) {

@@ -60,7 +60,8 @@ std::string sentence(int code, const ErrorRecord& first, const std::vector<Field
         case -11:
             return where +
                    " holds a model function that was not there when the run was prepared; a model function "
-                   "must not appear or vanish during a run";
+                   "must not appear or vanish during a run, as it does when an argument is an error or a text "
+                   "before the run, with every input at its default value, and a number later";
         case -13:
             return where + ": more than 10,000 fields";
         case -14:

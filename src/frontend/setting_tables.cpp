@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <set>
 
 #include "frontend/csv.h"
@@ -132,11 +133,18 @@ void checkEntries(const LabelledMatrix& matrix, const std::string& source) {
 
 CellTable tableFromCsv(std::string_view text) {
     CellTable table;
+    // Where the comma is the decimal sign, the semicolon separates.
+    const bool decimalComma = csvSeparator(text) == ';';
     for (auto& row : parseCsv(text)) {
         auto& cells = table.emplace_back();
         for (auto& field : row) {
+            const bool value = decimalComma && !cells.empty() && std::count(field.begin(), field.end(), ',') == 1;
+            std::string point = value ? field : "";
+            std::replace(point.begin(), point.end(), ',', '.');
             if (trimmed(field).empty()) {
                 cells.emplace_back();
+            } else if (const auto number = value ? parseNumber(point) : std::nullopt) {
+                cells.emplace_back(*number);
             } else {
                 cells.emplace_back(std::move(field));
             }

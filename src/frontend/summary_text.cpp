@@ -58,8 +58,11 @@ std::string wrapped(const std::string& text, const std::string& first, const std
     std::string rest = printable(text);
     while (!rest.empty()) {
         const auto blank = rest.find(' ');
-        const std::string word = rest.substr(0, blank);
-        rest = blank == std::string::npos ? "" : rest.substr(blank + 1);
+        const std::size_t longest = bytesWithin(rest, width - displayWidth(later));
+        const bool whole = std::min(blank, rest.size()) <= longest;
+        const std::string word = rest.substr(0, whole ? blank : longest);
+        rest = !whole ? rest.substr(longest) : blank == std::string::npos ? "" : rest.substr(blank + 1);
+        // A word that is longer than a line goes on in the next one.
         if (!empty && displayWidth(current) + 1 + displayWidth(word) > width) {
             out += line(current);
             current = later;
@@ -101,9 +104,10 @@ std::string driversText(const RunResults& results) {
             if (std::isnan(input.contribution)) {
                 continue;
             }
-            text += (text.empty() ? "" : ", ") + input.name + " " + readableNumber(input.contribution * 100, 3) + " %";
+            text += (text.empty() ? "" : ", ") + shortened(input.name, 40) + " " +
+                    readableNumber(input.contribution * 100, 3) + " %";
         }
-        out += text.empty() ? "" : wrapped(sensitivity.result + ": " + text, "  ", "    ");
+        out += text.empty() ? "" : wrapped(shortened(sensitivity.result, 60) + ": " + text, "  ", "    ");
     }
     return out.empty() ? ""
                        : "Share of the variation explained by the strongest inputs (sign: direction)\n" + out + "\n";
@@ -121,20 +125,23 @@ std::string tornadoText(const RunResults& results) {
             columns[1].cells.push_back(readableNumber(tornado.inputs[i].high));
             columns[2].cells.push_back(readableNumber(tornado.inputs[i].swing));
         }
-        out += table("Tornado of " + printable(tornado.result) + ", base " + readableNumber(tornado.base), names,
-                     columns) +
-               "\n";
+        out +=
+            table("Tornado of " + shortened(printable(tornado.result), 40) + ", base " + readableNumber(tornado.base),
+                  names, columns) +
+            "\n";
     }
     return out;
 }
 
 std::string capabilityText(const RunResults& results) {
     std::vector<std::string> names;
-    std::vector<Column> columns{{"LSL", {}}, {"USL", {}}, {"Cp", {}}, {"Cpk", {}}, {"PPM total", {}}};
+    std::vector<Column> columns{{"LSL", {}}, {"USL", {}}, {"Cp", {}},       {"Cpl", {}},
+                                {"Cpu", {}}, {"Cpk", {}}, {"PPM total", {}}};
     for (const Capability& capability : results.capability) {
         names.push_back(capability.limits.name);
         const double values[] = {capability.limits.lower, capability.limits.upper, capability.indices[0],
-                                 capability.indices[3], capability.indices[22]};
+                                 capability.indices[1],   capability.indices[2],   capability.indices[3],
+                                 capability.indices[22]};
         for (std::size_t c = 0; c < columns.size(); ++c) {
             columns[c].cells.push_back(readableNumber(values[c], 4));
         }

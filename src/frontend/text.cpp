@@ -51,6 +51,27 @@ char32_t nextCodePoint(std::string_view text, std::size_t& position) {
     return overlong || c > 0x10FFFF || (c >= 0xD800 && c < 0xE000) ? replacement : c;
 }
 
+struct CodeRange {
+    char32_t first, last;
+};
+/// The larger blocks of Unicode's East Asian Width property W and F.
+constexpr CodeRange wide[] = {{0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041, 0x33FF},  {0x3400, 0x4DBF},
+                              {0x4E00, 0x9FFF},   {0xA000, 0xA4CF},   {0xAC00, 0xD7A3},  {0xF900, 0xFAFF},
+                              {0xFE30, 0xFE4F},   {0xFF00, 0xFF60},   {0xFFE0, 0xFFE6},  {0x1F300, 0x1F64F},
+                              {0x1F680, 0x1F6FF}, {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD}};
+constexpr CodeRange combining[] = {{0x0300, 0x036F}, {0x200B, 0x200F}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}};
+
+/// Columns that a character takes on a terminal.
+std::size_t columnsOf(char32_t c) {
+    const auto holds = [c](const CodeRange& range) { return c >= range.first && c <= range.last; };
+    if (c < 0x300) {
+        return 1;
+    }
+    return std::any_of(std::begin(combining), std::end(combining), holds) ? 0
+           : std::any_of(std::begin(wide), std::end(wide), holds)         ? 2
+                                                                          : 1;
+}
+
 std::u32string codePoints(std::string_view text) {
     std::u32string points;
     for (std::size_t i = 0; i < text.size();) {
@@ -206,16 +227,35 @@ std::string lowerCase(std::string_view text) {
     return lower;
 }
 
-std::size_t displayWidth(std::string_view text) { return codePoints(text).size(); }
+std::size_t displayWidth(std::string_view text) {
+    std::size_t width = 0;
+    for (const char32_t c : codePoints(text)) {
+        width += columnsOf(c);
+    }
+    return width;
+}
+
+std::size_t bytesWithin(std::string_view text, std::size_t width) {
+    std::size_t taken = 0;
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t before = i;
+        taken += columnsOf(nextCodePoint(text, i));
+        if (taken > width) {
+            return before;
+        }
+    }
+    return text.size();
+}
 
 std::string fitLeft(std::string_view text, std::size_t width) {
-    const std::u32string points = codePoints(text);
-    std::string out;
-    const bool cut = points.size() > width;
-    for (std::size_t i = 0; i < (cut ? width - 1 : points.size()); ++i) {
-        appendUtf8(out, points[i]);
-    }
-    return cut ? out + "…" : out + std::string(width - points.size(), ' ');
+    const std::string fitting = shortened(text, width);
+    return fitting + std::string(width - std::min(width, displayWidth(fitting)), ' ');
+}
+
+std::string shortened(std::string_view text, std::size_t width) {
+    return displayWidth(text) <= width
+               ? std::string(text)
+               : std::string(text.substr(0, bytesWithin(text, width > 0 ? width - 1 : 0))) + "…";
 }
 
 std::string fitRight(std::string_view text, std::size_t width) {

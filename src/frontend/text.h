@@ -30,10 +30,14 @@ std::string sheetOfHostName(std::string_view hostName);
 
 std::string_view trimmed(std::string_view text);
 std::string lowerCase(std::string_view text);
-/// Columns that the text takes on a terminal (code points, not bytes).
+/// Columns that the text takes on a terminal: two for East Asian wide characters, none for combining ones.
 std::size_t displayWidth(std::string_view text);
+/// Bytes of the longest beginning of the text that takes at most so many columns.
+std::size_t bytesWithin(std::string_view text, std::size_t width);
 /// The text cut or filled with blanks to a number of columns.
 std::string fitLeft(std::string_view text, std::size_t width);
+/// The text, cut where it takes more columns.
+std::string shortened(std::string_view text, std::size_t width);
 std::string fitRight(std::string_view text, std::size_t width);
 /// The text without control characters, for a terminal or one line of a report.
 std::string printable(std::string_view text);

@@ -118,10 +118,15 @@ private:
     std::vector<bool> wrong_;
 };
 
-/// A band point outside the simulated range is not reported.
+/// A band point outside the simulated range is not reported, nor is a step of a scenario variable beyond its bounds.
 bool outsideRange(const TornadoPlan& plan, IntervalTable& simulated, std::size_t input, int j) {
     const Field& field = plan.fields[input];
-    if (plan.settings.spread != TornadoSpread::Band || field.kind != FieldKind::Distribution) {
+    if (field.kind == FieldKind::Scenario) {
+        const auto [lower, upper, type, step] = field.parameters;
+        const double point = lower + j * step;
+        return type != 1 && (point < lower || point > upper);
+    }
+    if (plan.settings.spread != TornadoSpread::Band) {
         return false;
     }
     const double width = plan.settings.width, last = plan.settings.points - 1;

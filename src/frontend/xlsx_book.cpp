@@ -122,6 +122,8 @@ XlsxBook::XlsxBook() : file_(temporaryName()), book_(workbook_new(file_.c_str())
     formats_.whole = format("#,##0");
     formats_.percent = format("0.0%");
     formats_.text = format(nullptr);
+    formats_.leftNumber = format(nullptr);
+    format_set_align(formats_.leftNumber, LXW_ALIGN_LEFT);
     formats_.wrapped = format(nullptr);
     formats_.good = format(nullptr);
     formats_.bad = format(nullptr);
@@ -147,7 +149,12 @@ XlsxBook::~XlsxBook() {
     unlink(file_.c_str());
 }
 
-XlsxSheet XlsxBook::sheet(const char* name) { return {workbook_add_worksheet(book_, name), name, formats_}; }
+XlsxSheet XlsxBook::sheet(const char* name) {
+    lxw_worksheet* sheet = workbook_add_worksheet(book_, name);
+    // Names and the labels of charts may look like numbers; they are texts on purpose.
+    worksheet_ignore_errors(sheet, LXW_IGNORE_NUMBER_STORED_AS_TEXT, "A1:XFD1048576");
+    return {sheet, name, formats_};
+}
 
 lxw_chart* XlsxBook::chart(lxw_chart_type type, const std::string& title, const std::string& xTitle,
                            const std::string& yTitle) {
@@ -168,8 +175,8 @@ lxw_chart* XlsxBook::chart(lxw_chart_type type, const std::string& title, const 
     return chart;
 }
 
-lxw_chart* XlsxBook::barChart(const std::string& title, const std::string& valueTitle) {
-    lxw_chart* chart = this->chart(LXW_CHART_BAR, title, valueTitle, "");
+lxw_chart* XlsxBook::barChart(const std::string& title, const std::string& valueTitle, bool stacked) {
+    lxw_chart* chart = this->chart(stacked ? LXW_CHART_BAR_STACKED : LXW_CHART_BAR, title, valueTitle, "");
     lxw_chart_axis* categories = chart->y_axis;  // the writer's axes are those of the picture: y is the vertical one
     chart_axis_set_reverse(categories);
     chart_axis_set_crossing_max(categories);  // the values stay at the bottom

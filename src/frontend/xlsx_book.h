@@ -19,6 +19,7 @@ struct XlsxFormats {
     lxw_format* whole;
     lxw_format* percent;
     lxw_format* text;
+    lxw_format* leftNumber;  ///< among texts
     lxw_format* wrapped;
     lxw_format* good;
     lxw_format* bad;
@@ -68,8 +69,8 @@ public:
     /// Charts are put on their sheets in the order in which they are made here: their files are numbered that way.
     lxw_chart* chart(lxw_chart_type type, const std::string& title, const std::string& xTitle,
                      const std::string& yTitle);
-    /// Horizontal bars, the first category on top and all names left of the bars.
-    lxw_chart* barChart(const std::string& title, const std::string& valueTitle);
+    /// Horizontal bars, the first category on top and all names left of the bars. Stacked ones stand one after another.
+    lxw_chart* barChart(const std::string& title, const std::string& valueTitle, bool stacked = false);
     /// A series whose name is a cell's text, so that no name is taken for a formula.
     static lxw_chart_series* series(lxw_chart* chart, const XlsxRange& categories, const XlsxRange& values, int nameRow,
                                     int nameColumn);

@@ -96,6 +96,32 @@ TEST_F(KnownAnswer, MeanCostOfTheProjectFromItsPertTasks) {
     EXPECT_NEAR(entry(json["summary"], "Cost")["mean"], cost, 100);
 }
 
+TEST_F(KnownAnswer, TheTornadoOfTheNewsvendorMovesTheOrderFromBoundToBound) {
+    const auto json = results({example("inventory"), "-n", "5000", "--seed", "5", "--tornado", "--points", "9"});
+    const double demand = entry(json["intervals"], "Demand")["median"];
+    const auto& order = entry(entry(json["tornado"], "Profit", "result")["inputs"], "Order");
+    ASSERT_EQ(order["values"].size(), 9u);
+    for (int j = 0; j < 9; ++j) {
+        const double q = 400 + 30 * j;
+        EXPECT_NEAR(order["values"][j], 6 * std::min(q, demand) - 2 * q, 1e-9);
+    }
+}
+
+TEST_F(KnownAnswer, AScenarioVariableInStepsStaysWithinItsBounds) {
+    Cells cells = sumModel();
+    cells.push_back({"B1", "=QUORVA_SimSVar(\"s\",0,8,2,3,FALSE,0,1)"});
+    cells.push_back({"B2", "=QUORVA_SimRes(\"ten\",10*B1,0,FALSE,1)"});
+    const std::string model = book("m.xlsx", cells);
+    const auto five = results({model, "-n", "100", "--seed", "5", "--tornado"});
+    const auto& values = entry(entry(five["tornado"], "ten", "result")["inputs"], "s");
+    EXPECT_EQ(values["values"], nlohmann::json::parse("[0.0, 30.0, 60.0, null, null]"));
+    EXPECT_EQ(values["high"], 60);
+    EXPECT_EQ(five["warnings"].dump().find("in steps of"), std::string::npos);
+    const auto two = results({model, "-n", "100", "--seed", "5", "--tornado", "--points", "2"});
+    EXPECT_NE(two["warnings"].dump().find("in steps of 3 from 0 to 3 only; --points 3 reaches 6"), std::string::npos)
+        << two["warnings"];
+}
+
 TEST_F(KnownAnswer, TornadoOfALinearModel) {
     const auto json = results({book("m.xlsx", sumModel()), "-n", "5000", "--seed", "7", "--tornado", "--spread", "band",
                                "--width", "0.1", "--base", "default", "--points", "7"});

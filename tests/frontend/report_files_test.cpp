@@ -43,13 +43,15 @@ TEST_F(ReportFile, XlsxReadBackByAnotherProgramHasTheNumbersOfTheJson) {
     if (!hasModule("openpyxl")) {
         GTEST_SKIP() << "python3-openpyxl is not installed";
     }
-    ASSERT_EQ(
-        run({"run", example("inventory"), "-n", "500", "--seed", "2", "--tornado", "--converge", "mean", "--tolerance",
-             "1e-9", "--quiet", "--report", "r.xlsx", "--samples-sheet", "--json", "r.json", "--samples", "r.csv"})
-            .status,
-        0);
-    const Outcome outcome = python("check_xlsx.py", {"r.xlsx", "r.json", "r.csv"});
-    EXPECT_EQ(outcome.status, 0) << outcome.out << outcome.err;
+    for (const std::string name : {"inventory", "tolerance"}) {
+        ASSERT_EQ(
+            run({"run", example(name), "-n", "500", "--seed", "2", "--tornado", "--converge", "mean", "--tolerance",
+                 "1e-9", "--quiet", "--report", "r.xlsx", "--samples-sheet", "--json", "r.json", "--samples", "r.csv"})
+                .status,
+            0);
+        const Outcome outcome = python("check_xlsx.py", {"r.xlsx", "r.json", "r.csv"});
+        EXPECT_EQ(outcome.status, 0) << name << outcome.out << outcome.err;
+    }
 }
 
 TEST_F(ReportFile, NamesAreShownAndNeverRun) {

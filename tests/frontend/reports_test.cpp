@@ -76,6 +76,10 @@ TEST(Summary, IsAtMostAHundredColumnsWide) {
     }
     results.summary[1].name = std::string(150, 'y');
     results.summary[1].mean = -123456789012.25;
+    results.sensitivity[0].result += std::string(120, 'z');
+    results.sensitivity[0].inputs[0].name = std::string(150, 'x');
+    results.tornado.push_back({std::string(140, 't'), 1, {"5.00%"}, {{std::string(150, 'i'), 1, 2, 1, {1}}}});
+    results.warnings.push_back(std::string(250, 'n'));
     results.warnings.push_back("a long warning " + std::string(60, 'w') + " with " + std::string(60, 'v') + " words");
     std::istringstream lines(summaryText(results));
     for (std::string line; std::getline(lines, line);) {

@@ -82,6 +82,21 @@ TEST(Requirement, AnUnknownFieldIsRefusedWithTheNearestName) {
     EXPECT_THROW(checkRequirement(parseRequirement("cpk(Profit) > 1"), run.fields, {}), Stop);
 }
 
+TEST(Requirement, AnIndexOfBothLimitsIsRefusedWhereOneIsAbsent) {
+    const RunResults run = profitRun();
+    const double absent = std::numeric_limits<double>::quiet_NaN();
+    const std::vector<SpecificationLimits> onlyUpper{{"Profit", absent, 5, absent}};
+    try {
+        checkRequirement(parseRequirement("cpk(Profit) > 1"), run.fields, onlyUpper);
+        FAIL();
+    } catch (const Stop& stop) {
+        EXPECT_EQ(stop.status, ExitStatus::Model);
+        EXPECT_THAT(stop.what(), testing::HasSubstr("has only a USL, and cpk needs both limits; use cpu"));
+    }
+    checkRequirement(parseRequirement("cpu(Profit) > 1"), run.fields, onlyUpper);
+    checkRequirement(parseRequirement("ppm(Profit) < 1"), run.fields, onlyUpper);
+}
+
 TEST(Requirement, AValueThatDoesNotExistNeverPasses) {
     RunResults run = profitRun();
     run.summary[0].mean = std::numeric_limits<double>::quiet_NaN();

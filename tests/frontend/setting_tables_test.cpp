@@ -63,6 +63,14 @@ TEST(CapabilityTable, LimitsMayBeAbsentAndAHeaderIsOptional) {
     EXPECT_EQ(capabilityFromTable(tableFromCsv("Gap,1,2\n"), "c.csv").size(), 1u);
 }
 
+TEST(SettingTables, ACommaIsTheDecimalSignWhereTheSemicolonSeparates) {
+    const LabelledMatrix matrix = correlationFromTable(tableFromCsv(";a;b\na;1;0,5\nb;0,5;1\n"), "m.csv");
+    EXPECT_EQ(matrix.at(0, 1), 0.5);
+    const auto limits = capabilityFromTable(tableFromCsv("Name;LSL;USL;Target\n1,5;-0,25;2;\n"), "c.csv");
+    EXPECT_EQ(limits[0].name, "1,5");
+    EXPECT_EQ(limits[0].lower, -0.25);
+}
+
 TEST(CapabilityTable, LimitsOutOfOrderOrMissingAreRefused) {
     EXPECT_THROW(capabilityFromTable(tableFromCsv("Gap,2,1,\n"), "c.csv"), Stop);
     EXPECT_THROW(capabilityFromTable(tableFromCsv("Gap,,,1\n"), "c.csv"), Stop);

@@ -4,6 +4,7 @@
   const charts = [];
   const colour = (name) => getComputedStyle(document.documentElement).getPropertyValue(name).trim();
   const readable = (x) => (x === null || x === undefined || !isFinite(x)) ? '–' : String(Number(Number(x).toPrecision(5)));
+  const percent = (share) => readable(100 * share) + ' %';
   const line = (n) => colour('--c' + (n % 8 + 1));
   const short = (text) => text.length > 28 ? text.slice(0, 27) + '…' : text;
 
@@ -14,9 +15,21 @@
       ticks: { color: colour('--soft'), maxRotation: 0, autoSkipPadding: 12 }
     }, more || {});
   }
-  const numeric = (title, more) => {
+  // As many digits as it takes to tell one tick from the next, however large the numbers are.
+  function tickLabel(value, index, ticks) {
+    if (value === 0) { return '0'; }
+    const step = ticks.length > 1 ? Math.abs(ticks[1].value - ticks[0].value) : Math.abs(value);
+    const top = Math.max(...ticks.map((tick) => Math.abs(tick.value)));
+    const digits = Math.ceil(Math.log10(top / step) + 1e-9) + 1;
+    if ((top >= 1e12 && digits < 8) || top < 1e-5) { return value.toExponential(Math.min(Math.max(digits - 1, 0), 16)); }
+    let decimals = 0;
+    while (decimals < 15 && Math.abs(step * 10 ** decimals - Math.round(step * 10 ** decimals)) > 1e-6) { ++decimals; }
+    return value.toLocaleString('en', { minimumFractionDigits: decimals, maximumFractionDigits: decimals });
+  }
+  const numeric = (title, more, label) => {
     const made = axis(title, Object.assign({ type: 'linear' }, more || {}));
-    made.ticks.callback = (value) => readable(value);
+    made.ticks.callback = label || tickLabel;
+    made.ticks.includeBounds = false;
     return made;
   };
 
@@ -27,66 +40,86 @@
     config.options.plugins = Object.assign({
       legend: { position: 'bottom', labels: { color: colour('--ink'), boxWidth: 14 } }
     }, config.options.plugins || {});
+    Object.keys(config.options.scales).filter((key) => key !== 'x').forEach((key) => {
+      config.options.scales[key].ticks.autoSkipPadding = 2;
+    });
     charts.push(new Chart(canvas, config));
     canvas.dataset.drawn = 'true';
   }
 
-  function histogram(id, h) {
-    const middle = h.counts.map((_, i) => (h.edges[i] + h.edges[i + 1]) / 2);
-    const total = h.counts.reduce((a, b) => a + b, 0);
+  // Bars stand over their classes; the cumulative line reaches a class's share at its upper end.
+  function histogram(id, h, name) {
+    const edges = h.edges, total = h.counts.reduce((a, b) => a + b, 0);
+    const points = [{ x: edges[0], y: 0 }].concat(h.cumulative.map((y, i) => ({ x: edges[i + 1], y: y })));
     draw(id, {
       data: {
-        labels: middle.map(readable),
         datasets: [
-          { type: 'line', label: 'Cumulative share', data: h.cumulative, yAxisID: 'share', borderColor: colour('--c2'),
-            backgroundColor: colour('--c2'), pointRadius: 0, pointHitRadius: 8, borderWidth: 2, stepped: false },
-          { type: 'bar', label: 'Iterations', data: h.counts, backgroundColor: colour('--c1'), categoryPercentage: 1,
-            barPercentage: 0.96 }
+          { type: 'line', label: 'Cumulative share', data: points, yAxisID: 'share', borderColor: colour('--c2'),
+            backgroundColor: colour('--c2'), pointRadius: 0, pointHitRadius: 8, borderWidth: 2 },
+          { type: 'bar', label: 'Iterations', data: h.counts.map((n, i) => ({ x: (edges[i] + edges[i + 1]) / 2, y: n })),
+            backgroundColor: colour('--c1'), categoryPercentage: 1, barPercentage: 0.96 }
         ]
       },
       options: {
-        interaction: { mode: 'index', intersect: false },
+        interaction: { mode: 'nearest', axis: 'x', intersect: false },
         scales: {
-          x: axis(''), y: numeric('Iterations', { beginAtZero: true }),
-          share: numeric('Cumulative share', { position: 'right', min: 0, max: 1, grid: { drawOnChartArea: false } })
+          x: numeric(short(name), { min: edges[0], max: edges[edges.length - 1], offset: false,
+            grid: { color: colour('--line'), offset: false } }),
+          y: numeric('Iterations', { beginAtZero: true }),
+          share: numeric('Cumulative share', { position: 'right', min: 0, max: 1, grid: { drawOnChartArea: false } }, percent)
         },
         plugins: { tooltip: { callbacks: {
-          title: (items) => readable(h.edges[items[0].dataIndex]) + ' to ' + readable(h.edges[items[0].dataIndex + 1]),
+          title: (items) => items[0].dataset.type === 'bar'
+            ? readable(edges[items[0].dataIndex]) + ' to ' + readable(edges[items[0].dataIndex + 1]) : readable(items[0].parsed.x),
           label: (item) => item.dataset.type === 'bar'
-            ? item.raw + ' iterations (' + readable(100 * item.raw / total) + ' %)'
-            : readable(100 * item.raw) + ' % at or below'
+            ? item.parsed.y + ' iterations (' + percent(item.parsed.y / total) + ')' : percent(item.parsed.y) + ' at or below'
         } } }
       }
     });
   }
 
-  function bars(id, names, series, xTitle, tip) {
+  function bars(id, names, series, xAxis, tip, plugins) {
+    const canvas = document.getElementById(id);
+    if (canvas) { canvas.parentNode.style.minHeight = (6 + 1.1 * names.length) + 'rem'; }
+    const categories = axis('', { stacked: true });
+    Object.assign(categories.ticks, { autoSkip: false, font: { size: names.length > 10 ? 10 : 12 } });
     draw(id, {
       type: 'bar',
-      data: { labels: names.map(short), datasets: series },
+      data: { labels: names.map(short), datasets: series.map((s) => Object.assign({ maxBarThickness: 40 }, s)) },
       options: {
         indexAxis: 'y',
-        scales: { x: numeric(xTitle), y: axis('', { stacked: true }) },
+        scales: { x: xAxis, y: categories },
         plugins: { legend: { display: series.length > 1, position: 'bottom', labels: { color: colour('--ink'), boxWidth: 14 } },
           tooltip: { callbacks: { title: (items) => names[items[0].dataIndex], label: tip } } }
-      }
+      },
+      plugins: plugins || []
     });
   }
 
+  // A bar covers the values that the result took, be they on one side of the base or on both.
   function tornado(id, t) {
-    const inputs = t.inputs.slice(0, 15);
-    const side = (key, label, name) => ({ label: label, backgroundColor: colour(name), grouped: false,
-      data: inputs.map((i) => i[key] === null || t.base === null ? null : [t.base, i[key]]) });
-    bars(id, inputs.map((i) => i.name), [side('low', 'Lowest', '--c2'), side('high', 'Highest', '--c1')], t.result,
-      (item) => item.dataset.label + ' ' + readable(item.raw[1]) + ', swing ' + readable(inputs[item.dataIndex].swing));
-    const chart = charts[charts.length - 1];
-    const values = inputs.flatMap((i) => [i.low, i.high]).concat(t.base).filter((x) => x !== null);
-    if (chart && chart.canvas.id === id && values.length) {
-      const low = Math.min(...values), high = Math.max(...values), room = (high - low) * 0.05 || Math.abs(high) * 0.05 || 1;
-      chart.options.scales.x.min = low - room;
-      chart.options.scales.x.max = high + room;
-      chart.update('none');
-    }
+    const inputs = t.inputs.slice(0, 15), base = t.base;
+    const known = (i) => i.low !== null && i.high !== null && base !== null;
+    const below = inputs.map((i) => known(i) && i.low < base ? [i.low, Math.min(i.high, base)] : null);
+    const above = inputs.map((i) => known(i) && i.high > base ? [Math.max(i.low, base), i.high] : null);
+    const side = (ranges, label, name) => ({ label: label, backgroundColor: colour(name), grouped: false, data: ranges });
+    const atBase = { id: 'base', afterDatasetsDraw: (chart) => {
+      if (base === null) { return; }
+      const area = chart.chartArea, x = chart.scales.x.getPixelForValue(base);
+      chart.ctx.save();
+      chart.ctx.strokeStyle = colour('--ink');
+      chart.ctx.beginPath();
+      chart.ctx.moveTo(x, area.top);
+      chart.ctx.lineTo(x, area.bottom);
+      chart.ctx.stroke();
+      chart.ctx.restore();
+    } };
+    const room = base === null ? {} : { suggestedMin: base, suggestedMax: base };
+    bars(id, inputs.map((i) => i.name), [side(below, 'Below the base', '--c2'), side(above, 'Above the base', '--c1')],
+      numeric(short(t.result), Object.assign({ beginAtZero: false }, room)), (item) => {
+        const input = inputs[item.dataIndex];
+        return readable(input.low) + ' to ' + readable(input.high) + ', swing ' + readable(input.swing);
+      }, [atBase]);
   }
 
   function lines(id, labels, series, xTitle, yTitle, linear) {
@@ -104,7 +137,7 @@
   function spider(id, t) {
     lines(id, t.points, t.inputs.slice(0, 8).map((input, n) => ({
       label: short(input.name), data: input.values, borderColor: line(n), backgroundColor: line(n), pointRadius: 3, borderWidth: 2
-    })), 'Position of the input', t.result, false);
+    })), 'Position of the input', short(t.result), false);
   }
 
   function trace(id, t) {
@@ -123,7 +156,7 @@
       data: { datasets: [{ label: s.input, data: s.x.map((x, i) => ({ x: x, y: s.y[i] })), pointRadius: 2,
         backgroundColor: colour('--c1') + '99', borderWidth: 0 }] },
       options: {
-        scales: { x: numeric(s.input), y: numeric(result) },
+        scales: { x: numeric(short(s.input)), y: numeric(short(result)) },
         plugins: { legend: { display: false }, tooltip: { callbacks: {
           label: (item) => readable(item.parsed.x) + ' → ' + readable(item.parsed.y) } } }
       }
@@ -133,14 +166,14 @@
   function drawAll() {
     charts.splice(0).forEach((chart) => chart.destroy());
     data.results.forEach((r, i) => {
-      if (r.histogram) { histogram('histogram-' + i, r.histogram); }
+      if (r.histogram) { histogram('histogram-' + i, r.histogram, r.name); }
       if (r.tornado) { tornado('tornado-' + i, r.tornado); spider('spider-' + i, r.tornado); }
       if (r.sensitivity) {
         const inputs = r.sensitivity.slice(0, 15);
         bars('sensitivity-' + i, inputs.map((s) => s.name), [{ label: 'Contribution, %',
           data: inputs.map((s) => s.contribution === null ? null : 100 * s.contribution),
           backgroundColor: inputs.map((s) => colour(s.contribution < 0 ? '--c2' : '--c1')) }],
-          'Share of the explained variation, % (sign: direction)',
+          numeric('Share of the explained variation, % (sign: direction)'),
           (item) => readable(item.raw) + ' %, correlation ' + readable(inputs[item.dataIndex].correlation));
       }
       if (r.trace) { trace('trace-' + i, r.trace); }
