@@ -95,6 +95,18 @@ TEST_F(SummaryOfARun, IntervalsAreQuantilesMedianAndExtremes) {
     EXPECT_EQ(summary.interval(1, 5), 100.0);
 }
 
+TEST_F(SummaryOfARun, EveryFieldOfEveryKindHasItsIntervals) {
+    Summary summary;
+    summary.end(0.25, 101);
+    for (int field = 1; field <= 4; ++field) {
+        EXPECT_EQ(summary.interval(field, 1), 100 * field + 26) << field;
+        EXPECT_EQ(summary.interval(field, 2), 100 * field + 51) << field;
+        EXPECT_EQ(summary.interval(field, 3), 100 * field + 76) << field;
+        EXPECT_EQ(summary.interval(field, 4), 100 * field + 1) << field;
+        EXPECT_EQ(summary.interval(field, 5), 100 * field + 101) << field;
+    }
+}
+
 TEST_F(SummaryOfARun, IntervalsInterpolateBetweenOrderStatistics) {
     const double values[] = {4, -2, 10, 1};
     std::copy(std::begin(values), std::end(values), run.sampling.SampleStore.column(2));
@@ -140,6 +152,10 @@ TEST_F(SummaryOfARun, IntervalsCoverTheIterationsAskedForWithinTheStore) {
     Summary summary;
     summary.end(0.05, 11);
     EXPECT_EQ(summary.interval(1, 5), 111.0);
+    summary.end(0.05, 1);
+    for (int c = 1; c <= 5; ++c) {
+        EXPECT_EQ(summary.interval(1, c), 101.0);
+    }
     summary.end(0.05, std::numeric_limits<int>::max());
     EXPECT_EQ(summary.interval(1, 5), 201.0);
     summary.end(0.05, 0);

@@ -333,6 +333,14 @@ TEST_F(TornadoTable, FewerColumnsThanInputsDropTheRest) {
     EXPECT_EQ(received.TorT(5, 1), 15.0);
 }
 
+TEST_F(TornadoTable, OnlyTheCasesAskedForAreFilled) {
+    matrix<double> TorT(5, 3, 4242.0);
+    matrix<int> FieldInd(3, 1), ResInd(4, 1);
+    matrix<std::u16string> FieldName(3, 1);
+    GetTornado(2, 3, &TorT, &FieldInd, &ResInd, &FieldName);
+    EXPECT_THAT(column(TorT, 2), ElementsAre(31, 32, 4242, 4242, 4242));
+}
+
 TEST_F(TornadoTable, CasesBeyondTheStoreReadMinusOne) {
     const Received received(7, 3);
     EXPECT_THAT(column(received.TorT, 2), ElementsAre(31, 32, 33, 34, 35, -1, -1));
