@@ -198,6 +198,13 @@ TEST_F(SummaryOfARun, ConvergenceResultsComeWithTheNamesOfTheirFields) {
     EXPECT_EQ(summary.pConv, 4);  // the last column with a field, not a count
 }
 
+TEST_F(SummaryOfARun, TheFirstFieldCanBeMonitored) {
+    monitor(hostTrue, {1, 1, 2, 2});
+    Summary summary;
+    summary.end(0.05, 101);
+    EXPECT_THAT(summary.ConvStr.texts(), ElementsAre(u"a", u"a", u"b", u"b"));
+}
+
 TEST_F(SummaryOfARun, ColumnsWithoutAFieldKeepTheirName) {
     monitor(hostTrue, {3, 3, 0, -1});
     Summary summary;
