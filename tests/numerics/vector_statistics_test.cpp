@@ -147,6 +147,43 @@ TEST(VectorStatistics, AbsoluteDeviationsFrequenciesAndExtremes) {
     EXPECT_EQ(V_Min(values, 0, nullptr), MissingValue);
 }
 
+/// Everything that observations, flags and weights enter.
+std::vector<double> allStatistics(const std::vector<double>& x, const short* flags, const double* weights) {
+    const int n = static_cast<int>(x.size());
+    std::vector<double> found(16);
+    V_MeanVarSkewPKurtP(x.data(), n, found[0], found[1], found[2], found[3], found[4], found[5], found[6], found[7],
+                        flags, weights, 0, 0);
+    V_MeanStdev(x.data(), n, found[8], found[9], flags, weights, hostTrue, 0);
+    V_MeanStdev(x.data(), n, found[8], found[10], flags, weights, 0, 0);
+    V_GMeanGSD(x.data(), n, flags, weights, found[11], found[12]);
+    found[13] = V_HarmonicMean(x.data(), n, flags, weights);
+    found[14] = V_MeanAbsDev(x.data(), n, 3.25, flags, weights);
+    found[15] = V_MedianAbsDev(x.data(), n, 3.25, flags, weights);
+    return found;
+}
+
+void expectAlmostEqual(const std::vector<double>& found, const std::vector<double>& expected) {
+    ASSERT_EQ(found.size(), expected.size());
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        EXPECT_NEAR(found[i], expected[i], 1e-14 * std::abs(expected[i])) << i;
+    }
+}
+
+TEST(VectorStatistics, FlaggedObservationsTakeNoPart) {
+    const short flags[] = {0, -1, 0, 0, 1, 0, 0};
+    const double weights[] = {1, 5, 1, 1, 5, 1, 1};
+    const std::vector<double> given{1.5, -3, 2.25, 9, 1e6, 4, 3};
+    const auto expected = allStatistics({1.5, 2.25, 9, 4, 3}, nullptr, nullptr);
+    expectAlmostEqual(allStatistics(given, flags, nullptr), expected);
+    expectAlmostEqual(allStatistics(given, flags, weights), expected);
+}
+
+TEST(VectorStatistics, WholeWeightsEqualRepetitionInEveryStatistic) {
+    const double weights[] = {2, 0, 1, 3};
+    expectAlmostEqual(allStatistics({1.5, 7, 2.25, 9}, nullptr, weights),
+                      allStatistics({1.5, 9, 2.25, 9, 1.5, 9}, nullptr, nullptr));
+}
+
 TEST(VectorStatistics, LargeSampleBoundsOfAQuantileAreOrderStatistics) {
     std::vector<double> values(400);
     for (int i = 0; i < 400; ++i) {
@@ -158,8 +195,30 @@ TEST(VectorStatistics, LargeSampleBoundsOfAQuantileAreOrderStatistics) {
     V_ConfQuantilesLargeSample(values.data(), 400, 0.5, 0.975, lower, upper);
     EXPECT_EQ(lower, 180);
     EXPECT_EQ(upper, 220);
+    // 40 -+ 1.6449 * 6 = 30.13 and 49.87: whole ranks outwards, not the nearest
+    V_ConfQuantilesLargeSample(values.data(), 400, 0.1, 0.95, lower, upper);
+    EXPECT_EQ(lower, 30);
+    EXPECT_EQ(upper, 50);
+    // 399.6 -+ 1.24 and 0.4 -+ 1.24: kept within the sample
     V_ConfQuantilesLargeSample(values.data(), 400, 0.999, 0.975, lower, upper);
+    EXPECT_EQ(lower, 398);
     EXPECT_EQ(upper, 400);
+    V_ConfQuantilesLargeSample(values.data(), 400, 0.001, 0.975, lower, upper);
+    EXPECT_EQ(lower, 1);
+    EXPECT_EQ(upper, 2);
+    // The ends of the probabilities have no width.
+    V_ConfQuantilesLargeSample(values.data(), 400, 0, 0.975, lower, upper);
+    EXPECT_EQ(lower, 1);
+    EXPECT_EQ(upper, 1);
+    V_ConfQuantilesLargeSample(values.data(), 400, 1, 1, lower, upper);
+    EXPECT_EQ(lower, 400);
+    EXPECT_EQ(upper, 400);
+    V_ConfQuantilesLargeSample(values.data(), 1, 0.5, 0.975, lower, upper);
+    EXPECT_EQ(lower, 1);
+    EXPECT_EQ(upper, 1);
+    V_ConfQuantilesLargeSample(values.data(), 400, 1.01, 0.975, lower, upper);
+    EXPECT_EQ(lower, MissingValue);
+    EXPECT_EQ(upper, MissingValue);
     V_ConfQuantilesLargeSample(values.data(), 400, 0.5, 1, lower, upper);
     EXPECT_EQ(lower, 1);
     EXPECT_EQ(upper, 400);

@@ -141,6 +141,16 @@ TEST_F(Sensitivity, RowsBeyondTheDistributionsAreComputedFromWhatTheCallerPassed
     EXPECT_DOUBLE_EQ(table(2, 4), 0.25);
 }
 
+TEST_F(Sensitivity, RowsBeyondThoseAskedForStay) {
+    fillRun({1, 1, 1, 3}, 2);
+    matrix<double> associations(4, 4, 0.5);
+    matrix<double> table(3, 4, 99.0);
+    GetSensitivity(4, &associations, 2, 4, 1, &table);
+    EXPECT_THAT(column(table, 1), ElementsAre(1, 2, 99));
+    EXPECT_DOUBLE_EQ(table(2, 3), 1 / 3.0);  // the sum takes in the third
+    EXPECT_THAT(column(table, 4), ElementsAre(testing::DoubleEq(1 / 3.0), testing::DoubleEq(1 / 3.0), 99));
+}
+
 TEST_F(Sensitivity, NoRowsAreNothingToDo) {
     fillRun({1, 3}, 2);
     for (const int rows : {0, -1, std::numeric_limits<int>::min()}) {
