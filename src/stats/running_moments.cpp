@@ -26,7 +26,7 @@ void update(matrix<double>& flags, int field, double x) {
     const double b2 = std::pow(b, 2.0);
     const double d2 = std::pow(d, 2.0);
     m4 += std::pow(d, 4.0) * ((6.0 * b - 4.0 - 3.0 * b2) * b + 1.0) + (3.0 * b * d * m2 - 2.0 * m3) * (2.0 * b * d);
-    m3 += std::pow(d, 3.0) * (1.0 - 3.0 * b + 2.0 * b2) - 3.0 * b * d * m2;
+    m3 = m3 + std::pow(d, 3.0) * (1.0 - 3.0 * b + 2.0 * b2) - 3.0 * b * d * m2;
     m2 += d2 * (1.0 - b);
     mean += d * b;
 }

@@ -134,6 +134,28 @@ TEST_F(RunningMoments, TheThirdSumOfASkewedSeries) {
     EXPECT_NEAR(get(momentcolumn::m4), 1344, 1e-11);
 }
 
+// Reports are compared from one version to the next: the sums are taken in one order, to the last bit.
+TEST_F(RunningMoments, TheSumsAreTakenInOneOrder) {
+    double n = 0.0, mean = 0.0, m2 = 0.0, m3 = 0.0, m4 = 0.0;
+    for (int i = 1; i <= 500; ++i) {
+        const double x = std::sin(i * 1.7) * i - 20.0;
+        CalcSimStat(1, x);
+        n += 1.0;
+        const double d = x - mean;
+        const double b = 1.0 / n;
+        const double b2 = std::pow(b, 2.0);
+        m4 = m4 + (std::pow(d, 4.0) * ((6.0 * b - 4.0 - 3.0 * b2) * b + 1.0) +
+                   (3.0 * b * d * m2 - 2.0 * m3) * (2.0 * b * d));
+        m3 = m3 + std::pow(d, 3.0) * (1.0 - 3.0 * b + 2.0 * b2) - 3.0 * b * d * m2;
+        m2 = m2 + std::pow(d, 2.0) * (1.0 - b);
+        mean = mean + d * b;
+    }
+    EXPECT_EQ(get(momentcolumn::mean), mean);
+    EXPECT_EQ(get(momentcolumn::m2), m2);
+    EXPECT_EQ(get(momentcolumn::m3), m3);
+    EXPECT_EQ(get(momentcolumn::m4), m4);
+}
+
 TEST_F(RunningMoments, PastTheLastIterationTheRowsStartAgainOneBelow) {
     normal({0, 0}, "x");
     result({0, 1}, "y", [] { return 4.0; });
