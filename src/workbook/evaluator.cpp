@@ -219,10 +219,10 @@ Value Evaluator::evaluate(const Node& node) {
 }
 
 Value Evaluator::unary(const Node& node) {
-    if (node.op == Operator::Plus) {
-        return evaluate(node.children[0]);
-    }
     const Value value = evaluateOperand(node.children[0]);
+    if (node.op == Operator::Plus) {
+        return value;  // any value as it is, but no reference any more: EDATE(+A1:A3,1) maps over an array
+    }
     const auto apply = [&](const Value& x, const Value&) -> Value {
         const auto number = toNumber(x, call.date1904);
         if (!number) {

@@ -164,6 +164,12 @@ constexpr FunctionRow row(std::string_view name, std::string_view kinds, Functio
             .function = function};
 }
 
+constexpr FunctionRow parityRow(std::string_view name, Function function) {
+    FunctionRow one = row(name, "S", function);
+    one.refusesRanges = true;
+    return one;
+}
+
 constexpr FunctionRow table[] = {
     logic("AND", 1, anyCount, "R", conjunction),
     logic("FALSE", 0, 0, "", never),
@@ -176,12 +182,12 @@ constexpr FunctionRow table[] = {
     row("ISBLANK", "E", isBlank),
     row("ISERR", "E", isOtherError),
     row("ISERROR", "E", isError),
-    row("ISEVEN", "S", isEven),
+    parityRow("ISEVEN", isEven),
     row("ISLOGICAL", "E", isLogical),
     row("ISNA", "E", isNotAvailable),
     row("ISNONTEXT", "E", isNonText),
     row("ISNUMBER", "E", isNumber),
-    row("ISODD", "S", isOdd),
+    parityRow("ISODD", isOdd),
     row("ISTEXT", "E", isText),
     row("N", "C", asNumber),
     row("NA", "", notAvailable, 0),
