@@ -10,7 +10,6 @@ namespace {
 
 constexpr int deepestEvaluation = 6000;
 constexpr int deepestLambda = 700;
-constexpr std::int64_t largestArray = 1 << 24;
 
 Value raise(double base, double exponent) {
     if (base == 0 && exponent == 0) {

@@ -45,6 +45,8 @@ struct LambdaBody : Body {
     std::shared_ptr<const Scope> scope;
 };
 
+constexpr std::int64_t largestArray = 1 << 24;  ///< elements
+
 struct Evaluator {
     /// How ranges in a scalar's place are taken: intersected; mapped because a function wants an array; mapped because
     /// the whole formula is an array formula.

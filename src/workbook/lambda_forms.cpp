@@ -28,7 +28,7 @@ public:
     Elements(Evaluator& evaluator, Value value) : value_(std::move(value)) {
         const bool block = value_.isReference() && value_.areas().size() == 1;
         if (block &&
-            static_cast<std::int64_t>(value_.areas()[0].rows()) * value_.areas()[0].columns() <= largestBlock) {
+            static_cast<std::int64_t>(value_.areas()[0].rows()) * value_.areas()[0].columns() <= largestArray) {
             rows_ = value_.areas()[0].rows();
             columns_ = value_.areas()[0].columns();
             return;
@@ -50,8 +50,6 @@ public:
     Value column(int column) const { return block(0, column, rows_ - 1, column); }
 
 private:
-    static constexpr std::int64_t largestBlock = 1 << 24;
-
     Value block(int top, int left, int bottom, int right) const {
         if (value_.isReference()) {
             const Area& all = value_.areas()[0];
@@ -95,6 +93,9 @@ Value Evaluator::mapForm(const Node& node) {
         arrays.emplace_back(*this, evaluate(node.children[i]));
         rows = std::max(rows, arrays.back().rows());
         columns = std::max(columns, arrays.back().columns());
+    }
+    if (static_cast<std::int64_t>(rows) * columns > largestArray) {
+        return ErrorCode::Num;
     }
     const Value lambda = evaluate(node.children.back());
     call.spend(static_cast<double>(rows) * columns);
@@ -164,7 +165,7 @@ Value Evaluator::makeArrayForm(const Node& node) {
             return ErrorCode::Value;
         }
     }
-    if (size[0] * size[1] > (1 << 24)) {
+    if (size[0] * size[1] > largestArray) {
         return ErrorCode::Num;
     }
     const Value lambda = evaluate(node.children[2]);

@@ -208,6 +208,9 @@ Value Evaluator::forEachReference(std::span<const Value> values,
         rows = std::max(rows, value.isArray() ? value.arrayRows() : 1);
         columns = std::max(columns, value.isArray() ? value.arrayColumns() : 1);
     }
+    if (static_cast<std::int64_t>(rows) * columns > largestArray) {
+        return ErrorCode::Num;
+    }
     call.spend(static_cast<double>(rows) * columns);
     std::vector<Value> references;
     std::vector<Value> one(values.size());
