@@ -71,25 +71,30 @@ void reregisterModelFunctions(int unregisterForm, Recalculation recalculation) {
     addIn.modelIsVolatile = recalculation == Recalculation::Always;
 }
 
+/// What the add-in manager was answered last.
+struct ManagerAnswer {
+    XLOPER value{};
+    std::unique_ptr<char[]> text;
+};
+
+ManagerAnswer managerAnswer;
+
 /// The add-in manager's answer. The first byte of the text is a blank where the host expects the length; intended, it
 /// has always answered so.
-XLOPER* managerInfo(XLOPER* action) {
+void answerManager(XLOPER* action) {
     static constexpr std::string_view name{" QUORVAMC4R", 12};
-    static std::unique_ptr<char[]> text;
-    static XLOPER answer{};
+    XLOPER& answer = managerAnswer.value;
+    answer.value.error = hosterror::value;
+    answer.type = hosttype::error;
 
     XLOPER number{};
     callHost(hostfunction::coerce, &number, action, tempInteger(hosttype::integer));
     if (number.type == hosttype::integer && number.value.integer == 1) {
-        text = std::make_unique<char[]>(name.size() + 1);
-        std::copy(name.begin(), name.end(), text.get());
-        answer.value.text = text.get();
+        managerAnswer.text = std::make_unique<char[]>(name.size() + 1);
+        std::copy(name.begin(), name.end(), managerAnswer.text.get());
+        answer.value.text = managerAnswer.text.get();
         answer.type = hosttype::text;
-    } else {
-        answer.value.error = hosterror::value;
-        answer.type = hosttype::error;
     }
-    return &answer;
 }
 
 }  // namespace
@@ -118,7 +123,8 @@ int xlAutoClose() {
 }
 
 XLOPER* xlAddInManagerInfo(XLOPER* action) {
-    return guarded([&] { return managerInfo(action); }, static_cast<XLOPER*>(nullptr));
+    guarded([&] { answerManager(action); });
+    return &managerAnswer.value;
 }
 
 void Cpp_SimVolatile() {

@@ -3,12 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "host/scratch.h"
 #include "platform/platform.h"
+#include "quorva/add_in.h"
 #include "scripted_host.h"
 
 namespace {
@@ -143,6 +146,16 @@ TEST_F(Bridge, LongerTextIsCutAfter255Characters) {
 }
 
 TEST_F(Bridge, IntegerKeepsItsSign) { EXPECT_EQ(tempInteger(-5)->value.integer, -5); }
+
+TEST_F(Bridge, TheAddInManagerIsAnsweredEvenWhenMemoryRunsOut) {
+    EXPECT_EQ(xlAddInManagerInfo(host().plainNumber(1.0))->type, hosttype::text);
+    host().override = [](int, XLOPER*, int, XLOPER**) -> std::optional<int> { throw std::bad_alloc(); };
+    const XLOPER* answer = xlAddInManagerInfo(host().plainNumber(1.0));
+    host().override = nullptr;
+    ASSERT_NE(answer, nullptr);
+    EXPECT_EQ(answer->type, hosttype::error);
+    EXPECT_EQ(answer->value.error, hosterror::value);
+}
 
 TEST(WideFromHostText, ReadsACountedTextByItsLengthAlone) {
     EXPECT_EQ(wideFromHostText("\x03"
