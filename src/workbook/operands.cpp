@@ -137,7 +137,11 @@ Node Parser::primaryWithoutPostfix() {
         return quotedText();
     }
     if (c == '#') {
-        return errorLiteral();
+        Node error = errorLiteral();
+        if (error.value.error() == ErrorCode::Ref) {
+            cellOfLostSheet();
+        }
+        return error;
     }
     if (c == '{') {
         return arrayConstant();
@@ -230,6 +234,19 @@ Node Parser::errorLiteral() {
         }
     }
     fail("an error value is not known");
+}
+
+/// #REF!A1, #REF!$A$1:$B$2, #REF!#REF!: a cell of a sheet that was deleted is #REF! as a whole.
+void Parser::cellOfLostSheet() {
+    const std::string_view lost = errorText(ErrorCode::Ref);
+    if (text_.substr(at_).starts_with(lost)) {
+        at_ += lost.size();
+        return;
+    }
+    if (!token().empty() && peek() == ':' && isNamePart(peek(1))) {
+        ++at_;
+        token();
+    }
 }
 
 Value Parser::arrayElement() {
@@ -578,6 +595,7 @@ bool Parser::variableAhead(std::string_view& name, bool& optional) {
         ok = ok && accept(']');
     }
     if (ok && accept(',')) {
+        optional = optional || toLower(name).starts_with("_xlop.");  // as files write [name]
         name = withoutPrefix(name);
         return true;
     }

@@ -35,6 +35,7 @@ private:
     std::string quoted(char mark, const char* unfinished);
     Node quotedText();
     Node errorLiteral();
+    void cellOfLostSheet();
     Node arrayConstant();
     Value arrayElement();
     Node quotedSheet();

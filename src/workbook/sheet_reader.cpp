@@ -108,9 +108,13 @@ struct SheetReader {
             cell.value = Value(std::string_view(text) == "1" || std::string_view(text) == "true");
         } else if (type == "e") {
             ErrorCode code = ErrorCode::Value;
-            if (!errorFromText(text, code)) {
+            const bool known = errorFromText(text, code);
+            const bool formula = static_cast<bool>(child(node, "f"));
+            if (!known && !formula) {
                 fail(std::string("the error value ") + text + " is not known");
             }
+            // Errors younger than the format (#SPILL!, #CALC! ...) are saved as #VALUE! with what they are elsewhere.
+            cell.hasValue = known && !(formula && code == ErrorCode::Value && attribute(node, "vm"));
             cell.value = code;
         } else if (type == "d") {
             std::string date = text;

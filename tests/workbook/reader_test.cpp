@@ -62,6 +62,17 @@ TEST(Reader, ReadsEveryTypeOfCell) {
     EXPECT_EQ(cells[7].formula, "A1");
 }
 
+TEST(Reader, TakesSavedErrorsThatTheFormatCannotExpressForNone) {
+    const auto book = readRows(
+        "<row r=\"1\"><c r=\"A1\" t=\"e\" vm=\"1\"><f>B1:B3</f><v>#VALUE!</v></c><c r=\"B1\" t=\"e\"><f>1</f>"
+        "<v>#BUSY!</v></c><c r=\"C1\" t=\"e\"><f>\"a\"+1</f><v>#VALUE!</v></c></row>");
+    const auto& cells = book->sheets[0].cells;
+    ASSERT_EQ(cells.size(), 3u);
+    EXPECT_FALSE(cells[0].hasValue);
+    EXPECT_FALSE(cells[1].hasValue);
+    EXPECT_TRUE(cells[2].hasValue);
+}
+
 TEST(Reader, CountsCellsAndRowsWithoutAPosition) {
     const auto book = readRows("<row><c><v>1</v></c><c><v>2</v></c></row><row><c><v>3</v></c></row>");
     const auto& cells = book->sheets[0].cells;
