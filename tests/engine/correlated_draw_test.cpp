@@ -4,6 +4,7 @@
 
 #include "model_test.h"
 #include "numerics/core.h"
+#include "numerics/uniforms.h"
 
 using namespace quorva;
 using namespace quorva::testing;
@@ -250,6 +251,53 @@ TEST_F(CorrelatedDraw, TheOpeningLabelKeepsItsOwnUniformUnlessItsLawIsNormal) {
     EXPECT_NEAR(run.fields.FieldTable(opening, fieldcolumn::correlatedDraw),
                 CDFNormalStd(run.correlation.CorrNormals(1, 1)), 1e-12);
     EXPECT_EQ(run.fields.FieldTable(numberOf(u"x02"), fieldcolumn::correlatedDraw), 0.0);
+}
+
+TEST_F(CorrelatedDraw, BoundsOfAJointDrawAreInclusive) {
+    start(2, {1, 0, 0, 1}, 10, 0, exponential);
+    Cpp_SimNext();
+    SeedState& seed = run.sampling.seed;
+    const SeedState before = seed;
+    getNormalCorr(1, &seed.seed, hostTrue, &seed.updated);
+    for (int label = 1; label <= 2; ++label) {
+        const double drawn = run.correlation.CorrUniforms(label, 1);
+        run.fields.FieldTable(label, fieldcolumn::lowerProbability) = drawn;
+        run.fields.FieldTable(label, fieldcolumn::upperProbability) = drawn;
+    }
+    const double first = run.correlation.CorrUniforms(1, 1);
+    Cpp_SimNext();
+    int from = before.seed;
+    short keep = hostTrue;
+    int updated = 0;
+    GetSeed(&from, &keep, &updated);
+    EXPECT_EQ(getNormalCorr(1, &from, keep, &updated), first);
+    EXPECT_EQ(from, seed.seed) << "accepted at the first attempt";
+    EXPECT_EQ(run.error.flag, hostFalse);
+}
+
+TEST_F(CorrelatedDraw, TheAttemptAfterTheLimitIsAnErrorEvenInsideTheBounds) {
+    start(2, {1, 0, 0, 1}, 10, 0, exponential);
+    SeedState& seed = run.sampling.seed;
+    int from = seed.seed;
+    std::vector<double> drawn;  // the second label's uniform in each attempt
+    for (int attempt = 0; attempt < 10'002; ++attempt) {
+        Cpp_SimNext();
+        getNormalCorr(1, &seed.seed, hostTrue, &seed.updated);
+        drawn.push_back(run.correlation.CorrUniforms(2, 1));
+    }
+    for (const std::size_t inside : {10'000U, 10'001U}) {
+        run.fields.FieldTable(2, fieldcolumn::lowerProbability) = drawn[inside];
+        run.fields.FieldTable(2, fieldcolumn::upperProbability) = drawn[inside];
+        Cpp_SimNext();
+        short keep = hostTrue;
+        int updated = 0;
+        GetSeed(&from, &keep, &updated);
+        int going = from;
+        getNormalCorr(1, &going, keep, &updated);
+        EXPECT_EQ(run.error.flag, toHostBool(inside == 10'001U)) << inside << " attempts outside before";
+    }
+    EXPECT_EQ(reportedError().code, -14);
+    EXPECT_EQ(reportedError().line, 2) << "the field that was outside last";
 }
 
 }  // namespace

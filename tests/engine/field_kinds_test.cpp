@@ -186,6 +186,62 @@ TEST_F(FieldKinds, AReferenceBeyondTheGridIsAnError) {
     EXPECT_EQ(error.texts[0], u"[Book]Sheet1");
 }
 
+TEST_F(FieldKinds, TheGridOfReferencesEndsAtRow65000AndColumn256) {
+    int row = 64'999;
+    normal({0, 0}, "a");
+    result({0, 1}, "b", [] { return 1.0; });
+    cell({0, 2}, [&] {
+        XLOPER reference = ownSheetReference(row, 3);
+        return QUORVA_SimStat("c", &reference, 13, 1);
+    });
+    startRun(2);
+    iterate();
+    EXPECT_EQ(value(2), MissingValue) << "an empty cell of the last row";
+    EXPECT_EQ(run.error.flag, hostFalse);
+    reset();
+    row = 65'000;
+    startRun(2);
+    iterate();
+    EXPECT_EQ(value(2), 0.0);
+    EXPECT_EQ(reportedError().code, -15);
+    reset();
+    row = 5;
+    startRun(2);
+    run.fields.FieldTable(numberOf(u"c"), fieldcolumn::referenceColumn) = 256;
+    iterate();
+    EXPECT_EQ(value(2), 0.0);
+    EXPECT_EQ(reportedError().code, -15);
+    EXPECT_EQ(reportedError().column, 256);
+}
+
+TEST_F(FieldKinds, AStatisticAboveItsFieldIsComputedWhenTheFieldIsDoneAlready) {
+    double formula = 0;
+    result({1, 0}, "z", [&] { return formula; });
+    statistic({0, 0}, "a", {1, 0}, 13);  // lower number, later cell
+    normal({2, 0}, "x");
+    startRun(4);
+    ASSERT_LT(numberOf(u"a"), numberOf(u"z"));
+    for (int k = 1; k <= 4; ++k) {
+        formula = 10 * k;
+        ASSERT_EQ(iterate(), 0);
+        EXPECT_EQ(value(1), 5.0 * (k + 1));
+        EXPECT_EQ(stored(k, u"a"), 5.0 * (k + 1));
+    }
+}
+
+TEST_F(FieldKinds, AStatisticLooksAtNoMoreObservationsThanArePlanned) {
+    double formula = 0;
+    result({0, 0}, "r", [&] { return formula; });
+    statistic({0, 1}, "z median", {0, 0}, 10);
+    normal({1, 0}, "x");
+    startRun(3);
+    for (int k = 1; k <= 5; ++k) {
+        formula = 10 * k;
+        ASSERT_EQ(iterate(), 0);
+    }
+    EXPECT_EQ(value(1), 40.0) << "rows 40, 50, 30: the rows started again";
+}
+
 TEST_F(FieldKinds, AValueInPlaceOfAReferenceMeansTheFirstCell) {
     normal({0, 0}, "a");
     result({0, 1}, "b", [] { return 1.0; });

@@ -160,6 +160,7 @@ TEST_F(RunControl, OneNameOnTwoSheetsIsADuplicate) {
     EXPECT_EQ(second.line, 7);
     EXPECT_EQ(second.column, 8);
     EXPECT_EQ(second.texts, (std::vector<std::u16string>{u"[B]Two", u"same"}));
+    EXPECT_EQ(reportedError(-2).texts, first.texts) << "-1 alone asks for the second cell";
     const ReportedError same = reportedError2();
     EXPECT_EQ(same.code, -17);
     EXPECT_EQ(same.line, 7);
@@ -174,6 +175,8 @@ TEST_F(RunControl, ErrorIsSilentWithoutTheFlagAndError2IsNot) {
     EXPECT_EQ(untouched.line, 98);
     EXPECT_EQ(sheets, nullptr);
     EXPECT_EQ(reportedError2().texts.size(), 2U);
+    run.error.code = -17;
+    EXPECT_EQ(reportedError2().code, -17) << "whatever the flag";
 }
 
 TEST_F(RunControl, ConvergenceIsSwitchedOffWithoutAMonitoredResult) {
@@ -201,6 +204,24 @@ TEST_F(RunControl, APlainOneIsNoHostTrue) {
                            &n.statistics),
               0);
     EXPECT_EQ(run.convergence.iCheckConv, hostFalse);
+    reset();
+    int seed = 4711;
+    int used = 0;
+    Cpp_SimInit(1, &seed, 1, &used);
+    EXPECT_NE(used, 4711) << "a seed of its own, but for one chance in 2^31";
+}
+
+TEST_F(RunControl, MonitoredResultsAreMarkedEvenWithoutChecking) {
+    smallModel();
+    prepare();
+    run.convergence.iconvPerc = 77;
+    run.convergence.firstCheck = hostFalse;
+    ASSERT_EQ(begin(10, 0, false, true), 0);
+    EXPECT_EQ(run.convergence.iCheckConv, hostFalse);
+    EXPECT_EQ(run.fields.FieldFlags(numberOf(u"a"), 1), 1.0);
+    EXPECT_EQ(run.convergence.iconvPerc, 77) << "the other settings are taken only with checking";
+    EXPECT_TRUE(run.convergence.table.empty());
+    EXPECT_EQ(run.convergence.firstCheck, hostFalse);
 }
 
 TEST_F(RunControl, AnErrorOfTheRegistrationPassStopsTheSetUpAndLastsUntilReset) {
@@ -258,6 +279,92 @@ TEST_F(RunControl, NoIterationsAtAll) {
     ASSERT_EQ(begin(0), 0);
     EXPECT_EQ(iterate(), 0);
     EXPECT_EQ(run.sampling.SampleStore.size(), 0U);
+}
+
+TEST_F(RunControl, AModelThatWasNotDescribedDoesNotBegin) {
+    smallModel();
+    init();
+    recalculate();
+    EXPECT_EQ(begin(10), -2);
+    EXPECT_EQ(Cpp_SimGetStatus(), 0);
+}
+
+TEST_F(RunControl, EveryColumnMovesWithItsField) {
+    smallModel();  // described as "b", "a"
+    prepare();
+    const std::vector<int> free{2, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 21, 22};
+    for (const int column : free) {
+        run.fields.FieldTable(1, column) = 100 + column;
+        run.fields.FieldTable(2, column) = 200 + column;
+    }
+    ASSERT_EQ(begin(10), 0);
+    for (const int column : free) {
+        EXPECT_EQ(run.fields.FieldTable(1, column), 200 + column);
+        EXPECT_EQ(run.fields.FieldTable(2, column), 100 + column);
+    }
+}
+
+TEST_F(RunControl, AResetLeavesNothingThatANewRunCouldInherit) {
+    normal({0, 0, "[B]One"}, "x");
+    normal({1, 0, "[B]Two"}, "y");
+    result({2, 0, "[B]Two"}, "r", [] { return 1.0; });
+    init(true);
+    recalculate();
+    Correlations correlations{{u"x", u"y"}, {1, 0.5, 0.5, 1}};
+    Capabilities limits{{u"r"}, {1}, {2}, {3}};
+    ASSERT_EQ(init2(correlations, &limits), 0);
+    recalculate();
+    ASSERT_EQ(begin(5, 4, true, true), 0);
+    ASSERT_EQ(iterate(), 0);
+    evaluate({40, 0, "[B]One"}, cells[0].formula);
+    ASSERT_EQ(run.error.flag, hostTrue);
+    ASSERT_FALSE(run.sampling.LhsTable.empty());
+    ASSERT_FALSE(run.convergence.table.empty());
+    ASSERT_TRUE(run.sheets.grids[1].allocated());
+
+    int seed = 5;
+    int next = 0;
+    Cpp_SimReset(&seed, hostFalse, &next);
+    EXPECT_EQ(run.sampling.seed.initialise, hostTrue) << "from here on the seed in use counts";
+    EXPECT_EQ(run.sampling.inbuckets, 0);
+    EXPECT_EQ(run.correlation.UseCorr, hostFalse);
+    EXPECT_EQ(run.correlation.nCorr, 0);
+    EXPECT_EQ(run.error.flag, hostFalse);
+    EXPECT_TRUE(run.fields.FieldTable.empty());
+    EXPECT_TRUE(run.fields.FieldFlags.empty());
+    EXPECT_TRUE(run.fields.FieldNames.empty());
+    EXPECT_TRUE(run.sampling.SampleStore.empty());
+    EXPECT_TRUE(run.sampling.LhsTable.empty());
+    EXPECT_TRUE(run.convergence.table.empty());
+    EXPECT_TRUE(run.correlation.CorrGroups.empty());
+    EXPECT_TRUE(run.capability.SpcTable.empty());
+    for (const FieldGrid& grid : run.sheets.grids) {
+        EXPECT_FALSE(grid.allocated());
+    }
+    EXPECT_EQ(run.sheets.inUse, 0);
+    EXPECT_EQ(Cpp_SimGetStatus(), 0);
+}
+
+TEST_F(RunControl, InitCountsFromNothing) {
+    smallModel();
+    cell({2, 0}, [] { return QUORVA_SimSVar("s", 0, 1, 1, 1, 0, 0, 1); });
+    cell({3, 0}, [] {
+        XLOPER reference = ownSheetReference(0, 0);
+        return QUORVA_SimStat("t", &reference, 13, 1);
+    });
+    prepare(true);
+    ASSERT_EQ(begin(5), 0);
+    ASSERT_EQ(run.fields.nSVar, 1);
+    ASSERT_EQ(run.fields.nStat, 1);
+    init();
+    EXPECT_EQ(run.sheets.workbookModel, hostFalse);
+    EXPECT_EQ(run.fields.registered, 0);
+    EXPECT_EQ(run.fields.nDist, 0);
+    EXPECT_EQ(run.fields.nSVar, 0);
+    EXPECT_EQ(run.fields.nRes, 0);
+    EXPECT_EQ(run.fields.nStat, 0);
+    EXPECT_TRUE(run.sheets.grids[0].allocated());
+    EXPECT_EQ(getFieldInfo(0, 0, 0), 0U);
 }
 
 }  // namespace

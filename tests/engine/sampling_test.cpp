@@ -138,6 +138,19 @@ TEST_F(Sampling, AnEmptyIntervalGivesUpAfterTenThousandRedraws) {
     EXPECT_EQ(uniformsConsumed(20'000), 10'002);
 }
 
+TEST_F(Sampling, TheDrawAfterTheLimitIsAnErrorEvenInsideTheBounds) {
+    startUniforms(2, 10, 0);
+    std::vector<double> stream;
+    for (int k = 0; k < 10'002; ++k) {
+        stream.push_back(draw(1));
+    }
+    for (const std::size_t inside : {10'000U, 10'001U}) {
+        reset(99);
+        draw(1, stream[inside], stream[inside]);
+        EXPECT_EQ(run.error.flag, toHostBool(inside == 10'001U)) << inside << " draws outside before";
+    }
+}
+
 TEST_F(Sampling, AnEmptyIntervalGivesUpWithStrataToo) {
     startUniforms(2, 10, 4);
     draw(2, 0.3, 0.3);

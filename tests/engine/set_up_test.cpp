@@ -107,6 +107,51 @@ TEST_F(SetUpOfCorrelation, AMatrixBeyondRepairIsRefused) {
     Correlations c{{u"a", u"b"}, {nan, 2, 2, nan}};
     EXPECT_EQ(init2(c), -2);
     EXPECT_EQ(Cpp_SimGetStatus(), 1);
+    EXPECT_EQ(run.correlation.groups, 1) << "labels are grouped all the same";
+    EXPECT_EQ(run.correlation.CorrGroups(2, groupcolumn::group), 1);
+}
+
+TEST_F(SetUpOfCorrelation, AMatrixBeyondRepairIsHandedBackAllTheSame) {
+    registerModel({u"a", u"b"});
+    const double nan = std::nan("");
+    Correlations c{{u"a", u"b"}, {nan, MissingValue, MissingValue, nan}};
+    EXPECT_EQ(init2(c), -2);
+    EXPECT_EQ(c.matrix[1], 0.0) << "an empty cell as it was counted";
+    EXPECT_EQ(c.matrix[2], 0.0);
+}
+
+TEST_F(SetUpOfCorrelation, GroupsAreThoseOfTheFactorNotOfTheMatrix) {
+    // A path of links 1-4, 4-3, 3-2 at which the smallest eigenvalue is 0: the matrix itself gives two groups that meet
+    // in the link 3-4, its symmetric root links all labels.
+    const double g = (std::sqrt(5.0) - 1) / 2;
+    registerModel({u"a", u"b", u"c", u"d"});
+    Correlations c{{u"a", u"b", u"c", u"d"}, {1, 0, 0, g, 0, 1, g, 0, 0, g, 1, g, g, 0, g, 1}};
+    ASSERT_EQ(init2(c), 0);
+    ASSERT_EQ(run.correlation.method, FactorMethod::SquareRoot);
+    EXPECT_EQ(run.correlation.groups, 1);
+    EXPECT_EQ(run.correlation.CorrGroups(2, groupcolumn::group), 1);
+}
+
+TEST_F(SetUpOfCorrelation, ASetUpWithoutCorrelationsForgetsThoseOfTheOneBefore) {
+    registerModel({u"a", u"b"});
+    Correlations c{{u"a", u"b"}, {1, 0.5, 0.5, 1}};
+    ASSERT_EQ(init2(c), 0);
+    ASSERT_EQ(run.correlation.groups, 1);
+    recalculate();
+    ASSERT_EQ(init2(), 0);
+    EXPECT_EQ(run.correlation.UseCorr, hostFalse);
+    EXPECT_EQ(run.correlation.nCorr, 0);
+    EXPECT_EQ(run.correlation.groups, 0);
+    EXPECT_EQ(run.correlation.method, FactorMethod::None);
+}
+
+TEST_F(SetUpOfCorrelation, AStoredErrorLeavesTheCountsAlone) {
+    registerModel({u"a", u"b"});
+    evaluate(0);  // met twice
+    ASSERT_EQ(init2(), -10);
+    EXPECT_EQ(run.fields.nDist, 3);
+    EXPECT_EQ(run.fields.nRes, 1);
+    EXPECT_TRUE(run.fields.FieldTable.empty());
 }
 
 TEST_F(SetUpOfCorrelation, AGroupGrowsLabelByLabelAndSeparatePairsAreSeparateGroups) {
@@ -189,6 +234,47 @@ TEST_F(SetUpOfCorrelation, ALabelOfAResultFieldIsUnknown) {
     EXPECT_EQ(Cpp_SimGetStatus(), 0);
     EXPECT_EQ(run.error.flag, hostFalse) << "nothing but the code tells";
     EXPECT_FALSE(run.sampling.SampleStore.empty()) << "renumbering and store stay";
+}
+
+TEST_F(SetUpOfCorrelation, ALabelOfAScenarioVariableOrAStatisticIsUnknown) {
+    for (const char16_t* other : {u"scenario", u"statistic"}) {
+        cells.clear();
+        cell({9, 9}, [] { return QUORVA_SimSVar("scenario", 0, 1, 1, 1, 0, 0, 1); });
+        cell({9, 8}, [] {
+            XLOPER reference = ownSheetReference(0, 0);
+            return QUORVA_SimStat("statistic", &reference, 13, 1);
+        });
+        registerModel({u"a"});
+        Correlations c{{u"a", other}, {1, 0.5, 0.5, 1}};
+        ASSERT_EQ(init2(c), 0);
+        recalculate();
+        EXPECT_EQ(begin(5), -1);
+        EXPECT_EQ(run.fields.FieldTable(numberOf(u"a"), fieldcolumn::correlationPosition), 1)
+            << "the labels before it are bound";
+        EXPECT_EQ(run.fields.FieldFlags(numberOf(u"a"), momentcolumn::collect), 1)
+            << "what the statistic describes is collected all the same";
+    }
+}
+
+TEST_F(SetUpOfCorrelation, LabelsAfterAnUnknownOneAreNotBound) {
+    registerModel({u"a", u"b"});
+    Correlations c{{u"nobody", u"a", u"b"}, {1, 0, 0, 0, 1, 0.5, 0, 0.5, 1}};
+    ASSERT_EQ(init2(c), 0);
+    recalculate();
+    EXPECT_EQ(begin(5), -1);
+    EXPECT_EQ(run.fields.FieldTable(numberOf(u"a"), fieldcolumn::correlationPosition), 0);
+    EXPECT_EQ(run.correlation.CorrGroups(2, groupcolumn::field), 0);
+}
+
+TEST_F(SetUpOfCorrelation, TheLabelCheckHidesAStoredErrorThatTheNextStepReports) {
+    registerModel({u"a", u"b"});
+    Correlations c{{u"a", u"b"}, {1, 0.5, 0.5, 1}};
+    ASSERT_EQ(init2(c), 0);
+    recalculate();
+    evaluate(0);  // -10
+    EXPECT_EQ(begin(5), 0);
+    EXPECT_EQ(Cpp_SimGetStatus(), 3);
+    EXPECT_EQ(Cpp_SimNext(), -1);
 }
 
 TEST_F(SetUpOfCorrelation, TheCapabilityCheckHidesAnUnknownCorrelationLabel) {
