@@ -218,9 +218,9 @@ struct OrderedColumn {
 
 struct SamplingState {
     int nSim = 0;
-    int inbuckets = 0;  ///< Latin hypercube strata per distribution; 0: plain random sampling
-    int iteration = 0;  ///< number of the iteration being calculated
-    double lastValue = 0.0;
+    int inbuckets = 0;       ///< Latin hypercube strata per distribution; 0: plain random sampling
+    int iteration = 0;       ///< number of the iteration being calculated
+    double lastValue = 0.0;  ///< of an input field: drawn or held
     SeedState seed;
     matrix<double> SampleStore;            ///< nSim x nFields
     matrix<double> LhsTable;               ///< (inbuckets + 1) x nDist

@@ -84,7 +84,6 @@ void recordValue(int field, double value) {
     if (store.contains(sampleRow(), field)) {
         store(sampleRow(), field) = value;
     }
-    run.sampling.lastValue = value;
     CalcSimStat(field, value);
     run.fields.FieldTable(field, fieldcolumn::done) = 1.0;
 }

@@ -39,6 +39,7 @@ double hold(int field) {
     const double value = run.fields.FieldTable(field, fieldcolumn::defaultValue);
     if (!isDone(field)) {
         recordValue(field, value);
+        run.sampling.lastValue = value;
     }
     return value;
 }

@@ -179,6 +179,8 @@ TEST_F(Distribution, TheFieldEvaluatedLastAndTheValueRecordedLastAreKnown) {
     evaluate(0);
     EXPECT_EQ(run.fields.current, numberOf(u"y"));
     EXPECT_EQ(run.sampling.lastValue, value(1)) << "the first cell was recorded before";
+    evaluate(2);
+    EXPECT_EQ(run.sampling.lastValue, value(1)) << "a result is no value of an input";
 }
 
 TEST_F(Distribution, AFormulaThatFillsABlockBelongsToItsFirstCell) {

@@ -61,6 +61,22 @@ TEST_F(FieldKinds, AScenarioVariableHoldsItsValueThroughTheRun) {
     EXPECT_EQ(run.fields.FieldFlags(d, momentcolumn::m2), 0.0);
 }
 
+TEST_F(FieldKinds, AScenarioVariableShowsItsPlainValueWhileAnErrorStands) {
+    double lower = 1;
+    cell({0, 0}, [&] { return QUORVA_SimSVar("d", lower, 4, 1, 1, 0, 0, 1); });
+    normal({1, 0}, "x");
+    result({2, 0}, "r", [] { return 0.0; });
+    startRun(3);
+    ASSERT_EQ(iterate(), 0);
+    EXPECT_EQ(value(0), 2.5);
+    EXPECT_NE(run.sampling.lastValue, 2.5) << "the normal was drawn last";
+    lower = 3;
+    EXPECT_EQ(evaluate(0), 2.5);
+    run.error.flag = hostTrue;
+    EXPECT_EQ(evaluate(0), 3.5);
+    EXPECT_EQ(stored(1, u"d"), 2.5);
+}
+
 // --- result fields
 
 TEST_F(FieldKinds, OnlyMinusOneMarksAResultForConvergence) {
@@ -312,6 +328,15 @@ TEST_F(FieldKinds, AllKindsAreCountedAndNumberedOnOnePath) {
     EXPECT_EQ(counts.results, 1);
     EXPECT_EQ(counts.statistics, 1);
     EXPECT_EQ(run.fields.FieldTable(numberOf(u"d"), fieldcolumn::stream), 1) << "counted among distributions";
+}
+
+TEST_F(FieldKinds, ATakenCellIsReportedBeforeTheLackOfNumbers) {
+    normal({0, 0}, "x");
+    result({0, 1}, "y", [] { return 0.0; });
+    prepare();
+    run.fields.nFields = 10'000;
+    evaluate(0);
+    EXPECT_EQ(reportedError().code, -10);
 }
 
 TEST_F(FieldKinds, EveryKindReportsASecondFieldInItsCellAndAnUnknownCell) {

@@ -285,8 +285,32 @@ TEST_F(RunControl, AModelThatWasNotDescribedDoesNotBegin) {
     smallModel();
     init();
     recalculate();
-    EXPECT_EQ(begin(10), -2);
+    run.sampling.iteration = 9;
+    EXPECT_EQ(begin(10, 3), -2);
     EXPECT_EQ(Cpp_SimGetStatus(), 0);
+    EXPECT_EQ(run.sampling.iteration, 0) << "what is told comes first";
+    EXPECT_EQ(run.sampling.nSim, 10);
+    EXPECT_EQ(run.sampling.inbuckets, 3);
+    EXPECT_TRUE(run.sampling.LhsTable.empty());
+}
+
+TEST_F(RunControl, OfSeveralCausesTheFirstInTheOrderOfTheChecksIsReported) {
+    normal({0, 0}, "same");
+    result({1, 0}, "same", [] { return 1.0; });
+    prepare();
+    EXPECT_EQ(begin(32'000'001, 2), -12) << "too many cells before the duplicate name";
+    EXPECT_EQ(run.error.flag, hostFalse);
+    EXPECT_EQ(run.sampling.LhsTable.rows(), 3) << "strata come before";
+    EXPECT_EQ(begin(10), -17);
+
+    reset();
+    init();
+    recalculate();
+    ASSERT_EQ(init2(), 0);
+    normal({2, 0}, "late");
+    recalculate();
+    EXPECT_EQ(begin(32'000'001, 2), -11) << "fields that were not registered before too many cells";
+    EXPECT_TRUE(run.sampling.LhsTable.empty());
 }
 
 TEST_F(RunControl, EveryColumnMovesWithItsField) {
