@@ -338,6 +338,9 @@ Node Parser::bracketStart() {
         if (peek() == '!') {
             const std::string_view name = text_.substr(start, at_ - start);
             ++at_;
+            if (name == "[0]") {  // this workbook
+                return definedName(token(), place_.sheet);
+            }
             if (name.back() == ']') {
                 return unsupported("a name of another workbook (" + std::string(token()) + ")");
             }
@@ -458,6 +461,17 @@ int Parser::variable(std::string_view name) const {
     return -1;
 }
 
+/// "SUM (A1)", which some programs write; a name before a parenthesis is intersected with it.
+bool Parser::blanksBeforeArguments(std::string_view word) {
+    const std::size_t behind = at_;
+    const std::string name = toUpper(withoutPrefix(word));
+    if (skipBlanks() && peek() == '(' && (findFunction(name) || findForm(name)) && !symbols_.name(word, place_.sheet)) {
+        return true;
+    }
+    at_ = behind;
+    return false;
+}
+
 Node Parser::identifier() {
     const std::string_view word = token();
     const std::size_t behind = at_;
@@ -489,8 +503,8 @@ Node Parser::identifier() {
         }
         return node;
     }
-    if (peek() == '(') {
-        ++at_;
+    if (peek() == '(' || blanksBeforeArguments(word)) {
+        expect('(');
         return call(word);
     }
     if (peek() == '[') {

@@ -262,7 +262,8 @@ Node Parser::fold(Operator op, Node left, Node right) {
                 left.value = Value::reference({a});
                 return left;
             }
-        } else if (left.value.areas().size() > 1 && right.value.areas().size() == 1 && !right.explicitSheet) {
+        } else if (left.value.areas().size() > 1 && right.value.areas().size() == 1 && !right.explicitSheet &&
+                   left.value.areas()[0].sheet != left.value.areas()[1].sheet) {
             std::vector<Area> areas = left.value.areas();  // First:Last!A1:B2
             const Area& b = right.value.areas()[0];
             for (Area& a : areas) {

@@ -41,6 +41,7 @@ private:
     Node quotedSheet();
     Node bracketStart();
     Node identifier();
+    bool blanksBeforeArguments(std::string_view word);
     Node afterSheet(int firstSheet, int lastSheet);
     Node wholeRows(int firstSheet, int lastSheet, bool explicitSheet);
     bool wholeColumns(std::string_view token, int firstSheet, int lastSheet, bool explicitSheet, Node& node);
