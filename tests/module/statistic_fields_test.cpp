@@ -2,8 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <iterator>
 #include <numeric>
+#include <string>
+#include <utility>
 
+#include "common/matrix.h"
 #include "common/missing_value.h"
 #include "engine/inner_calls.h"
 #include "model_sheet.h"
@@ -239,6 +243,88 @@ TEST_F(StatisticFields, EveryWrapperStandsForItsStatistic) {
     EXPECT_NEAR(shown(81), 11 / (6 * stdev), 1e-12);
     EXPECT_NEAR(shown(84), std::min(15 - mean, mean - 4) / (3 * stdev), 1e-12);
     EXPECT_NEAR(shown(101), 1e6 * 0.5 * std::erfc((mean - 4) / stdev / std::sqrt(2.0)), 1e-6);
+}
+
+/// What the wrappers' names have always stood for: the number that a front end reads in column 2 of the field table.
+constexpr std::pair<const char*, int> numbersOfNames[] = {{"StatNbrObs", 1},
+                                                          {"StatNbrMiss", 2},
+                                                          {"StatSumOfWeights", 3},
+                                                          {"StatMinimum", 4},
+                                                          {"StatMaximum", 5},
+                                                          {"StatFreqMin", 6},
+                                                          {"StatFreqMax", 7},
+                                                          {"StatAmplitude", 8},
+                                                          {"Stat1stQuartile", 9},
+                                                          {"StatMedian", 10},
+                                                          {"Stat3rdQuartile", 11},
+                                                          {"StatSum", 12},
+                                                          {"StatMean", 13},
+                                                          {"StatVarianceN", 14},
+                                                          {"StatVarianceN1", 15},
+                                                          {"StatStdevN", 16},
+                                                          {"StatStdevN1", 17},
+                                                          {"StatVariation", 18},
+                                                          {"StatSkewnessPearson", 19},
+                                                          {"StatSkewnessFisher", 20},
+                                                          {"StatSkewnessBowley", 21},
+                                                          {"StatKurtosisPearson", 22},
+                                                          {"StatKurtosisFisher", 23},
+                                                          {"StatStdErrorOfMean", 24},
+                                                          {"StatLowerBound95Perc", 25},
+                                                          {"StatUpperBound95Perc", 26},
+                                                          {"StatStdErrorOfSkewness", 27},
+                                                          {"StatStdErrorOfKurtosis", 28},
+                                                          {"StatMeanAbsDeviation", 29},
+                                                          {"StatMedianAbsDeviation", 30},
+                                                          {"StatGeometricMean", 31},
+                                                          {"StatGSD", 32},
+                                                          {"StatHarmonicMean", 33},
+                                                          {"TheoMean", 51},
+                                                          {"TheoVariance", 52},
+                                                          {"TheoStdev", 53},
+                                                          {"SPCCp", 81},
+                                                          {"SPCCpl", 82},
+                                                          {"SPCCpu", 83},
+                                                          {"SPCCpk", 84},
+                                                          {"SPCPp", 85},
+                                                          {"SPCPpl", 86},
+                                                          {"SPCPpu", 87},
+                                                          {"SPCPpk", 88},
+                                                          {"SPCCpm", 89},
+                                                          {"SPCCpmBoyles", 90},
+                                                          {"SPCCp55", 91},
+                                                          {"SPCCpk55", 92},
+                                                          {"SPCCpmk", 93},
+                                                          {"SPCCsWright", 94},
+                                                          {"SPCZbelow", 95},
+                                                          {"SPCZabove", 96},
+                                                          {"SPCZtotal", 97},
+                                                          {"SPCpNCbelow", 98},
+                                                          {"SPCpNCabove", 99},
+                                                          {"SPCpNCtotal", 100},
+                                                          {"SPCPPMbelow", 101},
+                                                          {"SPCPPMabove", 102},
+                                                          {"SPCPPMtotal", 103}};
+
+TEST_F(StatisticFields, TheNumberOfEveryWrapperIsFixed) {
+    model.set(0, [](auto&) { return normal("a_dist", 10, 2); });
+    model.set(1, [](auto& m) { return result("b_res", m.value(0)); });
+    constexpr int wrappers = static_cast<int>(std::size(numbersOfNames));
+    ASSERT_EQ(wrappers, static_cast<int>(statisticTable.size()));
+    for (int i = 0; i < wrappers; ++i) {
+        model.set(i + 2, [i](auto&) {
+            const std::string number = std::to_string(1000 + i);
+            return statisticCell(std::string("QUORVA_Sim") + numbersOfNames[i].first, ("s" + number).c_str(), 0);
+        });
+    }
+    begin();
+    ASSERT_EQ(counts.all, wrappers + 2);
+    matrix<double> general(counts.all, 14), intervals(counts.all, 5), convergence(2, 2);
+    QUORVA_EXPORT(Cpp_SimEnd)
+    (0.05, 1, general.data(), nullptr, convergence.data(), nullptr, nullptr, intervals.data());
+    for (int i = 0; i < wrappers; ++i) {
+        EXPECT_EQ(general(i + 3, 2), numbersOfNames[i].second) << numbersOfNames[i].first;
+    }
 }
 
 TEST_F(StatisticFields, AfterTheRunTheyShowZero) {
