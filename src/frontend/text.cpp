@@ -148,7 +148,10 @@ std::string readableNumber(double value, int digits) {
     const double magnitude = std::fabs(value);
     if (magnitude >= 1e15 || magnitude < 1e-6) {
         std::snprintf(buffer.data(), buffer.size(), "%.*e", std::max(digits - 1, 1), value);
-        return buffer.data();
+        std::string text = buffer.data();
+        const std::size_t exponent = text.find('e');
+        const std::size_t last = text.find_last_not_of('0', exponent - 1);
+        return text.erase(last + (text[last] == '.' ? 0 : 1), exponent - last - (text[last] == '.' ? 0 : 1));
     }
     const int whole = static_cast<int>(std::floor(std::log10(magnitude))) + 1;
     std::snprintf(buffer.data(), buffer.size(), "%.*f", std::clamp(digits - whole, 0, 12), value);

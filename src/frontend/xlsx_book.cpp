@@ -171,6 +171,10 @@ lxw_chart* XlsxBook::chart(lxw_chart_type type, const std::string& title, const 
     if (!yTitle.empty()) {
         chart_axis_set_name(chart->y_axis, yTitle.c_str());
     }
+    if (type == LXW_CHART_LINE) {
+        // Below the plot also where values are negative, not among the lines.
+        chart_axis_set_label_position(chart->x_axis, LXW_CHART_AXIS_LABEL_POSITION_LOW);
+    }
     chart_legend_set_position(chart, LXW_CHART_LEGEND_BOTTOM);
     return chart;
 }

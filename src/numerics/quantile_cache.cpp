@@ -123,6 +123,7 @@ constexpr std::uint32_t sustainedUse(int law) {
     }
 }
 constexpr std::size_t slots = 4096;
+constexpr std::size_t probes = 4;  ///< neighbouring slots in which a law and shape may stand
 constexpr std::size_t maximumTables = 2048;
 constexpr double worthwhileCoverage = 0.8;
 constexpr std::uint64_t fingerprintMask = ~std::uint64_t{0xFFFF};
@@ -148,7 +149,9 @@ inline std::uint64_t hashOf(const Standardised& law) {
                        std::bit_cast<std::uint64_t>(law.p3) * 0x165667B19E3779F9 +
                        std::bit_cast<std::uint64_t>(law.p4) * 0xD6E8FEB86659FD93 +
                        static_cast<std::uint64_t>(law.law) * 0xFF51AFD7ED558CCD;
-    return mixed ^ (mixed >> 32);
+    // Parameters that are small numbers have no low bits: without the last multiplication they would share a slot.
+    const std::uint64_t spread = (mixed ^ (mixed >> 32)) * 0x9E3779B97F4A7C15;
+    return spread ^ (spread >> 32);
 }
 
 std::optional<SteppedQuantile> stepsOf(const LawFunctions& functions, const Support& support,
@@ -210,6 +213,28 @@ void count(Slot& slot, std::uint64_t fingerprint, const Standardised& law, std::
 
 std::array<std::atomic<std::uint32_t>, lawCount> callsWithoutTable{};
 
+namespace {
+/// The slot in which a law and shape without a table counts its calls: the one that counts them already, else a free
+/// one, else one that another law and shape loses.
+Slot* countingSlot(std::uint64_t hash) {
+    Slot* open = nullptr;
+    for (std::size_t probe = 0; probe < probes; ++probe) {
+        Slot& slot = cache.table[(hash + probe) % slots];
+        if (slot.entry.load(std::memory_order_acquire) != nullptr) {
+            continue;
+        }
+        const std::uint64_t asked = slot.asked.load(std::memory_order_relaxed);
+        if (asked != 0 && (asked & fingerprintMask) == (hash & fingerprintMask)) {
+            return &slot;
+        }
+        if (open == nullptr || (asked == 0 && open->asked.load(std::memory_order_relaxed) != 0)) {
+            open = &slot;
+        }
+    }
+    return open;
+}
+}  // namespace
+
 double tabulatedQuantile(int law, double u, const LawParameters& p) {
     auto& strangers = callsWithoutTable[static_cast<std::size_t>(law)];
     if (law == uniform || law == bernoulli || !std::isfinite(p[0] + p[1] + p[2] + p[3]) ||
@@ -221,13 +246,18 @@ double tabulatedQuantile(int law, double u, const LawParameters& p) {
         return nan;
     }
     const std::uint64_t hash = hashOf(wanted);
-    Slot& slot = cache.table[hash % slots];
-    const Entry* entry = slot.entry.load(std::memory_order_acquire);
-    if (entry == nullptr) {
-        count(slot, hash & fingerprintMask, wanted, strangers);
-        return nan;
+    const Entry* entry = nullptr;
+    for (std::size_t probe = 0; probe < probes; ++probe) {
+        entry = cache.table[(hash + probe) % slots].entry.load(std::memory_order_acquire);
+        if (entry != nullptr && entry->is(wanted)) {
+            break;
+        }
+        entry = nullptr;
     }
-    if (!entry->is(wanted)) {
+    if (entry == nullptr) {
+        if (Slot* slot = countingSlot(hash)) {
+            count(*slot, hash & fingerprintMask, wanted, strangers);
+        }
         return nan;
     }
     if (strangers.load(std::memory_order_relaxed) != 0) {

@@ -93,6 +93,9 @@ for name, title in (("Sensitivity", "Share of the explained variation (sign: dir
         assert chart.x_axis.tickLblPos == "low" and chart.x_axis.title is None, name
         assert chart.y_axis.title.tx.rich.p[0].r[0].t == title, name
         assert name == "Tornado" or chart.y_axis.numFmt.formatCode == "0%", name
+for name in ("Spider", "Convergence"):
+    for chart in book[name]._charts:
+        assert chart.x_axis.tickLblPos == "low", name
 for tornado in run["tornado"]:
     swings = [abs(item["swing"]) for item in tornado["inputs"]]
     assert swings == sorted(swings, reverse=True), swings

@@ -35,6 +35,10 @@ TEST(Text, ReadableNumbersAreShort) {
     EXPECT_EQ(readableNumber(1234567.0), "1234567");
     EXPECT_EQ(readableNumber(0.30000000000000004), "0.3");
     EXPECT_EQ(readableNumber(-0.05), "-0.05");
+    EXPECT_EQ(readableNumber(1e-9), "1e-09");
+    EXPECT_EQ(readableNumber(-2.5e200), "-2.5e+200");
+    EXPECT_EQ(readableNumber(1.000004e200), "1e+200");
+    EXPECT_EQ(readableNumber(1.23456789e-7), "1.23457e-07");
     EXPECT_EQ(readableNumber(std::numeric_limits<double>::infinity()), "-");
 }
 

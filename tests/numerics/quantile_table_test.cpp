@@ -171,6 +171,37 @@ TEST_F(QuantileTable, ForgettingMakesARunIndependentOfTheOneBefore) {
     EXPECT_EQ(draws(), first);
 }
 
+// Whole-numbered parameters once shared a slot, and of several such fields none but the first had a table.
+TEST_F(QuantileTable, AnyNumberOfShapesOfOneLawHaveTablesWhenAskedInTurn) {
+    std::vector<Law> laws;
+    for (int i = 0; i < 40; ++i) {
+        laws.push_back({1, {2.0 + i % 8, 3.0 + i / 8, 0, 0}});
+    }
+    for (int round = 0; round < 1500; ++round) {
+        for (const Law& law : laws) {
+            law.quantile(0.3);
+        }
+    }
+    const auto us = uniforms(200, 31);
+    std::vector<std::vector<double>> tabulated;
+    for (const Law& law : laws) {
+        auto& values = tabulated.emplace_back();
+        for (const double u : us) {
+            values.push_back(law.quantile(u));
+        }
+    }
+    useQuantileTables(false);
+    for (std::size_t i = 0; i < laws.size(); ++i) {
+        int differing = 0;
+        for (std::size_t j = 0; j < us.size(); ++j) {
+            const double direct = laws[i].quantile(us[j]);
+            EXPECT_NEAR(tabulated[i][j], direct, 1e-12 * direct);
+            differing += tabulated[i][j] != direct;
+        }
+        EXPECT_GT(differing, 0) << "no table for shape " << i;
+    }
+}
+
 TEST_F(QuantileTable, ChangingParametersAreAskedDirectly) {
     std::vector<double> tabulated;
     const auto us = uniforms(2000, 21);
