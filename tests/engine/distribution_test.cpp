@@ -123,6 +123,33 @@ TEST_F(Distribution, BoundsByValueBecomeProbabilities) {
     EXPECT_EQ(t(3, fieldcolumn::lowerProbability), 5.0) << "percentages are taken as they are";
 }
 
+TEST_F(Distribution, BoundsByValueOfALawWithoutADistributionFunctionAreNoBounds) {
+    cell({0, 0}, [] { return QUORVA_SimDist("x", 61, 1, 6, 0, 0, 0, 1, 3, 4, 1); });
+    addResult();
+    prepare();
+    EXPECT_TRUE(std::isnan(run.fields.FieldTable(1, fieldcolumn::lowerProbability)));
+    EXPECT_TRUE(std::isnan(run.fields.FieldTable(1, fieldcolumn::upperProbability)));
+    ASSERT_EQ(begin(2), 0);
+    EXPECT_EQ(iterate(), 0);
+    EXPECT_GE(value(0), 1.0);
+    EXPECT_EQ(Cpp_SimNext(), 0) << "nothing is rejected";
+}
+
+TEST_F(Distribution, ADrawThatGaveUpIsRecordedAndTheCellThenShowsItsDefault) {
+    uniform({0, 0}, "x", 2, 0.25, 0.25);
+    addResult();
+    prepare();
+    ASSERT_EQ(begin(2), 0);
+    ASSERT_EQ(Cpp_SimNext(), 0);
+    const double given = evaluate(0);
+    EXPECT_EQ(run.error.code, -14);
+    EXPECT_NE(given, 0.25);
+    EXPECT_EQ(stored(1, u"x"), given);
+    EXPECT_EQ(run.fields.FieldTable(numberOf(u"x"), fieldcolumn::done), 1.0);
+    EXPECT_EQ(evaluate(0), 0.5);
+    EXPECT_EQ(Cpp_SimNext(), -1);
+}
+
 TEST_F(Distribution, TruncationByProbabilityKeepsBetweenTheQuantiles) {
     cell({0, 0}, [] { return QUORVA_SimNormal("x", 5, 2, 2, 0.05, 0.95, 0, 0, 1); });
     cell({1, 0}, [] { return QUORVA_SimNormal("y", 5, 2, 1, 4, 6, 0, 0, 1); });
@@ -324,6 +351,24 @@ TEST_F(Distribution, ErrorsOfEachPassNameTheCell) {
     EXPECT_EQ(evaluate(0), 5.0) << "cells show their defaults while an error stands";
     EXPECT_EQ(evaluate(1), 1.5);
     EXPECT_EQ(Cpp_SimNext(), -1);
+}
+
+TEST_F(Distribution, CellsThatWereNotDescribedAreErrorsInEveryLaterPass) {
+    normal({3, 4, "[B]One"}, "x", 5);
+    result({4, 4, "[B]One"}, "r", [] { return 1.5; });
+    const auto stranger = [] { return QUORVA_SimNormal("new", 8, 1, 0, 0, 0, 0, 0, 1); };
+    for (const RunStatus status : {RunStatus::Running, RunStatus::Analysing}) {
+        for (const bool sheetListed : {true, false}) {
+            prepare(true);
+            ASSERT_EQ(begin(5), 0);
+            run.status.become(status);
+            EXPECT_EQ(evaluate({6, 7, sheetListed ? "[B]One" : "[B]Two"}, stranger), 8.0);
+            EXPECT_EQ(reportedError().code, sheetListed ? -11 : -16) << static_cast<int>(status);
+            EXPECT_EQ(reportedError().line, 6);
+            EXPECT_EQ(reportedError().column, 7);
+            EXPECT_EQ(reportedError().texts[0], sheetListed ? u"[B]One" : u"[B]Two");
+        }
+    }
 }
 
 TEST_F(Distribution, TheTenThousandthFieldIsTheLast) {
