@@ -179,6 +179,55 @@ TEST_F(RunningMoments, PastTheLastIterationTheRowsStartAgainOneBelow) {
     }
 }
 
+TEST_F(RunningMoments, EveryStatisticThatWasNotRecalculatedIsFilledIn) {
+    const auto number = [](const char* name) {
+        XLOPER reference = ownSheetReference(0, 1);
+        return QUORVA_SimStat(name, &reference, 1, 1);
+    };
+    normal({0, 0}, "x");
+    result({0, 1}, "y", [] { return 4.0; });
+    cell({0, 2}, [&] { return number("a"); });
+    cell({0, 3}, [&] { return number("m"); });
+    cell({0, 4}, [&] { return number("z"); });
+    prepare();
+    ASSERT_EQ(begin(3), 0);
+    Cpp_SimNext();
+    evaluate(0);
+    evaluate(1);
+    evaluate(3);
+    const matrix<double>& store = run.sampling.SampleStore;
+    EXPECT_EQ(store(1, numberOf(u"m")), 1.0) << "its cell was recalculated";
+    Cpp_SimNext();
+    EXPECT_EQ(store(2, numberOf(u"a")), 1.0);
+    EXPECT_EQ(store(2, numberOf(u"z")), 1.0) << "the last field";
+    EXPECT_EQ(store(2, numberOf(u"m")), 0.0) << "it had its value";
+    for (int field = 1; field <= 5; ++field) {
+        EXPECT_EQ(run.fields.FieldTable(field, fieldcolumn::done), 0.0) << field;
+    }
+    Cpp_SimNext();
+    EXPECT_EQ(store(3, numberOf(u"m")), 2.0) << "now it had not";
+}
+
+TEST_F(RunningMoments, WithOneIterationAndWithNoneStatisticsAreFilledInWithoutHarm) {
+    for (const int nSim : {1, 0}) {
+        cells.clear();
+        normal({0, 0}, "x");
+        result({0, 1}, "y", [] { return 4.0; });
+        cell({0, 2}, [] {
+            XLOPER reference = ownSheetReference(0, 1);
+            return QUORVA_SimStat("z", &reference, 3, 1);
+        });
+        prepare();
+        ASSERT_EQ(begin(nSim), 0);
+        for (int k = 1; k <= 3; ++k) {
+            Cpp_SimNext();
+            evaluate(0);
+            evaluate(1);
+        }
+        EXPECT_EQ(run.sampling.SampleStore(1, numberOf(u"z")), nSim == 1 ? 1.0 : -1.0);
+    }
+}
+
 TEST_F(RunningMoments, EveryMarkIsClearedForTheNextIteration) {
     normal({0, 0}, "x");
     result({0, 1}, "y", [] { return 4.0; });
