@@ -104,8 +104,11 @@ double betaValue(double x, const BetaShape& shape, bool cumulative) {
     }
     const double width = shape.upper - shape.lower;
     const double inside = (x - shape.lower) / width;
-    const Beta law(shape.alpha, shape.beta);
-    return cumulative ? cdf(law, inside) : pdf(law, inside) / width;
+    if (cumulative) {
+        return cdf(Beta(shape.alpha, shape.beta), inside);
+    }
+    // Not the library's density of the law, which is 0 at both ends whatever the shape.
+    return boost::math::ibeta_derivative(shape.alpha, shape.beta, inside, Policy()) / width;
 }
 double betaLaw(const double* x, int count) { return betaValue(x[0], betaShape(x, count, 4), x[3] != 0); }
 double betaProbability(const double* x, int count) { return betaValue(x[0], betaShape(x, count, 3), true); }
