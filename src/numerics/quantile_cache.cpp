@@ -149,10 +149,11 @@ inline std::uint64_t hashOf(const Standardised& law) {
                        std::bit_cast<std::uint64_t>(law.p3) * 0x165667B19E3779F9 +
                        std::bit_cast<std::uint64_t>(law.p4) * 0xD6E8FEB86659FD93 +
                        static_cast<std::uint64_t>(law.law) * 0xFF51AFD7ED558CCD;
-    // Parameters that are small numbers have no low bits: without the last multiplication they would share a slot.
-    const std::uint64_t spread = (mixed ^ (mixed >> 32)) * 0x9E3779B97F4A7C15;
-    return spread ^ (spread >> 32);
+    return mixed ^ (mixed >> 32);
 }
+
+/// The slot of a hash from its upper bits: those of parameters that are small numbers have nothing but zeros below.
+inline Slot& slotAt(std::uint64_t hash, std::size_t probe) { return cache.table[((hash >> 52) + probe) % slots]; }
 
 std::optional<SteppedQuantile> stepsOf(const LawFunctions& functions, const Support& support,
                                        const LawParameters& shape) {
@@ -219,7 +220,7 @@ namespace {
 Slot* countingSlot(std::uint64_t hash) {
     Slot* open = nullptr;
     for (std::size_t probe = 0; probe < probes; ++probe) {
-        Slot& slot = cache.table[(hash + probe) % slots];
+        Slot& slot = slotAt(hash, probe);
         if (slot.entry.load(std::memory_order_acquire) != nullptr) {
             continue;
         }
@@ -232,6 +233,17 @@ Slot* countingSlot(std::uint64_t hash) {
         }
     }
     return open;
+}
+
+/// The entry of a law and shape that is not in its first slot, or none.
+[[gnu::noinline]] const Entry* neighbour(std::uint64_t hash, const Standardised& wanted) {
+    for (std::size_t probe = 1; probe < probes; ++probe) {
+        const Entry* entry = slotAt(hash, probe).entry.load(std::memory_order_acquire);
+        if (entry != nullptr && entry->is(wanted)) {
+            return entry;
+        }
+    }
+    return nullptr;
 }
 }  // namespace
 
@@ -246,19 +258,15 @@ double tabulatedQuantile(int law, double u, const LawParameters& p) {
         return nan;
     }
     const std::uint64_t hash = hashOf(wanted);
-    const Entry* entry = nullptr;
-    for (std::size_t probe = 0; probe < probes; ++probe) {
-        entry = cache.table[(hash + probe) % slots].entry.load(std::memory_order_acquire);
-        if (entry != nullptr && entry->is(wanted)) {
-            break;
+    const Entry* entry = slotAt(hash, 0).entry.load(std::memory_order_acquire);
+    if (entry == nullptr || !entry->is(wanted)) [[unlikely]] {
+        entry = neighbour(hash, wanted);
+        if (entry == nullptr) {
+            if (Slot* slot = countingSlot(hash)) {
+                count(*slot, hash & fingerprintMask, wanted, strangers);
+            }
+            return nan;
         }
-        entry = nullptr;
-    }
-    if (entry == nullptr) {
-        if (Slot* slot = countingSlot(hash)) {
-            count(*slot, hash & fingerprintMask, wanted, strangers);
-        }
-        return nan;
     }
     if (strangers.load(std::memory_order_relaxed) != 0) {
         strangers.store(0, std::memory_order_relaxed);
