@@ -90,6 +90,18 @@ TEST_F(Sampling, StrataAreTakenFromTheBottomOfThePermutation) {
     EXPECT_EQ(permutation, (std::set<double>{1, 2, 3, 4}));
 }
 
+TEST_F(Sampling, EveryRunStartsWithFreshPermutations) {
+    startUniforms(2, 10, 4);
+    draw(1);
+    ASSERT_EQ(run.sampling.LhsTable(5, 1), 3.0);
+    ASSERT_EQ(begin(10, 4), 0);
+    EXPECT_EQ(run.sampling.LhsTable.rows(), 5);
+    EXPECT_EQ(run.sampling.LhsTable.columns(), 2);
+    for (std::size_t i = 0; i < run.sampling.LhsTable.size(); ++i) {
+        EXPECT_EQ(run.sampling.LhsTable.data()[i], 0.0);
+    }
+}
+
 TEST_F(Sampling, OneStratumGivesThePlainUniformAfterThePermutationsOwn) {
     startUniforms(1, 10, 1);
     std::vector<double> drawn{draw(1), draw(1)};

@@ -67,8 +67,12 @@ TEST_F(SetUpOfCorrelation, AnIdentityLeavesEveryLabelWithoutAGroup) {
 TEST_F(SetUpOfCorrelation, AnAsymmetricMatrixIsRefusedAndTheCountsAreGone) {
     registerModel({u"a", u"b"});
     Correlations c{{u"a", u"b"}, {1, 0.5, 0.4, 1}};
-    EXPECT_EQ(init2(c), -2);
+    Capabilities spc{{u"a"}, {1}, {2}, {3}};
+    EXPECT_EQ(init2(c, &spc), -2);
     EXPECT_EQ(Cpp_SimGetStatus(), 1);
+    EXPECT_EQ(run.capability.iUseSpc, hostFalse) << "nothing after the correlations is set up";
+    EXPECT_TRUE(run.fields.FieldTable.empty());
+    EXPECT_EQ(getFieldInfo(0, 0, 0), 1U) << "the cells registered stay";
     EXPECT_EQ(init2(), -3) << "the counters are reset already";
     EXPECT_EQ(Cpp_SimGetStatus(), 0);
 }
@@ -143,6 +147,14 @@ TEST_F(SetUpOfCorrelation, ASetUpWithoutCorrelationsForgetsThoseOfTheOneBefore) 
     EXPECT_EQ(run.correlation.nCorr, 0);
     EXPECT_EQ(run.correlation.groups, 0);
     EXPECT_EQ(run.correlation.method, FactorMethod::None);
+}
+
+TEST_F(SetUpOfCorrelation, TheCapabilityConfidenceIsTakenWithoutLimits) {
+    registerModel({u"a"});
+    ASSERT_EQ(Cpp_SimInit2(0, 0, nullptr, nullptr, 0, 3, 0.875, nullptr, nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(run.capability.iSpcConf, 0.875);
+    EXPECT_EQ(run.capability.inSpc, 3);
+    EXPECT_EQ(run.capability.iUseSpc, hostFalse);
 }
 
 TEST_F(SetUpOfCorrelation, AStoredErrorLeavesTheCountsAlone) {
