@@ -66,7 +66,7 @@ for tornado in run["tornado"]:
     row += 1
 for chart in book["Tornado"]._charts:
     assert chart.grouping == "stacked" and len(chart.series) == 3
-    assert chart.series[0].graphicalProperties.noFill and chart.legend.legendEntry[0].delete
+    assert chart.series[0].graphicalProperties.noFill and chart.legend is None
 
 # Nothing is cut off: one row per result and check, and the settings with their values.
 sheet = book["Convergence"]
