@@ -210,11 +210,6 @@ void count(Slot& slot, std::uint64_t fingerprint, const Standardised& law, std::
     slot.asked.store(0, std::memory_order_relaxed);
 }
 
-}  // namespace
-
-std::array<std::atomic<std::uint32_t>, lawCount> callsWithoutTable{};
-
-namespace {
 /// The slot in which a law and shape without a table counts its calls: the one that counts them already, else a free
 /// one, else one that another law and shape loses.
 Slot* countingSlot(std::uint64_t hash) {
@@ -245,7 +240,10 @@ Slot* countingSlot(std::uint64_t hash) {
     }
     return nullptr;
 }
+
 }  // namespace
+
+std::array<std::atomic<std::uint32_t>, lawCount> callsWithoutTable{};
 
 double tabulatedQuantile(int law, double u, const LawParameters& p) {
     auto& strangers = callsWithoutTable[static_cast<std::size_t>(law)];
