@@ -50,6 +50,17 @@ TEST(Quantiles, NaNStandsBehindEveryNumber) {
     }
 }
 
+TEST(Quantiles, EndsTooFarApartForADoubleAndInfiniteOnesAreInterpolated) {
+    const double wide[] = {1.5e308, -1.25e308};
+    EXPECT_DOUBLE_EQ(quantileOf(wide, 2, nullptr, nullptr, 0.5), 1.25e307);
+    EXPECT_DOUBLE_EQ(quantileOf(wide, 2, nullptr, nullptr, 0.25), -5.625e307);
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const double equal[] = {infinity, infinity, 3};
+    EXPECT_EQ(quantileOf(equal, 3, nullptr, nullptr, 0.75), infinity);
+    EXPECT_EQ(quantileOf(equal, 3, nullptr, nullptr, 0.25), infinity);
+    EXPECT_EQ(quantileOf(equal, 3, nullptr, nullptr, 0), 3);
+}
+
 TEST(Quantiles, ImproperProbabilitiesAndNoValuesAreMissing) {
     const std::array<double, 4> probabilities{-0.1, 0.5, 1.1, kNaN};
     std::array<double, 4> quantiles{};
