@@ -7,6 +7,10 @@ namespace quorva::workbook {
 
 namespace {
 
+/// A name that holds another twice, which holds another twice ... is longer than any memory when it is written out.
+constexpr int mostNames = 5000;
+constexpr int deepestName = 30;
+
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 bool isNamePart(char c) {
@@ -551,15 +555,22 @@ Node Parser::definedName(std::string_view name, int sheet) {
         }
         return constant(Value(ErrorCode::Name));
     }
-    if (nameDepth_ > 30) {
-        fail("names refer to each other without end");
+    const NameTrail trail{found, trail_, trail_ ? trail_->count : &names_};
+    int depth = 0;
+    for (const NameTrail* at = trail_; at; at = at->outer) {
+        if (at->name == found || ++depth > deepestName) {
+            fail("names refer to each other without end");
+        }
+    }
+    if (++*trail.count > mostNames) {
+        fail("it consists of too many names");
     }
     FormulaPlace place = place_;
     place.sheet = found->sheet >= 0 ? found->sheet : place_.sheet;
     place.shiftRows = place_.row;
     place.shiftColumns = place_.column;
     try {
-        Node node = Parser(found->formula, place, symbols_, nameDepth_ + 1).parse();
+        Node node = Parser(found->formula, place, symbols_, &trail).parse();
         if (peek() == '(') {
             ++at_;
             Node invoked;

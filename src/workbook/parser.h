@@ -5,10 +5,17 @@
 
 namespace quorva::workbook {
 
+/// The names that are being written out where they stand, innermost first.
+struct NameTrail {
+    const RawName* name;
+    const NameTrail* outer;
+    int* count;  ///< of all names written out in the formula
+};
+
 class Parser {
 public:
-    Parser(std::string_view text, const FormulaPlace& place, Symbols& symbols, int nameDepth = 0)
-        : text_(text), place_(place), symbols_(symbols), nameDepth_(nameDepth) {}
+    Parser(std::string_view text, const FormulaPlace& place, Symbols& symbols, const NameTrail* trail = nullptr)
+        : text_(text), place_(place), symbols_(symbols), trail_(trail) {}
     Node parse();
 
 private:
@@ -79,7 +86,8 @@ private:
     std::string_view text_;
     FormulaPlace place_;
     Symbols& symbols_;
-    int nameDepth_ = 0;
+    const NameTrail* trail_ = nullptr;
+    int names_ = 0;
     std::size_t at_ = 0;
     int depth_ = 0;
     int nextVariable_ = 0;
