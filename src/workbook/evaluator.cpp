@@ -349,8 +349,8 @@ Value Evaluator::invoke(const Value& lambda, std::span<const Value> arguments) {
         inner = std::make_shared<const Scope>(
             Scope{optional ? ~parameters[i] : parameters[i], omitted, omitted ? Value() : arguments[i], inner});
     }
-    if (depth > deepestLambda) {
-        return ErrorCode::Num;
+    if (depth > deepestLambda) {  // Excel goes deeper before it gives #NUM!
+        throw Unsupported{"a recursion of lambdas so deep"};
     }
     depth += 10;  // a call takes more of the stack than an operator
     std::swap(scope, inner);

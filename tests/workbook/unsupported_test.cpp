@@ -36,6 +36,12 @@ TEST(Unsupported, QuestionsToCellThatDependOnTheComputer) {
     EXPECT_EQ(reasonOf("CELL(\"filename\")"), "the function CELL with \"filename\"");
 }
 
+TEST(Unsupported, RecursionOfLambdasThatIsTooDeep) {
+    const std::string factorial = "LET(f,LAMBDA(g,n,IF(n<2,1,n*g(g,n-1))),f(f,";
+    EXPECT_EQ(reasonOf(factorial + "20))"), "");
+    EXPECT_EQ(reasonOf(factorial + "150))"), "a recursion of lambdas so deep");
+}
+
 TEST(Unsupported, NamesThatGrowWithoutEnd) {
     std::string lines =
         "name Sum_0: 1\nname Fib: LAMBDA(n,IF(n<3,1,Fib(n-1)+Fib(n-2)))\nA1: =Sum_20\nA2: =Fib(5)\nA3: =Sum_3\n";
