@@ -98,13 +98,13 @@ struct Node {
     Form form{};
     bool explicitSheet = false;  ///< of a reference: its sheet was written
     bool parenthesised = false;
-    bool unread = false;  ///< stands for text that could not be parsed: what it refers to is not known
-    int depth = 1;  ///< of the tree from here down
-    int index = 0;  ///< variable or model function
-    Value value;    ///< constant or reference
+    bool unread = false;               ///< stands for text that could not be parsed: what it refers to is not known
+    int depth = 1;                     ///< of the tree from here down
+    int index = 0;                     ///< variable or model function
+    Value value;                       ///< constant or reference
     const FunctionRow* row = nullptr;  ///< of a call, or of a function that stands for a lambda
-    std::string text;             ///< Unsupported: what is not supported
-    std::vector<int> parameters;  ///< variables of LET and LAMBDA, in order; ~i marks an optional one
+    std::string text;                  ///< Unsupported: what is not supported
+    std::vector<int> parameters;       ///< variables of LET and LAMBDA, in order; ~i marks an optional one
     std::vector<Node> children;
 };
 

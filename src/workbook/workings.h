@@ -24,7 +24,7 @@ struct Formula {
     bool volatileItself = false;
     bool callsModel = false;
     bool dynamic = false;  ///< refers to cells found only while evaluating
-    bool unread = false;  ///< it, or a name in it, could not be parsed
+    bool unread = false;   ///< it, or a name in it, could not be parsed
     bool live = false;     ///< runs at every recalculation
     bool done = false;     ///< its cell holds a value that was computed or saved
     bool subtotal = false;
