@@ -256,8 +256,14 @@ double tabulatedQuantile(int law, double u, const LawParameters& p) {
         return nan;
     }
     const std::uint64_t hash = hashOf(wanted);
-    const Entry* entry = slotAt(hash, 0).entry.load(std::memory_order_acquire);
+    Slot& first = slotAt(hash, 0);
+    const Entry* entry = first.entry.load(std::memory_order_acquire);
     if (entry == nullptr || !entry->is(wanted)) [[unlikely]] {
+        const std::uint64_t counted = entry == nullptr ? first.asked.load(std::memory_order_relaxed) : 0;
+        if (counted != 0 && (counted & fingerprintMask) == (hash & fingerprintMask)) {
+            count(first, hash & fingerprintMask, wanted, strangers);
+            return nan;
+        }
         entry = neighbour(hash, wanted);
         if (entry == nullptr) {
             if (Slot* slot = countingSlot(hash)) {
