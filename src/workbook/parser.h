@@ -12,6 +12,20 @@ struct NameTrail {
     int* count;  ///< of all names written out in the formula
 };
 
+inline Node constant(Value value) {
+    Node node;
+    node.kind = Node::Kind::Constant;
+    node.value = std::move(value);
+    return node;
+}
+
+inline Node unsupported(std::string what) {
+    Node node;
+    node.kind = Node::Kind::Unsupported;
+    node.text = std::move(what);
+    return node;
+}
+
 class Parser {
 public:
     Parser(std::string_view text, const FormulaPlace& place, Symbols& symbols, const NameTrail* trail = nullptr)
@@ -34,7 +48,7 @@ private:
     Node binary(Operator op, Node left, Node right);
     Node fold(Operator op, Node left, Node right);
 
-    // operands.cpp: constants, references, names, calls
+    // operands.cpp: constants, references
     Node primary();
     Node primaryWithoutPostfix();
     Node number();
@@ -54,15 +68,17 @@ private:
     bool wholeColumns(std::string_view token, int firstSheet, int lastSheet, bool explicitSheet, Node& node);
     bool cell(std::string_view token, int firstSheet, int lastSheet, bool explicitSheet, Node& node);
     Node reference(int firstSheet, int lastSheet, Area area, bool explicitSheet);
+    std::string_view token();
+    int variable(std::string_view name) const;
+    static std::string_view withoutPrefix(std::string_view name);
+
+    // calls.cpp: names, calls, variables
     Node definedName(std::string_view name, int sheet);
     Node call(std::string_view name);
     Node functionAsLambda(const std::string& name) const;
     Node variablesForm(Form form);
     std::vector<Node> callArguments();
-    std::string_view token();
     bool variableAhead(std::string_view& name, bool& optional);
-    int variable(std::string_view name) const;
-    static std::string_view withoutPrefix(std::string_view name);
 
     // structured.cpp: tables
     Node structured(const RawTable* table);
