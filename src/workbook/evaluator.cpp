@@ -4,12 +4,11 @@
 #include <boost/container/small_vector.hpp>
 #include <cmath>
 
+#include "workbook/stack_room.h"
+
 namespace quorva::workbook {
 
 namespace {
-
-constexpr int deepestEvaluation = 6000;
-constexpr int deepestLambda = 700;
 
 Value raise(double base, double exponent) {
     if (base == 0 && exponent == 0) {
@@ -185,13 +184,9 @@ Value Evaluator::evaluate(const Node& node) {
             break;
     }
     call.spend(1);
-    if (++depth > deepestEvaluation) {
-        throw Unsupported{"a formula nested so deeply"};
+    if (!roomForEvaluation()) {
+        throw Unsupported{"a formula nested so deeply, or a recursion of lambdas"};
     }
-    struct Leave {
-        int& depth;
-        ~Leave() { --depth; }
-    } leave{depth};
     switch (node.kind) {
         case Node::Kind::Unary:
             return unary(node);
@@ -349,15 +344,10 @@ Value Evaluator::invoke(const Value& lambda, std::span<const Value> arguments) {
         inner = std::make_shared<const Scope>(
             Scope{optional ? ~parameters[i] : parameters[i], omitted, omitted ? Value() : arguments[i], inner});
     }
-    if (depth > deepestLambda) {  // Excel goes deeper before it gives #NUM!
-        throw Unsupported{"a recursion of lambdas so deep"};
-    }
-    depth += 10;  // a call takes more of the stack than an operator
     std::swap(scope, inner);
     const Value held = lambda;
     Value result = evaluate(body->node->children[0]);
     std::swap(scope, inner);
-    depth -= 10;
     return result;
 }
 

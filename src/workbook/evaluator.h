@@ -66,7 +66,6 @@ struct Evaluator {
     Call call;
     Mode mode;
     std::shared_ptr<const Scope> scope;
-    int depth = 0;
 
 private:
     Value unary(const Node& node);

@@ -7,6 +7,7 @@
 
 #include "workbook/module_link.h"
 #include "workbook/program.h"
+#include "workbook/stack_room.h"
 
 namespace quorva::workbook {
 
@@ -233,7 +234,50 @@ void Workings::storeArray(int index, const Value& value) {
     }
 }
 
+namespace {
+
+/// Thrown when a formula needs another one and the stack has no room to compute it there and then.
+struct Postponed {
+    int needed;
+};
+
+}  // namespace
+
 void Workings::compute(int index) {
+    if (computing_) {
+        computeOne(index);
+        return;
+    }
+    // Chains of references made while evaluating (INDIRECT, OFFSET) may be longer than the stack is deep: then the
+    // formula that was found deep down comes first, and the others start again.
+    std::vector<int> waiting{index};
+    struct Computing {
+        explicit Computing(Workings& of, const std::vector<int>& all) : workings(of), formulas(all) {
+            workings.computing_ = true;
+        }
+        ~Computing() {
+            workings.computing_ = false;
+            for (const int formula : formulas) {
+                workings.formulas[static_cast<std::size_t>(formula)].waiting = false;
+            }
+        }
+        Workings& workings;
+        const std::vector<int>& formulas;
+    } const computing(*this, waiting);
+    while (!waiting.empty()) {
+        Formula& formula = formulas[static_cast<std::size_t>(waiting.back())];
+        formula.waiting = true;
+        try {
+            computeOne(waiting.back());
+            formula.waiting = false;
+            waiting.pop_back();
+        } catch (const Postponed& postponed) {
+            waiting.push_back(postponed.needed);
+        }
+    }
+}
+
+void Workings::computeOne(int index) {
     Formula& formula = formulas[static_cast<std::size_t>(index)];
     formula.pass = pass_;
     if (formula.removed) {
@@ -242,7 +286,6 @@ void Workings::compute(int index) {
     if (formula.circular) {
         return;
     }
-    formula.running = true;
     formula.why.clear();
     formula.modelCalls = 0;
     const Allowance::Grant grant(cells.allowance(), around.stepLimit);
@@ -268,8 +311,10 @@ void Workings::compute(int index) {
         } else {
             cells.set(formula.slot, ErrorCode::Name);
         }
+    } catch (const Postponed&) {
+        formula.pass = pass_ - 1;
+        throw;
     }
-    formula.running = false;
 }
 
 void Workings::computeLive(int index, bool again) {
@@ -299,10 +344,15 @@ void Workings::bringUpToDate(const Area& area) {
             late.push_back(formula);
         }
     });
-    for (const int formula : late) {
-        if (formulas[static_cast<std::size_t>(formula)].pass != pass_) {
-            compute(formula);
+    for (const int index : late) {
+        const Formula& formula = formulas[static_cast<std::size_t>(index)];
+        if (formula.pass == pass_ || formula.waiting) {
+            continue;
         }
+        if (!roomForFormulas()) {
+            throw Postponed{index};
+        }
+        compute(index);
     }
 }
 

@@ -29,7 +29,7 @@ struct Formula {
     bool done = false;     ///< its cell holds a value that was computed or saved
     bool subtotal = false;
     bool removed = false;  ///< an edit replaced it
-    bool running = false;
+    bool waiting = false;  ///< it is computed, or will be when what it needs is
     unsigned pass = 0;
     std::string why;  ///< what is not supported, or the cycle it is part of
     bool circular = false;
@@ -56,7 +56,7 @@ public:
     void recalculate();
     void set(const CellAddress& cell, const Value& value);
     void bringUpToDate(const Area& area);
-    /// Computes one formula and stores the result.
+    /// Computes one formula, and before it those that it turns out to need, and stores the results.
     void compute(int formula);
     /// As compute, for the part that runs at every recalculation: what is not supported ends it.
     /// `again`: also when it was computed in this pass.
@@ -96,6 +96,7 @@ private:
     void markLive();
     void prepare();
     void computeFixed();
+    void computeOne(int formula);
     void store(Formula& formula, Value value);
     void storeArray(int index, const Value& value);
     int useArea(const Area& area);
@@ -113,6 +114,7 @@ private:
     bool anyDynamic_ = false;
     bool connected_ = false;
     bool prepared_ = false;
+    bool computing_ = false;
 };
 
 /// Lines of a text workbook as a raw book; throws Failure.

@@ -127,6 +127,31 @@ TEST(LivePart, HasTheValuesOfAFullRecalculationAfterRandomEdits) {
     EXPECT_GT(compared, 10000);
 }
 
+/// A column of cells each of which asks for the one below it only while it is computed.
+std::string longChain(int length) {
+    std::string lines;
+    for (int row = 1; row < length; ++row) {
+        lines += "A" + std::to_string(row) + ": =INDIRECT(\"A\"&(ROW()+1))+1\n";
+    }
+    return lines;
+}
+
+TEST(LivePart, FollowsChainsOfReferencesLongerThanTheStackIsDeep) {
+    constexpr int length = 20'000;
+    Book book = Book::fromText(longChain(length) + "A20000: 1\n");
+    book.recalculateAll();
+    EXPECT_EQ(book.value({0, 0, 0}).number, length);
+    book.set({0, length - 1, 0}, {CellValue::Type::Number, 11, {}});
+    book.recalculate();
+    EXPECT_EQ(book.value({0, 0, 0}).number, length + 10);
+}
+
+TEST(LivePart, EndsOnAChainOfReferencesThatMeetsItself) {
+    Book book = Book::fromText(longChain(20'000) + "A20000: =INDIRECT(\"A1\")+1\n");
+    book.recalculateAll();
+    EXPECT_EQ(book.formulas().size(), 20'000u);
+}
+
 TEST(LivePart, ReportsACircularReferenceWithItsCells) {
     Book book = Book::fromText("A1: =B1+1\nB1: =C1*2\nC1: =A1\n");
     try {
