@@ -55,12 +55,7 @@ Node Parser::definedName(std::string_view name, int sheet) {
     try {
         Node node = Parser(found->formula, place, symbols_, &trail).parse();
         if (peek() == '(') {
-            ++at_;
-            Node invoked;
-            invoked.kind = Node::Kind::Call;
-            invoked.children = callArguments();
-            invoked.children.insert(invoked.children.begin(), std::move(node));
-            return invoked;
+            return invocation(std::move(node));
         }
         node.explicitSheet = true;
         return node;
@@ -89,6 +84,19 @@ std::vector<Node> Parser::callArguments() {
         expect(')');
         return arguments;
     }
+}
+
+/// The call of what `callee` gives, with the arguments whose parenthesis stands here.
+Node Parser::invocation(Node callee) {
+    expect('(');
+    Node node;
+    node.kind = Node::Kind::Call;
+    node.children = callArguments();
+    node.children.insert(node.children.begin(), std::move(callee));
+    for (const Node& child : node.children) {
+        node.depth = std::max(node.depth, child.depth + 1);
+    }
+    return node;
 }
 
 /// An identifier that a comma follows: the name of a variable in LET or LAMBDA.

@@ -96,12 +96,7 @@ Node Parser::primary() {
             spill.children.push_back(std::move(node));
             node = std::move(spill);
         } else if (peek() == '(' && (node.kind == Node::Kind::Call || node.kind == Node::Kind::Special)) {
-            ++at_;
-            Node invoked;
-            invoked.kind = Node::Kind::Call;
-            invoked.children = callArguments();
-            invoked.children.insert(invoked.children.begin(), std::move(node));
-            node = std::move(invoked);
+            node = invocation(std::move(node));
         } else {
             return node;
         }
@@ -479,15 +474,7 @@ Node Parser::identifier() {
         Node node;
         node.kind = Node::Kind::Variable;
         node.index = index;
-        if (peek() == '(') {
-            ++at_;
-            Node invoked;
-            invoked.kind = Node::Kind::Call;
-            invoked.children = callArguments();
-            invoked.children.insert(invoked.children.begin(), std::move(node));
-            return invoked;
-        }
-        return node;
+        return peek() == '(' ? invocation(std::move(node)) : node;
     }
     if (peek() == '(' || blanksBeforeArguments(word)) {
         expect('(');

@@ -77,6 +77,7 @@ private:
     Node call(std::string_view name);
     Node functionAsLambda(const std::string& name) const;
     Node variablesForm(Form form);
+    Node invocation(Node callee);
     std::vector<Node> callArguments();
     bool variableAhead(std::string_view& name, bool& optional);
 
