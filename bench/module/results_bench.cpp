@@ -22,7 +22,7 @@ void fillRun() {
     }
     run.fields.nFields = fields;
     run.fields.nRes = fields / 2;
-    run.fields.FieldTable = matrix<double>(fields, fieldcolumn::count);
+    run.fields.FieldTable = matrix<double>(fields, fieldcolumn::columns);
     run.fields.FieldNames = matrix<std::u16string>(fields, 2, u"name");
     run.sampling.nSim = nSim;
     run.sampling.SampleStore = matrix<double>(nSim, fields);

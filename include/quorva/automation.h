@@ -8,6 +8,10 @@
 namespace quorva {
 /// A 16-bit host boolean: 0 false, -1 true. A plain 1 does not count as true.
 using HostBool = std::int16_t;
+constexpr HostBool hostTrue = -1;
+constexpr HostBool hostFalse = 0;
+constexpr bool isTrue(HostBool flag) { return flag == hostTrue; }
+constexpr HostBool toHostBool(bool value) { return value ? hostTrue : hostFalse; }
 /// An automation string (BSTR); null is the empty string.
 using HostString = char16_t*;
 constexpr std::uint16_t hostStringVariant = 8;  ///< element type of an array of strings (VT_BSTR)

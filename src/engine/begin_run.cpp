@@ -119,7 +119,7 @@ int beginRun(int nSim, int inbuckets, const ConvergenceSettings& settings, int* 
     run.sampling.inbuckets = inbuckets;
     const FieldTables& fields = run.fields;
     if (fields.nDist < 1 || fields.nRes < 1 || fields.nFields < 1) {
-        return fail(runerror::modelIncomplete);
+        return fail(callcode::modelIncomplete);
     }
     if (fields.nFields > fields.registered) {
         return fail(runerror::notDescribed);
@@ -129,7 +129,7 @@ int beginRun(int nSim, int inbuckets, const ConvergenceSettings& settings, int* 
         return failOutOfMemory();
     }
     if (sampleCells(nSim) > limit::sampleCells) {
-        return fail(runerror::tooManyCells);
+        return fail(callcode::tooManyCells);
     }
     if (checkVarlistDoubles() < 0) {
         return fail(runerror::duplicateName);

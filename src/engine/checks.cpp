@@ -84,7 +84,7 @@ int checkVarlistCorr() {
         const bool given = label <= run.correlation.CorrLabels.rows();
         const int field = given ? fieldNamed(run.correlation.CorrLabels(label, 1), true) : 0;
         if (field == 0) {
-            return runerror::labelUnknown;
+            return callcode::labelUnknown;
         }
         table(field, fieldcolumn::correlationGroup) = groups(label, groupcolumn::group);
         table(field, fieldcolumn::correlationPosition) = label;

@@ -49,12 +49,12 @@ void renumberInNameOrder() {
     const std::vector<int> old = oldNumbers(sorted);
 
     fields.FieldOrder = matrix<double>(n, 1);
-    matrix<double> described(n, fieldcolumn::count);
-    copyBlock(fields.FieldTable, 1, n, 1, fieldcolumn::count, described);
+    matrix<double> described(n, fieldcolumn::columns);
+    copyBlock(fields.FieldTable, 1, n, 1, fieldcolumn::columns, described);
     for (int r = 1; r <= n; ++r) {
         const int j = old[static_cast<std::size_t>(r)];
         fields.FieldOrder(j, 1) = r;
-        for (int column = 1; column <= fieldcolumn::count; ++column) {
+        for (int column = 1; column <= fieldcolumn::columns; ++column) {
             fields.FieldTable(r, column) = described(j, column);
         }
         fields.FieldNames(r, 1) = std::move(sorted(r, 1));

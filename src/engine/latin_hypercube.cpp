@@ -92,7 +92,7 @@ double stratifiedUniform(const Generator& generator, int strata, int stream, Bou
         }
         const double uniform = generator.draw();
         if (stream == 0) {
-            recordError(runerror::tooManyCells, 0, 0, {});
+            recordError(runerror::noStream, 0, 0, {});
             return uniform;
         }
         const double stratum = column ? column[static_cast<int>(left) - 1] : left;

@@ -111,9 +111,9 @@ int Cpp_SimNext() {
                     run.correlation.CorrGroups(label, groupcolumn::drawn) = 0.0;
                 }
             }
-            return isTrue(run.error.flag) ? runerror::errorFlagSet : 0;
+            return isTrue(run.error.flag) ? callcode::errorRecorded : callcode::success;
         },
-        runerror::errorFlagSet);
+        callcode::errorRecorded);
 }
 
 void Cpp_SimError(int* oSimError, int* oEline, int* oEcol, HostStringArray** oESheet) {

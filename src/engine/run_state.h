@@ -13,65 +13,13 @@
 #include "common/matrix.h"
 #include "common/missing_value.h"
 #include "engine/random_permutation.h"
+#include "quorva/wire_format.h"
 
 namespace quorva {
 
-enum class RunStatus : int { Idle = 0, Initialised = 1, Prepared = 2, Running = 3, Analysing = 4 };
-
-enum class FieldKind : int { Distribution = 1, ScenarioVariable = 2, Result = 3, Statistic = 4 };
-
-/// Codes that the error record and the entry points share.
-namespace runerror {
-constexpr int errorFlagSet = -1;       ///< Cpp_SimNext: a field or a check has reported an error
-constexpr int labelUnknown = -1;       ///< a correlation label matches no distribution field
-constexpr int modelIncomplete = -2;    ///< no distribution, no result or no field at all
-constexpr int matrixUnusable = -2;     ///< correlation matrix not symmetric, or beyond repair
-constexpr int nothingRegistered = -3;  ///< nothing to simulate before Cpp_SimInit2
-constexpr int cellTaken = -10;         ///< two fields in one cell
-constexpr int notDescribed = -11;      ///< a field's cell that the description pass did not meet
-constexpr int tooManyCells = -12;      ///< nSim x nFields above the limit; a stream index of 0
-constexpr int tooManyFields = -13;     ///< more than 10,000 fields
-constexpr int noDrawInBounds = -14;    ///< retry limit of a truncated draw
-constexpr int cellBeyondGrid = -15;    ///< row or column beyond the grid
-constexpr int outOfMemory = -15;       ///< a grid or a table cannot be allocated
-constexpr int tooManySheets = -16;     ///< an 11th sheet, or a sheet that is not listed
-constexpr int duplicateName = -17;     ///< two fields share a name
-}  // namespace runerror
-
-/// Limits of a model.
-namespace limit {
-constexpr int gridRows = 65'000;
-constexpr int gridColumns = 256;  ///< accepted columns; the grid's stride is one less, see FieldGrid
-constexpr int sheets = 10;
-constexpr int fields = 10'000;
-constexpr int sampleCells = 64'000'000;
-constexpr int strataCells = 268'435'456;  ///< cells of LhsTable; more counts as out of memory
-constexpr int redraws = 10'000;
-}  // namespace limit
-
-/// Columns of FieldTable, one row per field. Columns 7 to 10 mean something else for each kind of field.
+/// Columns of FieldTable, one row per field: those that a front end receives, then the module's own.
 namespace fieldcolumn {
-constexpr int kind = 1;
-constexpr int law = 2;        ///< law identifier of a distribution
-constexpr int statistic = 2;  ///< StatisticId of a statistic field
-constexpr int row = 3;
-constexpr int column = 4;
-constexpr int visible = 5;
-constexpr int convergence = 6;  ///< result: monitored for convergence when greater than 0
-constexpr int param1 = 7;       ///< distribution: first of four parameters
-constexpr int param2 = 8;
-constexpr int param3 = 9;
-constexpr int param4 = 10;
-constexpr int lowerBound = 7;  ///< scenario variable
-constexpr int upperBound = 8;
-constexpr int stepMode = 9;
-constexpr int step = 10;
-constexpr int referenceRow = 7;  ///< statistic field
-constexpr int referenceColumn = 8;
-constexpr int referenceSheet = 9;
-constexpr int defaultValue = 11;
-constexpr int lowerProbability = 13;
-constexpr int upperProbability = 14;
+using namespace generalcolumn;
 constexpr int correlationGroup = 15;
 constexpr int correlationPosition = 16;
 constexpr int stream = 17;
@@ -80,7 +28,7 @@ constexpr int done = 19;  ///< drawn, recorded or computed in this iteration
 constexpr int sheetSlot = 20;
 constexpr int correlatedDraw = 21;
 constexpr int groupOpening = 22;
-constexpr int count = 22;
+constexpr int columns = 22;
 }  // namespace fieldcolumn
 
 /// Columns of FieldFlags, one row per field: the running moments.

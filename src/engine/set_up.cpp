@@ -12,16 +12,14 @@
 namespace quorva {
 namespace {
 
-constexpr int repaired = 2;
-
 /// Makes the correlation matrix a factor: triangular, else a symmetric square root, else repaired. Returns 0,
-/// `repaired`, or matrixUnusable.
+/// matrixRepaired, or matrixUnusable.
 int factorise(matrix<double>& correlations, double* given) {
     CorrelationState& state = run.correlation;
     const int n = correlations.rows();
     M_ReplaceMissingByVal(correlations, n, n, 0.0);
     if (!isTrue(M_IsSymmetric(&correlations, n))) {
-        return runerror::matrixUnusable;
+        return callcode::matrixUnusable;
     }
     int result = 0;
     if (M_CholDecomp(&correlations, n, &state.CorrFactor) >= 0) {
@@ -34,7 +32,7 @@ int factorise(matrix<double>& correlations, double* given) {
         state.CorrFactor = correlations;
         const bool sound = M_CorrMatFromSymMat(&state.CorrFactor, n) >= 0;
         state.method = FactorMethod::Triangular;
-        result = sound ? repaired : runerror::matrixUnusable;
+        result = sound ? callcode::matrixRepaired : callcode::matrixUnusable;
         copyToFrontEnd(state.CorrFactor, given);
     }
     FindSubGroups(&state.CorrFactor, n, &state.CorrGroups, &state.groups);
@@ -70,7 +68,7 @@ void setUpCapability(const double* iLSL, const double* iUSL, const double* itarg
 void createFieldTables() {
     FieldTables& fields = run.fields;
     fields.registered = std::max(fields.registered, 1);
-    fields.FieldTable = matrix<double>(fields.registered, fieldcolumn::count);
+    fields.FieldTable = matrix<double>(fields.registered, fieldcolumn::columns);
     fields.FieldFlags = matrix<double>(fields.registered, momentcolumn::columns);
     fields.FieldNames = matrix<std::u16string>(fields.registered, 2);
     std::fill_n(fields.FieldFlags.column(momentcolumn::minimum), fields.registered, MissingValueTwin);
@@ -110,7 +108,7 @@ int Cpp_SimInit2(HostBool UseCorr, int nCorr, double* iCorrMat, HostStringArray*
                  int inSpc, double iSpcConf, double* iLSL, double* iUSL, double* itarget, HostStringArray** LabelSPC) {
     if (run.fields.nDist < 1 || run.fields.nRes < 1 || run.fields.registered < 1) {
         run.status.clear();
-        return runerror::nothingRegistered;
+        return callcode::nothingRegistered;
     }
     if (isTrue(run.error.flag)) {
         return run.error.code;

@@ -16,13 +16,13 @@ inline void fillRun(std::initializer_list<double> kinds, int nSim) {
     auto& fields = run.fields;
     fields.nFields = fields.registered = n;
     fields.nRes = static_cast<int>(std::count(kinds.begin(), kinds.end(), 3.0));
-    fields.FieldTable = matrix<double>(n, fieldcolumn::count);
+    fields.FieldTable = matrix<double>(n, fieldcolumn::columns);
     fields.FieldFlags = matrix<double>(n, momentcolumn::columns);
     fields.FieldNames = matrix<std::u16string>(n, 2);
     run.sampling.nSim = nSim;
     run.sampling.SampleStore = matrix<double>(nSim, n);
     for (int j = 1; j <= n; ++j) {
-        for (int c = 1; c <= fieldcolumn::count; ++c) {
+        for (int c = 1; c <= fieldcolumn::columns; ++c) {
             fields.FieldTable(j, c) = 1000 * j + c;
         }
         fields.FieldTable(j, fieldcolumn::kind) = *(kinds.begin() + (j - 1));

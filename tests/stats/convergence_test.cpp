@@ -18,7 +18,7 @@ protected:
         run = RunState{};
         run.fields.nFields = 4;
         run.fields.nRes = 3;
-        run.fields.FieldTable = matrix<double>(4, fieldcolumn::count);
+        run.fields.FieldTable = matrix<double>(4, fieldcolumn::columns);
         run.fields.FieldFlags = matrix<double>(4, momentcolumn::columns);
         const double kinds[] = {1, 3, 3, 3};
         const double flagged[] = {0, 1, 0, 1};

@@ -68,7 +68,7 @@ protected:
         run = RunState{};
         lastTheoStat = {};
         run.fields.nFields = fields;
-        run.fields.FieldTable = matrix<double>(fields, fieldcolumn::count);
+        run.fields.FieldTable = matrix<double>(fields, fieldcolumn::columns);
         run.fields.FieldFlags = matrix<double>(fields, momentcolumn::columns);
         run.sampling.nSim = rows;
         run.sampling.SampleStore = matrix<double>(rows, fields);
