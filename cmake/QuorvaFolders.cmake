@@ -16,33 +16,39 @@ target_compile_options(quorva_options INTERFACE
     $<$<PLATFORM_ID:Linux>:-fno-semantic-interposition>)
 target_compile_definitions(quorva_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 
-# quorva_folder(NAME SEES target...): the sources of src/NAME as the target quorva_NAME. A folder's headers are
-# included as "NAME/header.h" and found only by targets that link it, so the arrows between folders are enforced here.
+# quorva_folder(NAME SEES target...): the sources of src/NAME as the target quorva_NAME, with "_" for "/" in a room such
+# as workbook/values. A folder's headers are included as "NAME/header.h" and found only by targets that link it, so the
+# arrows between folders are enforced here. Sources of folders below it that are no rooms of their own: SOURCES.
 function(quorva_folder name)
     cmake_parse_arguments(PARSE_ARGV 1 FOLDER "" "" "SEES;SOURCES")
+    string(REPLACE "/" "_" flat ${name})
+    set(target quorva_${flat})
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp)
     list(APPEND sources ${FOLDER_SOURCES})
-    set(root ${CMAKE_BINARY_DIR}/folders/${name})
-    file(MAKE_DIRECTORY ${root})
+    # The only way into the folder: a directory of its own with nothing in it but a link to the folder, under its name.
+    set(root ${CMAKE_BINARY_DIR}/folders/${flat})
+    cmake_path(GET name PARENT_PATH parent)
+    file(MAKE_DIRECTORY ${root}/${parent})
     file(CREATE_LINK ${CMAKE_SOURCE_DIR}/src/${name} ${root}/${name} SYMBOLIC)
     if(sources)
-        add_library(quorva_${name} OBJECT ${sources})
-        target_link_libraries(quorva_${name} PRIVATE quorva_options PUBLIC ${FOLDER_SEES})
-        target_include_directories(quorva_${name} PUBLIC ${root})
+        add_library(${target} OBJECT ${sources})
+        target_link_libraries(${target} PRIVATE quorva_options PUBLIC ${FOLDER_SEES})
+        target_include_directories(${target} PUBLIC ${root})
     else()
-        add_library(quorva_${name} INTERFACE)
-        target_link_libraries(quorva_${name} INTERFACE ${FOLDER_SEES})
-        target_include_directories(quorva_${name} INTERFACE ${root})
+        add_library(${target} INTERFACE)
+        target_link_libraries(${target} INTERFACE ${FOLDER_SEES})
+        target_include_directories(${target} INTERFACE ${root})
     endif()
 endfunction()
 
 # Objects of the given folders, for a target that is made of them (objects do not travel through other objects).
 function(quorva_objects target)
     foreach(name ${ARGN})
-        get_target_property(type quorva_${name} TYPE)
+        string(REPLACE "/" "_" folder quorva_${name})
+        get_target_property(type ${folder} TYPE)
         if(type STREQUAL "OBJECT_LIBRARY")
-            target_sources(${target} PRIVATE $<TARGET_OBJECTS:quorva_${name}>)
+            target_sources(${target} PRIVATE $<TARGET_OBJECTS:${folder}>)
         endif()
-        target_link_libraries(${target} PRIVATE quorva_${name})
+        target_link_libraries(${target} PRIVATE ${folder})
     endforeach()
 endfunction()
