@@ -1,9 +1,9 @@
 // Statistic fields: cells that report a statistic of another field while the run goes on.
 #include <algorithm>
 
+#include "engine/field_registry.h"
 #include "engine/inner_calls.h"
 #include "model/field_path.h"
-#include "model/registry.h"
 #include "quorva/worksheet.h"
 
 namespace quorva {

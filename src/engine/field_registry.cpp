@@ -1,5 +1,5 @@
 // Which field lives in which cell: the sheets of a model and one grid of field numbers per sheet.
-#include "model/registry.h"
+#include "engine/field_registry.h"
 
 #include <algorithm>
 
