@@ -1,4 +1,4 @@
-#include "engine/field_order.h"
+#include "control/field_order.h"
 
 #include <string>
 #include <unordered_map>

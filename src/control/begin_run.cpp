@@ -4,7 +4,7 @@
 
 #include "common/guarded.h"
 #include "common/whole_number.h"
-#include "engine/field_order.h"
+#include "control/field_order.h"
 #include "engine/inner_calls.h"
 #include "engine/run_state.h"
 #include "quorva/front_end.h"
