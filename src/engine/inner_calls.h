@@ -16,9 +16,6 @@ void getSheetId(int* column, int* row, int* slot, std::uint32_t sheetId, std::u1
 std::uint32_t getFieldInfo(int column, int row, int slot);
 void setFieldInfo(int column, int row, int slot, std::uint32_t value);
 
-// Laws
-double TheoStat(int law, int statistic, double Param1, double Param2, double Param3, double Param4);
-
 // Set-up and checks
 void FindSubGroups(quorva::matrix<double>* factor, int n, quorva::matrix<double>* groups, int* nGroups);
 int checkVarlistDoubles();

@@ -2,6 +2,7 @@
 #include "engine/inner_calls.h"
 #include "model/field_path.h"
 #include "model/tornado_plan.h"
+#include "numerics/law_table.h"
 #include "numerics/laws.h"
 #include "numerics/vector_statistics.h"
 #include "quorva/catalogue.h"

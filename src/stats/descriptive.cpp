@@ -7,6 +7,7 @@
 #include "common/whole_number.h"
 #include "engine/inner_calls.h"
 #include "engine/run_state.h"
+#include "numerics/law_table.h"
 #include "numerics/quantiles.h"
 #include "numerics/vector_statistics.h"
 #include "stats/capability.h"

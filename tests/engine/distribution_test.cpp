@@ -4,6 +4,7 @@
 #include <set>
 
 #include "model_test.h"
+#include "numerics/law_table.h"
 #include "numerics/laws.h"
 #include "quorva/catalogue.h"
 

@@ -7,6 +7,7 @@
 #include "common/missing_value.h"
 #include "engine/inner_calls.h"
 #include "fake_host.h"
+#include "numerics/law_table.h"
 #include "quorva/catalogue.h"
 #include "quorva/worksheet.h"
 

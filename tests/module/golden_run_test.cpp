@@ -14,7 +14,7 @@
 #include "common/front_end_arrays.h"
 #include "common/matrix.h"
 #include "common/missing_value.h"
-#include "engine/inner_calls.h"
+#include "exported_routines.h"
 #include "model_sheet.h"
 #include "quorva/catalogue.h"
 

@@ -11,7 +11,7 @@
 #include "../common/reported_error.h"
 #include "common/front_end_arrays.h"
 #include "common/missing_value.h"
-#include "engine/inner_calls.h"
+#include "exported_routines.h"
 #include "module_under_test.h"
 #include "quorva/front_end.h"
 #include "quorva/worksheet.h"

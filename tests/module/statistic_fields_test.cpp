@@ -9,7 +9,7 @@
 
 #include "common/matrix.h"
 #include "common/missing_value.h"
-#include "engine/inner_calls.h"
+#include "exported_routines.h"
 #include "model_sheet.h"
 #include "quorva/catalogue.h"
 

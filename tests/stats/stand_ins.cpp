@@ -1,6 +1,7 @@
 #include "stand_ins.h"
 
 #include "engine/inner_calls.h"
+#include "numerics/law_table.h"
 
 TheoStatCall lastTheoStat;
 

@@ -7,7 +7,7 @@
 
 #include "common/guarded.h"
 #include "common/missing_value.h"
-#include "engine/inner_calls.h"
+#include "numerics/law_table.h"
 #include "numerics/laws.h"
 #include "quorva/catalogue.h"
 
