@@ -8,7 +8,8 @@
 
 #include "common/front_end_arrays.h"
 #include "common/missing_value.h"
-#include "engine/inner_calls.h"
+#include "engine/correlated_draw.h"
+#include "engine/latin_hypercube.h"
 #include "engine/run_state.h"
 #include "quorva/front_end.h"
 #include "quorva/worksheet.h"

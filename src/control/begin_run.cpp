@@ -4,8 +4,9 @@
 
 #include "common/guarded.h"
 #include "common/whole_number.h"
+#include "control/checks.h"
 #include "control/field_order.h"
-#include "engine/inner_calls.h"
+#include "engine/field_registry.h"
 #include "engine/run_state.h"
 #include "quorva/front_end.h"
 

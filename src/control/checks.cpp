@@ -1,11 +1,11 @@
-// Checks of the described model: names, correlation labels, capability labels.
+#include "control/checks.h"
+
 #include <algorithm>
 #include <string_view>
 #include <unordered_map>
 
 #include "common/guarded.h"
 #include "common/whole_number.h"
-#include "engine/inner_calls.h"
 #include "engine/run_state.h"
 
 namespace quorva {

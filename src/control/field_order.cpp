@@ -6,7 +6,7 @@
 
 #include "common/sort_rows.h"
 #include "common/whole_number.h"
-#include "engine/inner_calls.h"
+#include "engine/field_registry.h"
 #include "engine/run_state.h"
 
 namespace quorva {

@@ -4,7 +4,7 @@
 
 #include "common/front_end_arrays.h"
 #include "common/guarded.h"
-#include "engine/inner_calls.h"
+#include "engine/correlation_groups.h"
 #include "engine/run_state.h"
 #include "numerics/linear_algebra.h"
 #include "quorva/front_end.h"

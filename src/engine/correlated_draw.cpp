@@ -1,11 +1,11 @@
-// The joint draw of all correlated fields: independent normals, mixed by the correlation factor, mapped back to
-// uniforms (a normal copula).
+#include "engine/correlated_draw.h"
+
 #include <algorithm>
 #include <optional>
 
 #include "common/guarded.h"
 #include "common/whole_number.h"
-#include "engine/inner_calls.h"
+#include "engine/latin_hypercube.h"
 #include "engine/run_state.h"
 #include "numerics/core.h"
 #include "numerics/linear_algebra.h"

@@ -1,7 +1,7 @@
-// Which correlation labels hang together.
+#include "engine/correlation_groups.h"
+
 #include "common/guarded.h"
 #include "common/missing_value.h"
-#include "engine/inner_calls.h"
 #include "engine/run_state.h"
 
 using namespace quorva;

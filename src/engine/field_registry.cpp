@@ -1,10 +1,8 @@
-// Which field lives in which cell: the sheets of a model and one grid of field numbers per sheet.
 #include "engine/field_registry.h"
 
 #include <algorithm>
 
 #include "common/guarded.h"
-#include "engine/inner_calls.h"
 
 namespace quorva {
 namespace {

@@ -1,9 +1,9 @@
-// Uniforms of the distribution fields: plain random, or stratified over a permutation of strata per field.
+#include "engine/latin_hypercube.h"
+
 #include <algorithm>
 
 #include "common/guarded.h"
 #include "common/whole_number.h"
-#include "engine/inner_calls.h"
 #include "engine/run_state.h"
 #include "numerics/uniforms.h"
 

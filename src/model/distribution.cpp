@@ -1,5 +1,6 @@
 // Distribution fields: cells that draw from a law.
-#include "engine/inner_calls.h"
+#include "engine/correlated_draw.h"
+#include "engine/latin_hypercube.h"
 #include "model/field_path.h"
 #include "model/tornado_plan.h"
 #include "numerics/law_table.h"

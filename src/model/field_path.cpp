@@ -1,7 +1,7 @@
 #include "model/field_path.h"
 
 #include "engine/field_registry.h"
-#include "engine/inner_calls.h"
+#include "stats/running_moments.h"
 
 namespace quorva {
 namespace {

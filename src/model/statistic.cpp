@@ -2,9 +2,9 @@
 #include <algorithm>
 
 #include "engine/field_registry.h"
-#include "engine/inner_calls.h"
 #include "model/field_path.h"
 #include "quorva/worksheet.h"
+#include "stats/descriptive.h"
 
 namespace quorva {
 namespace {

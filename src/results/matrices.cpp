@@ -1,9 +1,9 @@
-// The simulated values themselves: columns copied out of the sample store, with the names of their fields.
+#include "results/matrices.h"
+
 #include <algorithm>
 #include <utility>
 
 #include "common/guarded.h"
-#include "engine/inner_calls.h"
 #include "engine/run_state.h"
 #include "quorva/front_end.h"
 #include "results/front_end_tables.h"
@@ -61,8 +61,6 @@ using quorva::FieldKind;
 using quorva::kindOf;
 using quorva::run;
 
-/// Rows 1..nSim of field iFieldNbr into column 1 of Res (nSim x 1). A field number that does not exist leaves Res as
-/// it is.
 void GetSimRes(int iFieldNbr, int nSim, quorva::matrix<double>* Res) {
     quorva::guarded([&] {
         if (iFieldNbr >= 1 && iFieldNbr <= run.fields.nFields) {
@@ -71,26 +69,21 @@ void GetSimRes(int iFieldNbr, int nSim, quorva::matrix<double>* Res) {
     });
 }
 
-/// Rows 1..nSim of fields 1..nFields, whatever their kind, into Res (nSim x nFields).
 void GetSimMat(int nSim, int nFields, quorva::matrix<double>* Res) {
     quorva::guarded([&] { copyBlock(run.sampling.SampleStore, 1, nSim, 1, nFields, *Res); });
 }
 
-/// All fields of kind FType (1 distribution, 2 scenario variable, 3 result, 4 statistic) with their names.
 void GetSimMatGrp(int /*nSim*/, int /*nFields*/, quorva::matrix<double>* Res, int FType,
                   quorva::matrix<std::u16string>* ResStr) {
     quorva::guarded([&] { quorva::packKinds({static_cast<double>(FType)}, Res, ResStr); });
 }
 
-/// All distributions, then all results, with their names.
 void GetSimMatRed(int /*nSim*/, int /*nFields*/, quorva::matrix<double>* Res, quorva::matrix<std::u16string>* ResStr) {
     quorva::guarded([&] {
         quorva::packKinds({kindOf(FieldKind::Distribution), kindOf(FieldKind::Result)}, Res, ResStr);
     });
 }
 
-/// All distributions, then all results, then all statistics, with their names. The order is by kind; no values are
-/// sorted.
 void GetSimMatSorted(int /*nSim*/, int /*nFields*/, quorva::matrix<double>* Res,
                      quorva::matrix<std::u16string>* ResStr) {
     quorva::guarded([&] {

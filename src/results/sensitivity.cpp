@@ -1,11 +1,11 @@
-// How much each distribution contributes to the variability of a field.
+#include "results/sensitivity.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "common/guarded.h"
 #include "common/sort_rows.h"
-#include "engine/inner_calls.h"
 #include "engine/run_state.h"
 #include "quorva/front_end.h"
 
@@ -61,9 +61,6 @@ void sensitivity(const matrix<double>& associations, int nFtyp1, int iField, int
 
 }  // namespace quorva
 
-/// SensT (nFtyp1 x 4): field number, association with field iField, signed contribution and its size, a row for every
-/// distribution in field-number order; ranked by size when order is 1. VarCovT is nFields x nFields, field against
-/// field; an iField outside it reads its scratch value.
 void GetSensitivity(int /*nFields*/, quorva::matrix<double>* VarCovT, int nFtyp1, int iField, int order,
                     quorva::matrix<double>* SensT) {
     quorva::guarded([&] { quorva::sensitivity(*VarCovT, nFtyp1, iField, order, *SensT); });

@@ -1,5 +1,5 @@
-// Tornado and spider: one input at a time moves over a few points while the others stay at their base case. The field
-// functions step through the plan made here, a recalculation for each case, and record the results in its store.
+#include "results/tornado.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -9,7 +9,6 @@
 #include "common/guarded.h"
 #include "common/sort_rows.h"
 #include "common/whole_number.h"
-#include "engine/inner_calls.h"
 #include "engine/run_state.h"
 #include "numerics/linear_algebra.h"
 #include "quorva/front_end.h"
@@ -206,13 +205,6 @@ void fillCases(int nCases, int field, int k, matrix<double>& TorT) {
 
 }  // namespace quorva
 
-/// Makes the plan of a pass and sets the analysing status.
-///   iDefCase      base case of the inputs that stay: 0 simulated median, other default value
-///   iIntMeth      0: points across the central interval; other: a band of relative half-width ialpha round the base
-///   inbrPts       points of each input, at least 2
-///   IntT          p x 5, as SimEnd returns it; MissingValue in column 3: the field has no points
-///   onCases       receives the rows of the tornado table: results x points
-///   SpiderLabels  inbrPts texts, the position of each point in percent
 void PrepareTor(int iDefCase, int iIntMeth, double ialpha, int inbrPts, int p, int* onCases,
                 quorva::matrix<double>* IntT, quorva::matrix<std::u16string>* SpiderLabels) {
     using namespace quorva;
@@ -230,12 +222,6 @@ void PrepareTor(int iDefCase, int iIntMeth, double ialpha, int inbrPts, int p, i
     });
 }
 
-/// The table of a pass, which ends with it.
-///   TorT       nCases x nFields: a column for each input (distributions and scenario variables in field-number
-///              order), inbrPts rows for each result in the order that ResInd gives; MissingValue where clamped
-///   FieldInd   nFields: field number of each column
-///   ResInd     N: order number of a field as a result, 0 for any other
-///   FieldName  nFields: name of each column's field
 void GetTornado(int nCases, int /*nFields*/, quorva::matrix<double>* TorT, quorva::matrix<int>* FieldInd,
                 quorva::matrix<int>* ResInd, quorva::matrix<std::u16string>* FieldName) {
     using namespace quorva;
@@ -261,8 +247,6 @@ void GetTornado(int nCases, int /*nFields*/, quorva::matrix<double>* TorT, quorv
     });
 }
 
-/// Spider (nP x nFields) and tornado (nFields x 4: field number, minimum, maximum, swing; widest first) of the result
-/// field iField, out of the table and the field numbers that GetTornado returned.
 void GetTornadoItem(int /*nCases*/, int nFields, int iField, quorva::matrix<double>* TorT,
                     quorva::matrix<int>* FieldInd, quorva::matrix<double>* oTornado, quorva::matrix<double>* oSpider) {
     using namespace quorva;

@@ -1,11 +1,10 @@
-// One statistic of one field at the current point of a run: the place where the statistic identifiers get their
-// meaning.
+#include "stats/descriptive.h"
+
 #include <span>
 #include <utility>
 
 #include "common/guarded.h"
 #include "common/whole_number.h"
-#include "engine/inner_calls.h"
 #include "engine/run_state.h"
 #include "numerics/law_table.h"
 #include "numerics/quantiles.h"
@@ -153,10 +152,6 @@ double fieldStatistic(int nObs, int field, int statistic) {
 
 }  // namespace quorva
 
-/// Statistic `statistic` of field `field` over its first nObs values: from the running moments where the catalogue
-/// says so, otherwise from the stored values, the field's law or its specification limits. An identifier that does
-/// not exist gives MissingValue; nObs below 1 gives 0 outside the running moments. ownField, the number of the field
-/// that shows the statistic, takes no part.
 double SimCalcStat(int nObs, int field, int /*ownField*/, int statistic) {
     return quorva::guarded([&] { return quorva::fieldStatistic(nObs, field, statistic); }, quorva::MissingValue);
 }

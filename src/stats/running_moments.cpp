@@ -1,11 +1,13 @@
-// Running moments of the fields whose statistics are asked for, and the close of an iteration.
+#include "stats/running_moments.h"
+
 #include <algorithm>
 #include <cmath>
 
 #include "common/guarded.h"
 #include "common/whole_number.h"
-#include "engine/inner_calls.h"
+#include "engine/field_registry.h"
 #include "engine/run_state.h"
+#include "stats/descriptive.h"
 
 namespace quorva {
 namespace {

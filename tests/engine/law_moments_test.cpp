@@ -5,7 +5,6 @@
 #include <limits>
 
 #include "common/missing_value.h"
-#include "engine/inner_calls.h"
 #include "fake_host.h"
 #include "numerics/law_table.h"
 #include "quorva/catalogue.h"

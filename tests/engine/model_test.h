@@ -11,7 +11,7 @@
 
 #include "../common/reported_error.h"
 #include "common/front_end_arrays.h"
-#include "engine/inner_calls.h"
+#include "engine/field_registry.h"
 #include "engine/run_state.h"
 #include "fake_host.h"
 #include "quorva/front_end.h"

@@ -15,7 +15,10 @@ WINDOWS_LIBRARIES = {"kernel32.dll", "msvcrt.dll", "oleaut32.dll"}
 LINUX_LIBRARIES = {"libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6", "libtbb.so.12",
                    "ld-linux-x86-64.so.2", "libasan.so.8", "libubsan.so.1"}
 DECLARATIONS = ("include/quorva/front_end.h", "include/quorva/add_in.h", "include/quorva/automation.h",
-                "src/engine/inner_calls.h", "src/numerics/law_table.h")
+                "src/numerics/law_table.h", "src/engine/field_registry.h", "src/engine/correlation_groups.h",
+                "src/engine/latin_hypercube.h", "src/engine/correlated_draw.h", "src/control/checks.h",
+                "src/stats/running_moments.h", "src/stats/descriptive.h", "src/results/summary.h",
+                "src/results/matrices.h", "src/results/tornado.h", "src/results/sensitivity.h")
 
 
 def run(*command):

@@ -5,9 +5,9 @@
 #include <limits>
 #include <vector>
 
-#include "engine/inner_calls.h"
 #include "filled_run.h"
 #include "quorva/front_end.h"
+#include "results/sensitivity.h"
 
 namespace quorva {
 namespace {

@@ -6,10 +6,10 @@
 #include <limits>
 #include <vector>
 
-#include "engine/inner_calls.h"
 #include "filled_run.h"
 #include "host_strings.h"
 #include "quorva/front_end.h"
+#include "results/tornado.h"
 
 namespace quorva {
 namespace {

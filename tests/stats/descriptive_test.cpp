@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "engine/inner_calls.h"
 #include "engine/run_state.h"
 #include "numerics/vector_statistics.h"
 #include "quorva/catalogue.h"
@@ -39,6 +38,7 @@ struct CapabilityCase {
 };
 
 #include "reference.inc"
+#include "stats/descriptive.h"
 
 const Series& series(const std::string& name) {
     for (const auto& one : allSeries) {

@@ -1,6 +1,6 @@
 #include "stand_ins.h"
 
-#include "engine/inner_calls.h"
+#include "engine/field_registry.h"
 #include "numerics/law_table.h"
 
 TheoStatCall lastTheoStat;
