@@ -1,9 +1,9 @@
 // The front end's calls that start a run, step it, and tell what went wrong.
-#include "common/front_end_arrays.h"
 #include "common/guarded.h"
 #include "engine/run_state.h"
 #include "numerics/laws.h"
 #include "numerics/uniforms.h"
+#include "platform/front_end_arrays.h"
 #include "quorva/front_end.h"
 #include "stats/running_moments.h"
 

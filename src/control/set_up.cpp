@@ -2,11 +2,11 @@
 // the tables that the fields will fill.
 #include <algorithm>
 
-#include "common/front_end_arrays.h"
 #include "common/guarded.h"
 #include "engine/correlation_groups.h"
 #include "engine/run_state.h"
 #include "numerics/linear_algebra.h"
+#include "platform/front_end_arrays.h"
 #include "quorva/front_end.h"
 
 namespace quorva {

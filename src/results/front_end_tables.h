@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "common/front_end_arrays.h"
 #include "common/matrix.h"
+#include "platform/front_end_arrays.h"
 
 namespace quorva {
 

@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
-#include "../common/reported_error.h"
-#include "common/front_end_arrays.h"
+#include "../platform/reported_error.h"
 #include "engine/field_registry.h"
 #include "engine/run_state.h"
 #include "fake_host.h"
+#include "platform/front_end_arrays.h"
 #include "quorva/front_end.h"
 #include "quorva/worksheet.h"
 

@@ -11,11 +11,11 @@
 #include <string>
 #include <string_view>
 
-#include "common/front_end_arrays.h"
 #include "common/matrix.h"
 #include "common/missing_value.h"
 #include "exported_routines.h"
 #include "model_sheet.h"
+#include "platform/front_end_arrays.h"
 #include "quorva/catalogue.h"
 
 namespace {

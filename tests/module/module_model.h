@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "../common/reported_error.h"
-#include "common/front_end_arrays.h"
+#include "../platform/reported_error.h"
 #include "common/missing_value.h"
 #include "exported_routines.h"
 #include "module_under_test.h"
+#include "platform/front_end_arrays.h"
 #include "quorva/front_end.h"
 #include "quorva/worksheet.h"
 

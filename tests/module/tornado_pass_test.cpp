@@ -6,10 +6,10 @@
 #include <cmath>
 #include <string>
 
-#include "common/front_end_arrays.h"
 #include "common/matrix.h"
 #include "common/missing_value.h"
 #include "model_sheet.h"
+#include "platform/front_end_arrays.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "common/front_end_arrays.h"
+#include "platform/front_end_arrays.h"
 
 namespace quorva {
 

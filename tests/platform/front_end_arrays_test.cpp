@@ -1,4 +1,4 @@
-#include "common/front_end_arrays.h"
+#include "platform/front_end_arrays.h"
 
 #include <gtest/gtest.h>
 
