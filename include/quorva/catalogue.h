@@ -7,9 +7,48 @@
 
 namespace quorva {
 
+/// Law identifiers; the numerical library's index of a law is one less. No law has 34.
+namespace law {
+constexpr int beta = 1;
+constexpr int binomial = 2;
+constexpr int negativeBinomial1 = 3;
+constexpr int negativeBinomial2 = 4;
+constexpr int chiSquare = 5;
+constexpr int exponential = 6;
+constexpr int fisher = 7;
+constexpr int gumbel = 8;
+constexpr int fisherTippett1 = 9;
+constexpr int fisherTippett2 = 10;
+constexpr int gamma1 = 11;
+constexpr int gamma2 = 12;
+constexpr int gamma3 = 13;
+constexpr int logNormal = 14;
+constexpr int normal = 15;
+constexpr int normalStd = 16;
+constexpr int pareto = 17;
+constexpr int poisson = 18;
+constexpr int student = 19;
+constexpr int uniform = 20;
+constexpr int weibull1 = 21;
+constexpr int weibull2 = 22;
+constexpr int weibull3 = 23;
+constexpr int gev = 24;
+constexpr int erlang = 25;
+constexpr int triangular = 26;
+constexpr int pert = 27;
+constexpr int logistic = 28;
+constexpr int uniformDiscrete = 29;
+constexpr int beta4 = 30;
+constexpr int trapezoidal = 31;
+constexpr int bernoulli = 32;
+constexpr int logNormal2 = 33;
+constexpr int arcsine = 35;
+constexpr int last = 35;
+}  // namespace law
+
 /// A worksheet function that defines a distribution field of one law.
 struct LawEntry {
-    int law;  ///< law identifier; the numerical library's index is one less
+    int law;  ///< identifier
     std::string_view wrapper;
     int parameters;
     std::array<std::string_view, 5> parameterNames;
@@ -20,41 +59,41 @@ struct LawEntry {
 /// In the order of registration. TriangularQ shares the law of Triangular.
 constexpr std::array<LawEntry, 35> lawTable{{
     // The help of Binomial reads like the one of Beta, with a blank behind; this is the text users know.
-    {1, "QUORVA_SimBeta", 2, {"alpha", "beta"}, false, "Beta Distribution."},
-    {2, "QUORVA_SimBinomial", 2, {"n", "p"}, false, "Beta Distribution. "},
-    {3, "QUORVA_SimBinomialNeg1", 2, {"n", "p"}, false, "Negative Binomiale (1) Distribution."},
-    {4, "QUORVA_SimBinomialNeg2", 2, {"k", "p"}, false, "Negative Binomial (2) Distribution."},
-    {5, "QUORVA_SimChiSquare", 1, {"df"}, true, "Chi Sqr Distribution."},
-    {6, "QUORVA_SimExponential", 1, {"lambda"}, false, "Exponential Distribution."},
-    {7, "QUORVA_SimFisher", 2, {"df1", "df2"}, false, "Fisher Distribution."},
-    {9, "QUORVA_SimFisherTippett1", 1, {"beta"}, false, "Fisher Tippett (1) Distribution."},
-    {10, "QUORVA_SimFisherTippett2", 2, {"beta", "mu"}, false, "Fisher Tippett (2) Distribution."},
-    {8, "QUORVA_SimGumbel", 0, {}, false, "Gumbel Distribution."},
-    {11, "QUORVA_SimGamma1", 1, {"k"}, false, "Gamma (1) Distribution."},
-    {12, "QUORVA_SimGamma2", 2, {"k", "beta"}, false, "Gamma (2) Distribution."},
-    {13, "QUORVA_SimGamma3", 3, {"k", "beta", "mu"}, false, "Gamma (3) Distribution."},
-    {24, "QUORVA_SimGEV", 3, {"beta", "k", "mu"}, false, "GEV Distribution."},
-    {14, "QUORVA_SimLogNormal", 2, {"mu", "sigma"}, false, "Lognormal Distribution."},
-    {15, "QUORVA_SimNormal", 2, {"mu", "sigma"}, false, "Normal Distribution."},
-    {16, "QUORVA_SimNormalStd", 0, {}, false, "Normal standard Distribution."},
-    {17, "QUORVA_SimPareto", 2, {"a", "b"}, false, "Pareto Distribution."},
-    {18, "QUORVA_SimPoisson", 1, {"lambda"}, false, "Poisson Distribution."},
-    {19, "QUORVA_SimStudent", 1, {"df"}, false, "Student Distribution."},
-    {20, "QUORVA_SimUniform", 2, {"a", "b"}, false, "Uniform Distribution."},
-    {21, "QUORVA_SimWeibull1", 1, {"beta"}, false, "Weibull (1) Distribution."},
-    {22, "QUORVA_SimWeibull2", 2, {"beta", "gamma"}, false, "Weibull (2) Distribution."},
-    {23, "QUORVA_SimWeibull3", 3, {"beta", "gamma", "mu"}, false, "Weibull (3) Distribution."},
-    {25, "QUORVA_SimErlang", 2, {"beta", "gamma"}, false, "Erlang Distribution."},
-    {26, "QUORVA_SimTriangular", 3, {"a", "m", "b"}, false, "Triangular Distribution."},
-    {27, "QUORVA_SimPert", 3, {"a", "m", "b"}, false, "Pert Distribution."},
-    {28, "QUORVA_SimLogistic", 2, {"mu", "sigma"}, false, "Logistic Distribution."},
-    {29, "QUORVA_SimUniformDisc", 2, {"a", "b"}, false, "Uniform discrete Distribution."},
-    {30, "QUORVA_SimBeta4", 4, {"alpha", "beta", "c", "d"}, false, "Beta4 Distribution."},
-    {31, "QUORVA_SimTrapezoidal", 4, {"a", "b", "c", "d"}, false, "Trapezoidal Distribution."},
-    {32, "QUORVA_SimBernoulli", 1, {"p"}, false, "Bernoulli Distribution."},
-    {33, "QUORVA_SimLogNormal2", 2, {"mu", "sigma"}, false, "Lognormal2 Distribution."},
-    {26, "QUORVA_SimTriangularQ", 5, {"a", "m", "b", "q1", "q2"}, false, "Triangular Distribution."},
-    {35, "QUORVA_SimArcsineG", 1, {"theta"}, true, "Arcus Sinus distribution."},
+    {law::beta, "QUORVA_SimBeta", 2, {"alpha", "beta"}, false, "Beta Distribution."},
+    {law::binomial, "QUORVA_SimBinomial", 2, {"n", "p"}, false, "Beta Distribution. "},
+    {law::negativeBinomial1, "QUORVA_SimBinomialNeg1", 2, {"n", "p"}, false, "Negative Binomiale (1) Distribution."},
+    {law::negativeBinomial2, "QUORVA_SimBinomialNeg2", 2, {"k", "p"}, false, "Negative Binomial (2) Distribution."},
+    {law::chiSquare, "QUORVA_SimChiSquare", 1, {"df"}, true, "Chi Sqr Distribution."},
+    {law::exponential, "QUORVA_SimExponential", 1, {"lambda"}, false, "Exponential Distribution."},
+    {law::fisher, "QUORVA_SimFisher", 2, {"df1", "df2"}, false, "Fisher Distribution."},
+    {law::fisherTippett1, "QUORVA_SimFisherTippett1", 1, {"beta"}, false, "Fisher Tippett (1) Distribution."},
+    {law::fisherTippett2, "QUORVA_SimFisherTippett2", 2, {"beta", "mu"}, false, "Fisher Tippett (2) Distribution."},
+    {law::gumbel, "QUORVA_SimGumbel", 0, {}, false, "Gumbel Distribution."},
+    {law::gamma1, "QUORVA_SimGamma1", 1, {"k"}, false, "Gamma (1) Distribution."},
+    {law::gamma2, "QUORVA_SimGamma2", 2, {"k", "beta"}, false, "Gamma (2) Distribution."},
+    {law::gamma3, "QUORVA_SimGamma3", 3, {"k", "beta", "mu"}, false, "Gamma (3) Distribution."},
+    {law::gev, "QUORVA_SimGEV", 3, {"beta", "k", "mu"}, false, "GEV Distribution."},
+    {law::logNormal, "QUORVA_SimLogNormal", 2, {"mu", "sigma"}, false, "Lognormal Distribution."},
+    {law::normal, "QUORVA_SimNormal", 2, {"mu", "sigma"}, false, "Normal Distribution."},
+    {law::normalStd, "QUORVA_SimNormalStd", 0, {}, false, "Normal standard Distribution."},
+    {law::pareto, "QUORVA_SimPareto", 2, {"a", "b"}, false, "Pareto Distribution."},
+    {law::poisson, "QUORVA_SimPoisson", 1, {"lambda"}, false, "Poisson Distribution."},
+    {law::student, "QUORVA_SimStudent", 1, {"df"}, false, "Student Distribution."},
+    {law::uniform, "QUORVA_SimUniform", 2, {"a", "b"}, false, "Uniform Distribution."},
+    {law::weibull1, "QUORVA_SimWeibull1", 1, {"beta"}, false, "Weibull (1) Distribution."},
+    {law::weibull2, "QUORVA_SimWeibull2", 2, {"beta", "gamma"}, false, "Weibull (2) Distribution."},
+    {law::weibull3, "QUORVA_SimWeibull3", 3, {"beta", "gamma", "mu"}, false, "Weibull (3) Distribution."},
+    {law::erlang, "QUORVA_SimErlang", 2, {"beta", "gamma"}, false, "Erlang Distribution."},
+    {law::triangular, "QUORVA_SimTriangular", 3, {"a", "m", "b"}, false, "Triangular Distribution."},
+    {law::pert, "QUORVA_SimPert", 3, {"a", "m", "b"}, false, "Pert Distribution."},
+    {law::logistic, "QUORVA_SimLogistic", 2, {"mu", "sigma"}, false, "Logistic Distribution."},
+    {law::uniformDiscrete, "QUORVA_SimUniformDisc", 2, {"a", "b"}, false, "Uniform discrete Distribution."},
+    {law::beta4, "QUORVA_SimBeta4", 4, {"alpha", "beta", "c", "d"}, false, "Beta4 Distribution."},
+    {law::trapezoidal, "QUORVA_SimTrapezoidal", 4, {"a", "b", "c", "d"}, false, "Trapezoidal Distribution."},
+    {law::bernoulli, "QUORVA_SimBernoulli", 1, {"p"}, false, "Bernoulli Distribution."},
+    {law::logNormal2, "QUORVA_SimLogNormal2", 2, {"mu", "sigma"}, false, "Lognormal2 Distribution."},
+    {law::triangular, "QUORVA_SimTriangularQ", 5, {"a", "m", "b", "q1", "q2"}, false, "Triangular Distribution."},
+    {law::arcsine, "QUORVA_SimArcsineG", 1, {"theta"}, true, "Arcus Sinus distribution."},
 }};
 
 constexpr int empiricLaw = 61;  ///< a list of values given by the user

@@ -9,12 +9,10 @@
 #include "engine/run_state.h"
 #include "numerics/core.h"
 #include "numerics/linear_algebra.h"
+#include "quorva/catalogue.h"
 
 namespace quorva {
 namespace {
-
-constexpr double normalLaw = 15.0;
-constexpr double standardNormalLaw = 16.0;
 
 /// Labels that the tables have room for: as many as were set up.
 int labelCount() { return std::min(run.correlation.nCorr, run.correlation.CorrNormals.rows()); }
@@ -41,7 +39,7 @@ void mixAndMapBack() {
         const int field = fieldOf(label);
         double& draw = state.CorrUniforms(label, 1);
         const double law = run.fields.FieldTable(field, fieldcolumn::law);
-        if (law == normalLaw || law == standardNormalLaw) {
+        if (law == law::normal || law == law::normalStd) {
             run.fields.FieldTable(field, fieldcolumn::correlatedDraw) = draw;
         }
         draw = CDFNormalStd(draw);

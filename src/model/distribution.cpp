@@ -12,10 +12,7 @@
 namespace quorva {
 namespace {
 
-constexpr int normalLaw = 15;
-constexpr int standardNormalLaw = 16;
-constexpr int lastStoredLaw = 60;         ///< laws above are drawn as an index, which their caller turns into a value
-constexpr int discreteUniformIndex = 28;  ///< index of the law that such an index is drawn from
+constexpr int lastStoredLaw = 60;  ///< laws above are drawn as an index, which their caller turns into a value
 constexpr int truncatedByValue = 1;
 constexpr int truncatedByProbability = 2;
 
@@ -50,8 +47,8 @@ struct Distribution {
         return CDFFunction(lawIndex(), x, parameters[0], parameters[1], parameters[2], parameters[3]);
     }
     double quantile(double uniform) const {
-        return InvCDFFunction(law > lastStoredLaw ? discreteUniformIndex : lawIndex(), uniform, parameters[0],
-                              parameters[1], parameters[2], parameters[3]);
+        return InvCDFFunction(law > lastStoredLaw ? quorva::lawIndex(law::uniformDiscrete) : lawIndex(), uniform,
+                              parameters[0], parameters[1], parameters[2], parameters[3]);
     }
 };
 
@@ -82,10 +79,10 @@ double draw(const Distribution& distribution, int field) {
     if (table(field, fieldcolumn::correlationGroup) > 0.0) {
         const double uniform = getNormalCorr(field, &seed.seed, seed.initialise, &seed.updated);
         // The correlated normal itself serves the normal laws.
-        if (distribution.law == normalLaw) {
+        if (distribution.law == law::normal) {
             return distribution.parameters[1] * table(field, fieldcolumn::correlatedDraw) + distribution.parameters[0];
         }
-        if (distribution.law == standardNormalLaw) {
+        if (distribution.law == law::normalStd) {
             return table(field, fieldcolumn::correlatedDraw);
         }
         return distribution.quantile(uniform);

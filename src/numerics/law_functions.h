@@ -4,6 +4,8 @@
 #include <array>
 #include <limits>
 
+#include "quorva/catalogue.h"
+
 namespace quorva {
 
 /// The four parameters of a law in the order of the law table; unused ones are 0.
@@ -35,10 +37,12 @@ struct LawFunctions {
     double (*largestProbability)(double k, const LawParameters&) = nullptr;
 };
 
+/// The index of a law in the functions that are asked by index.
+constexpr int lawIndex(int law) { return law - 1; }
+constexpr std::size_t lawCount = law::last;
+
 /// Quantile of the law itself, without tables; see InvCDFFunction.
 double directQuantile(int law, double u, const LawParameters& parameters);
-/// The law of an index; null for an index that no law has.
-const LawFunctions* findLaw(int law);
 /// The support at these parameters; not defined for NaN or infinite ones.
 Support supportOf(const LawFunctions& law, const LawParameters& parameters);
 

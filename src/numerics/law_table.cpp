@@ -1,5 +1,5 @@
-// Theoretical mean, variance and standard deviation of the laws. The formulas are the ones that users' reports have
-// always shown, those included that differ from the textbook (14, 21, 22, 23, 24, 26, 27, 28, 31); intended.
+#include "numerics/law_table.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -7,24 +7,11 @@
 
 #include "common/guarded.h"
 #include "common/missing_value.h"
-#include "numerics/law_table.h"
 #include "numerics/laws.h"
 #include "quorva/catalogue.h"
 
 namespace quorva {
 namespace {
-
-struct Parameters {
-    double a, b, c, d;
-};
-
-using Moment = double (*)(const Parameters&);
-
-struct LawMoments {
-    int law;
-    Moment mean;
-    Moment variance;
-};
 
 constexpr double euler = 0.5772156649015329;
 constexpr double pi = 3.141592653589793;
@@ -33,111 +20,122 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 
 double square(double x) { return x * x; }
 
-double zero(const Parameters&) { return 0.0; }
-double first(const Parameters& p) { return p.a; }
-double midpoint(const Parameters& p) { return (p.a + p.b) / 2.0; }
-double gumbelVariance(const Parameters& p) { return square(p.a * pi) / 6.0; }
-double gammaVariance(const Parameters& p) { return square(p.b) * p.a; }
+double zero(const LawParameters&) { return 0.0; }
+double first(const LawParameters& p) { return p[0]; }
+double midpoint(const LawParameters& p) { return (p[0] + p[1]) / 2.0; }
+double gumbelVariance(const LawParameters& p) { return square(p[0] * pi) / 6.0; }
+double gammaVariance(const LawParameters& p) { return square(p[1]) * p[0]; }
 
 double betaVariance(double alpha, double beta) { return alpha * beta / (square(alpha + beta) * (alpha + beta + 1.0)); }
 
-double fisherMean(const Parameters& p) { return p.b == 2.0 ? 1.0 : p.b / (p.b - 2.0); }
-double fisherVariance(const Parameters& p) {
-    return 2.0 * square(p.b) * (p.a + p.b - 2.0) / (p.a * square(p.b - 2.0) * (p.b - 4.0));
+double fisherMean(const LawParameters& p) { return p[1] == 2.0 ? 1.0 : p[1] / (p[1] - 2.0); }
+double fisherVariance(const LawParameters& p) {
+    return 2.0 * square(p[1]) * (p[0] + p[1] - 2.0) / (p[0] * square(p[1] - 2.0) * (p[1] - 4.0));
 }
 
-double weibullMean(const Parameters& p) { return GammaF(1.0 / p.a + 1.0) * p.b; }
-double weibullVariance(const Parameters& p) {
-    return GammaF(2.0 / p.a + 1.0) * square(p.b) - square(GammaF(1.0 / p.a + 1.0));
+double weibullMean(const LawParameters& p) { return GammaF(1.0 / p[0] + 1.0) * p[1]; }
+double weibullVariance(const LawParameters& p) {
+    return GammaF(2.0 / p[0] + 1.0) * square(p[1]) - square(GammaF(1.0 / p[0] + 1.0));
 }
 /// Reads the second parameter, which the law with one parameter leaves 0.
-double weibull1Variance(const Parameters& p) { return GammaF(2.0 / p.b + 1.0) - square(GammaF(1.0 / p.b + 1.0)); }
+double weibull1Variance(const LawParameters& p) { return GammaF(2.0 / p[1] + 1.0) - square(GammaF(1.0 / p[1] + 1.0)); }
 
-double extremeValueMean(const Parameters& p) { return p.b == 0.0 ? 0.0 : p.a / p.b; }
-double extremeValueVariance(const Parameters& p) {
-    return (GammaF(2.0 * p.b + 1.0) - square(GammaF(p.b + 1.0))) * square(p.a / p.b);
+double extremeValueMean(const LawParameters& p) { return p[1] == 0.0 ? 0.0 : p[0] / p[1]; }
+double extremeValueVariance(const LawParameters& p) {
+    return (GammaF(2.0 * p[1] + 1.0) - square(GammaF(p[1] + 1.0))) * square(p[0] / p[1]);
 }
 
-double threePointMean(const Parameters& p) { return (p.a + p.b + p.c) / 3.0; }
-double threePointVariance(const Parameters& p) {
-    return (p.a * p.a + p.b * p.b + p.c * p.c - p.a * p.b - p.a * p.c - p.b * p.b) / 18.0;
+double threePointMean(const LawParameters& p) { return (p[0] + p[1] + p[2]) / 3.0; }
+double threePointVariance(const LawParameters& p) {
+    return (p[0] * p[0] + p[1] * p[1] + p[2] * p[2] - p[0] * p[1] - p[0] * p[2] - p[1] * p[1]) / 18.0;
 }
 
-double pertMean(const Parameters& p) { return p.c - p.a == 0.0 ? 0.0 : (p.a + 4.0 * p.b + p.c) / 6.0; }
-double pertVariance(const Parameters& p) {
-    const double range = p.c - p.a;
-    const double shapeA = (4.0 * p.b + p.c + 5.0 * p.a) / range;
-    const double shapeB = (5.0 * p.c - p.a - 4.0 * p.b) / range;
+double pertMean(const LawParameters& p) { return p[2] - p[0] == 0.0 ? 0.0 : (p[0] + 4.0 * p[1] + p[2]) / 6.0; }
+double pertVariance(const LawParameters& p) {
+    const double range = p[2] - p[0];
+    const double shapeA = (4.0 * p[1] + p[2] + 5.0 * p[0]) / range;
+    const double shapeB = (5.0 * p[2] - p[0] - 4.0 * p[1]) / range;
     return square(range) * betaVariance(shapeA, shapeB);
 }
 
-double beta4Mean(const Parameters& p) { return p.a + p.b == 0.0 ? infinity : (p.d - p.c) * p.a / (p.a + p.b) + p.c; }
-double beta4Variance(const Parameters& p) { return square(p.c - p.d) * betaVariance(p.a, p.b); }
+double beta4Mean(const LawParameters& p) {
+    return p[0] + p[1] == 0.0 ? infinity : (p[3] - p[2]) * p[0] / (p[0] + p[1]) + p[2];
+}
+double beta4Variance(const LawParameters& p) { return square(p[2] - p[3]) * betaVariance(p[0], p[1]); }
 
-double uniformVariance(const Parameters& p) { return square(p.a - p.b) / 12.0; }
-double discreteUniformVariance(const Parameters& p) { return (square(p.b - p.a + 1.0) - 1.0) / 12.0; }
+double uniformVariance(const LawParameters& p) { return square(p[0] - p[1]) / 12.0; }
+double discreteUniformVariance(const LawParameters& p) { return (square(p[1] - p[0] + 1.0) - 1.0) / 12.0; }
 
-/// Row k is law k + 1.
-constexpr std::array<LawMoments, 35> moments{{
-    {1, [](const Parameters& p) { return p.a / (p.a + p.b); },
-     [](const Parameters& p) { return betaVariance(p.a, p.b); }},
-    {2, [](const Parameters& p) { return p.a * p.b; }, [](const Parameters& p) { return p.a * p.b * (1.0 - p.b); }},
-    {3, [](const Parameters& p) { return (1.0 - p.b) * p.a / p.b; },
-     [](const Parameters& p) { return (1.0 - p.b) * p.a / square(p.b); }},
-    {4, [](const Parameters& p) { return p.a * p.b; }, [](const Parameters& p) { return p.a * p.b * (p.b + 1.0); }},
-    {5, first, [](const Parameters& p) { return 2.0 * p.a; }},
-    {6, [](const Parameters& p) { return 1.0 / p.a; }, [](const Parameters& p) { return 1.0 / square(p.a); }},
-    {7, fisherMean, fisherVariance},
-    {8, [](const Parameters&) { return euler; }, [](const Parameters&) { return piSquared / 6.0; }},
-    {9, [](const Parameters& p) { return p.a * euler; }, gumbelVariance},
-    {10, [](const Parameters& p) { return p.a * euler + p.b; }, gumbelVariance},
-    {11, first, first},
-    {12, [](const Parameters& p) { return p.a * p.b; }, gammaVariance},
-    {13, [](const Parameters& p) { return p.a * p.b + p.c; }, gammaVariance},
-    {14, [](const Parameters& p) { return std::exp(square(p.b) / 2.0 + p.a); },
-     [](const Parameters& p) { return std::exp(2.0 * p.a + square(p.b)) * std::exp(square(p.b) / 2.0 - 1.0); }},
-    {15, first, [](const Parameters& p) { return square(p.b); }},
-    {16, zero, [](const Parameters&) { return 1.0; }},
-    {17, [](const Parameters& p) { return p.a * p.b / (p.a - 1.0); },
-     [](const Parameters& p) { return square(p.b) * p.a / (square(p.a - 1.0) * (p.a - 2.0)); }},
-    {18, first, first},
-    {19, zero, [](const Parameters& p) { return p.a / (p.a - 2.0); }},
-    {20, midpoint, uniformVariance},
-    {21, [](const Parameters& p) { return GammaF(1.0 / p.a + 1.0); }, weibull1Variance},
-    {22, weibullMean, weibullVariance},
-    {23, [](const Parameters& p) { return weibullMean(p) + p.c; }, weibullVariance},
-    {24, extremeValueMean, extremeValueVariance},
-    {25, [](const Parameters& p) { return p.b == 0.0 ? 0.0 : p.a / p.b; },
-     [](const Parameters& p) { return p.a / square(p.b); }},
-    {26, threePointMean, threePointVariance},
-    {27, pertMean, pertVariance},
-    {28, first, [](const Parameters& p) { return piSquared / (3.0 * square(p.b)); }},
-    {29, midpoint, discreteUniformVariance},
-    {30, beta4Mean, beta4Variance},
-    {31, threePointMean, threePointVariance},
-    {32, first, [](const Parameters& p) { return (1.0 - p.a) * p.a; }},
-    {33, first, [](const Parameters& p) { return square(p.b); }},
-    {34, zero, zero},  // a number without a law
-    {35, first, [](const Parameters& p) { return (1.0 - p.a) * p.a / 2.0; }},
+}  // namespace
+
+constexpr std::array<Law, lawCount> lawsByIndex{{
+    {law::beta, &laws::beta, [](const LawParameters& p) { return p[0] / (p[0] + p[1]); },
+     [](const LawParameters& p) { return betaVariance(p[0], p[1]); }},
+    {law::binomial, &laws::binomial, [](const LawParameters& p) { return p[0] * p[1]; },
+     [](const LawParameters& p) { return p[0] * p[1] * (1.0 - p[1]); }},
+    {law::negativeBinomial1, &laws::negativeBinomial1,
+     [](const LawParameters& p) { return (1.0 - p[1]) * p[0] / p[1]; },
+     [](const LawParameters& p) { return (1.0 - p[1]) * p[0] / square(p[1]); }},
+    {law::negativeBinomial2, &laws::negativeBinomial2, [](const LawParameters& p) { return p[0] * p[1]; },
+     [](const LawParameters& p) { return p[0] * p[1] * (p[1] + 1.0); }},
+    {law::chiSquare, &laws::chiSquare, first, [](const LawParameters& p) { return 2.0 * p[0]; }},
+    {law::exponential, &laws::exponential, [](const LawParameters& p) { return 1.0 / p[0]; },
+     [](const LawParameters& p) { return 1.0 / square(p[0]); }},
+    {law::fisher, &laws::fisher, fisherMean, fisherVariance},
+    {law::gumbel, &laws::gumbel, [](const LawParameters&) { return euler; },
+     [](const LawParameters&) { return piSquared / 6.0; }},
+    {law::fisherTippett1, &laws::fisherTippett1, [](const LawParameters& p) { return p[0] * euler; }, gumbelVariance},
+    {law::fisherTippett2, &laws::fisherTippett2, [](const LawParameters& p) { return p[0] * euler + p[1]; },
+     gumbelVariance},
+    {law::gamma1, &laws::gamma1, first, first},
+    {law::gamma2, &laws::gamma2, [](const LawParameters& p) { return p[0] * p[1]; }, gammaVariance},
+    {law::gamma3, &laws::gamma3, [](const LawParameters& p) { return p[0] * p[1] + p[2]; }, gammaVariance},
+    {law::logNormal, &laws::logNormal, [](const LawParameters& p) { return std::exp(square(p[1]) / 2.0 + p[0]); },
+     [](const LawParameters& p) { return std::exp(2.0 * p[0] + square(p[1])) * std::exp(square(p[1]) / 2.0 - 1.0); }},
+    {law::normal, &laws::normal, first, [](const LawParameters& p) { return square(p[1]); }},
+    {law::normalStd, &laws::normalStd, zero, [](const LawParameters&) { return 1.0; }},
+    {law::pareto, &laws::pareto, [](const LawParameters& p) { return p[0] * p[1] / (p[0] - 1.0); },
+     [](const LawParameters& p) { return square(p[1]) * p[0] / (square(p[0] - 1.0) * (p[0] - 2.0)); }},
+    {law::poisson, &laws::poisson, first, first},
+    {law::student, &laws::student, zero, [](const LawParameters& p) { return p[0] / (p[0] - 2.0); }},
+    {law::uniform, &laws::uniform, midpoint, uniformVariance},
+    {law::weibull1, &laws::weibull1, [](const LawParameters& p) { return GammaF(1.0 / p[0] + 1.0); }, weibull1Variance},
+    {law::weibull2, &laws::weibull2, weibullMean, weibullVariance},
+    {law::weibull3, &laws::weibull3, [](const LawParameters& p) { return weibullMean(p) + p[2]; }, weibullVariance},
+    {law::gev, &laws::gev, extremeValueMean, extremeValueVariance},
+    {law::erlang, &laws::erlang, [](const LawParameters& p) { return p[1] == 0.0 ? 0.0 : p[0] / p[1]; },
+     [](const LawParameters& p) { return p[0] / square(p[1]); }},
+    {law::triangular, &laws::triangular, threePointMean, threePointVariance},
+    {law::pert, &laws::pert, pertMean, pertVariance},
+    {law::logistic, &laws::logistic, first, [](const LawParameters& p) { return piSquared / (3.0 * square(p[1])); }},
+    {law::uniformDiscrete, &laws::uniformDiscrete, midpoint, discreteUniformVariance},
+    {law::beta4, &laws::beta4, beta4Mean, beta4Variance},
+    {law::trapezoidal, &laws::trapezoidal, threePointMean, threePointVariance},
+    {law::bernoulli, &laws::bernoulli, first, [](const LawParameters& p) { return (1.0 - p[0]) * p[0]; }},
+    {law::logNormal2, &laws::logNormal2, first, [](const LawParameters& p) { return square(p[1]); }},
+    {34, nullptr, zero, zero},  // a number without a law
+    {law::arcsine, &laws::arcsine, first, [](const LawParameters& p) { return (1.0 - p[0]) * p[0] / 2.0; }},
 }};
 
-constexpr bool inLawOrder() {
-    for (std::size_t k = 0; k < moments.size(); ++k) {
-        if (moments[k].law != static_cast<int>(k) + 1) {
+namespace {
+
+static_assert([] {
+    for (std::size_t k = 0; k < lawsByIndex.size(); ++k) {
+        if (lawsByIndex[k].law != static_cast<int>(k) + 1) {
             return false;
         }
     }
     return true;
-}
-static_assert(inLawOrder());
+}());
 static_assert(std::all_of(lawTable.begin(), lawTable.end(), [](const LawEntry& entry) {
-    return entry.law >= 1 && entry.law <= static_cast<int>(moments.size()) && entry.law != 34;
+    return entry.law >= 1 && entry.law <= law::last &&
+           lawsByIndex[static_cast<std::size_t>(entry.law - 1)].functions != nullptr;
 }));
 
 constexpr int meanStatistic = 1;
 constexpr int deviationStatistic = 3;
 
-double theoreticalStatistic(const LawMoments& law, int statistic, const Parameters& parameters) {
+double theoreticalStatistic(const Law& law, int statistic, const LawParameters& parameters) {
     if (statistic == meanStatistic) {
         return law.mean(parameters);
     }
@@ -154,13 +152,13 @@ double theoreticalStatistic(const LawMoments& law, int statistic, const Paramete
 using namespace quorva;
 
 double TheoStat(int law, int statistic, double Param1, double Param2, double Param3, double Param4) {
-    if (law < 1 || law > static_cast<int>(moments.size())) {
+    if (law < 1 || law > law::last) {
         return 0.0;
     }
     return guarded(
         [&] {
-            const auto& row = moments[static_cast<std::size_t>(law - 1)];
-            return theoreticalStatistic(row, statistic, {Param1, Param2, Param3, Param4});
+            return theoreticalStatistic(lawsByIndex[static_cast<std::size_t>(law - 1)], statistic,
+                                        {Param1, Param2, Param3, Param4});
         },
         std::numeric_limits<double>::quiet_NaN());
 }

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "numerics/boost_policy.h"
-#include "numerics/law_functions.h"
+#include "numerics/law_table.h"
 #include "numerics/quantile_cache.h"
 
 namespace quorva {
@@ -12,51 +12,7 @@ namespace {
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-/// By law index (identifier - 1). Identifier 34 is not given to any law.
-constexpr std::array<const LawFunctions*, 35> functionsOf{{
-    &laws::beta,
-    &laws::binomial,
-    &laws::negativeBinomial1,
-    &laws::negativeBinomial2,
-    &laws::chiSquare,
-    &laws::exponential,
-    &laws::fisher,
-    &laws::gumbel,
-    &laws::fisherTippett1,
-    &laws::fisherTippett2,
-    &laws::gamma1,
-    &laws::gamma2,
-    &laws::gamma3,
-    &laws::logNormal,
-    &laws::normal,
-    &laws::normalStd,
-    &laws::pareto,
-    &laws::poisson,
-    &laws::student,
-    &laws::uniform,
-    &laws::weibull1,
-    &laws::weibull2,
-    &laws::weibull3,
-    &laws::gev,
-    &laws::erlang,
-    &laws::triangular,
-    &laws::pert,
-    &laws::logistic,
-    &laws::uniformDiscrete,
-    &laws::beta4,
-    &laws::trapezoidal,
-    &laws::bernoulli,
-    &laws::logNormal2,
-    nullptr,
-    &laws::arcsine,
-}};
-
 }  // namespace
-
-const LawFunctions* findLaw(int law) {
-    return law >= 0 && law < static_cast<int>(functionsOf.size()) ? functionsOf[static_cast<std::size_t>(law)]
-                                                                  : nullptr;
-}
 
 Support supportOf(const LawFunctions& law, const LawParameters& parameters) {
     const bool allFinite = std::isfinite(parameters[0] + parameters[1] + parameters[2] + parameters[3]);

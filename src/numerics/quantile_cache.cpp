@@ -9,6 +9,7 @@
 #include <optional>
 #include <vector>
 
+#include "numerics/law_table.h"
 #include "numerics/laws.h"
 #include "numerics/quantile_table.h"
 
@@ -16,34 +17,6 @@ namespace quorva {
 namespace {
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-
-/// Law indices (identifier - 1).
-enum Index : int {
-    chiSquare = 4,
-    exponential = 5,
-    gumbel = 7,
-    fisherTippett1 = 8,
-    fisherTippett2 = 9,
-    gamma1 = 10,
-    gamma2 = 11,
-    gamma3 = 12,
-    logNormal = 13,
-    normal = 14,
-    normalStd = 15,
-    pareto = 16,
-    uniform = 19,
-    weibull1 = 20,
-    weibull2 = 21,
-    weibull3 = 22,
-    gev = 23,
-    erlang = 24,
-    triangular = 25,
-    logistic = 27,
-    uniformDiscrete = 28,
-    trapezoidal = 30,
-    bernoulli = 31,
-    logNormal2 = 32
-};
 
 /// A law as location + scale times a law of the same shape.
 struct Standardised {
@@ -58,30 +31,30 @@ struct Standardised {
 /// With a scale that is not positive and finite the law is asked directly.
 inline Standardised standardise(int law, const LawParameters& p) {
     switch (law) {
-        case normal:
-            return {normalStd, 0, 0, 0, 0, p[0], p[1]};
-        case exponential:
-            return {exponential, 1, 0, 0, 0, 0, 1 / p[0]};
-        case logistic:
-            return {logistic, 0, 1, 0, 0, p[0], p[1]};
-        case fisherTippett1:
-            return {gumbel, 0, 0, 0, 0, 0, p[0]};
-        case fisherTippett2:
-            return {gumbel, 0, 0, 0, 0, p[1], p[0]};
-        case chiSquare:
-            return {gamma1, p[0] / 2, 0, 0, 0, 0, 2};
-        case gamma2:
-            return {gamma1, p[0], 0, 0, 0, 0, p[1]};
-        case gamma3:
-            return {gamma1, p[0], 0, 0, 0, p[2], p[1]};
-        case erlang:
-            return {gamma1, p[0], 0, 0, 0, 0, 1 / p[1]};
-        case weibull2:
-            return {weibull1, p[0], 0, 0, 0, 0, p[1]};
-        case weibull3:
-            return {weibull1, p[0], 0, 0, 0, p[2], p[1]};
-        case gumbel:
-        case normalStd:
+        case lawIndex(law::normal):
+            return {lawIndex(law::normalStd), 0, 0, 0, 0, p[0], p[1]};
+        case lawIndex(law::exponential):
+            return {lawIndex(law::exponential), 1, 0, 0, 0, 0, 1 / p[0]};
+        case lawIndex(law::logistic):
+            return {lawIndex(law::logistic), 0, 1, 0, 0, p[0], p[1]};
+        case lawIndex(law::fisherTippett1):
+            return {lawIndex(law::gumbel), 0, 0, 0, 0, 0, p[0]};
+        case lawIndex(law::fisherTippett2):
+            return {lawIndex(law::gumbel), 0, 0, 0, 0, p[1], p[0]};
+        case lawIndex(law::chiSquare):
+            return {lawIndex(law::gamma1), p[0] / 2, 0, 0, 0, 0, 2};
+        case lawIndex(law::gamma2):
+            return {lawIndex(law::gamma1), p[0], 0, 0, 0, 0, p[1]};
+        case lawIndex(law::gamma3):
+            return {lawIndex(law::gamma1), p[0], 0, 0, 0, p[2], p[1]};
+        case lawIndex(law::erlang):
+            return {lawIndex(law::gamma1), p[0], 0, 0, 0, 0, 1 / p[1]};
+        case lawIndex(law::weibull2):
+            return {lawIndex(law::weibull1), p[0], 0, 0, 0, 0, p[1]};
+        case lawIndex(law::weibull3):
+            return {lawIndex(law::weibull1), p[0], 0, 0, 0, p[2], p[1]};
+        case lawIndex(law::gumbel):
+        case lawIndex(law::normalStd):
             return {law, 0, 0, 0, 0};
         default:
             return {law, p[0], p[1], p[2], p[3]};
@@ -105,18 +78,18 @@ struct Entry {
 /// to be searched for, and as several thousand where the quantile is a formula.
 constexpr std::uint32_t sustainedUse(int law) {
     switch (law) {
-        case exponential:
-        case gumbel:
-        case logNormal:
-        case normalStd:
-        case pareto:
-        case weibull1:
-        case gev:
-        case triangular:
-        case logistic:
-        case uniformDiscrete:
-        case trapezoidal:
-        case logNormal2:
+        case lawIndex(law::exponential):
+        case lawIndex(law::gumbel):
+        case lawIndex(law::logNormal):
+        case lawIndex(law::normalStd):
+        case lawIndex(law::pareto):
+        case lawIndex(law::weibull1):
+        case lawIndex(law::gev):
+        case lawIndex(law::triangular):
+        case lawIndex(law::logistic):
+        case lawIndex(law::uniformDiscrete):
+        case lawIndex(law::trapezoidal):
+        case lawIndex(law::logNormal2):
             return 4000;
         default:
             return 400;
@@ -247,7 +220,7 @@ std::array<std::atomic<std::uint32_t>, lawCount> callsWithoutTable{};
 
 double tabulatedQuantile(int law, double u, const LawParameters& p) {
     auto& strangers = callsWithoutTable[static_cast<std::size_t>(law)];
-    if (law == uniform || law == bernoulli || !std::isfinite(p[0] + p[1] + p[2] + p[3]) ||
+    if (law == lawIndex(law::uniform) || law == lawIndex(law::bernoulli) || !std::isfinite(p[0] + p[1] + p[2] + p[3]) ||
         !cache.on.load(std::memory_order_relaxed)) {
         return nan;
     }

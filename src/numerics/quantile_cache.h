@@ -9,8 +9,6 @@
 
 namespace quorva {
 
-constexpr std::size_t lawCount = 35;
-
 /// By law index: calls in a row that met neither a table nor their own count.
 extern std::array<std::atomic<std::uint32_t>, lawCount> callsWithoutTable;
 
