@@ -3,6 +3,7 @@
 #include <map>
 
 #include "model_test.h"
+#include "numerics/law_table.h"
 #include "quorva/catalogue.h"
 
 using namespace quorva;
@@ -44,6 +45,8 @@ std::ostream& operator<<(std::ostream& out, const Described& d) {
     return out << ", default " << d.defaultValue << ", bounds " << d.lower << ' ' << d.upper << ", visible "
                << d.visible;
 }
+
+double meanOf(int law, double a = 0, double b = 0, double c = 0, double d = 0) { return TheoStat(law, 1, a, b, c, d); }
 
 class LawFunctions : public ModelTest {
 protected:
@@ -104,6 +107,33 @@ TEST_F(LawFunctions, AListPassesTheNumberOfItsValues) {
     std::uint16_t rows = 3, columns = 1;
     EXPECT_EQ(described([&] { return QUORVA_SimEmpiricUniform("l", &rows, &columns, values, 1, 99, 7); }),
               (Described{61, {1, 3, 0, 0}, 99, 0, 1, 7}));
+}
+
+TEST_F(LawFunctions, EveryWrapperShowsTheMeanOfItsLaw){
+// The catalogue, the wrappers and the moments agree: outside a run a wrapper shows the mean of its law.
+#define QUORVA_EXPECT_MEAN(NAME, ...)                                                                                 \
+    {                                                                                                                 \
+        const auto entry =                                                                                            \
+            std::find_if(lawTable.begin(), lawTable.end(), [](const LawEntry& law) { return law.wrapper == #NAME; }); \
+        ASSERT_NE(entry, lawTable.end());                                                                             \
+        EXPECT_EQ(NAME("x" __VA_OPT__(, ) __VA_ARGS__, 0, 0, 0, 0, 99, 1),                                            \
+                  meanOf(entry->law __VA_OPT__(, ) __VA_ARGS__))                                                      \
+            << #NAME;                                                                                                 \
+        EXPECT_EQ(NAME("x" __VA_OPT__(, ) __VA_ARGS__, 0, 0, 0, 1, 99, 1), 99.0) << #NAME;                            \
+    }
+#define QUORVA_EXPECT_MEAN_0(NAME) QUORVA_EXPECT_MEAN(NAME)
+#define QUORVA_EXPECT_MEAN_1(NAME) QUORVA_EXPECT_MEAN(NAME, 0.3)
+#define QUORVA_EXPECT_MEAN_2(NAME) QUORVA_EXPECT_MEAN(NAME, 0.3, 2.5)
+#define QUORVA_EXPECT_MEAN_3(NAME) QUORVA_EXPECT_MEAN(NAME, 0.3, 2.5, 7.25)
+#define QUORVA_EXPECT_MEAN_4(NAME) QUORVA_EXPECT_MEAN(NAME, 0.3, 2.5, 7.25, 11.0)
+    QUORVA_LAWS_WITH_0_PARAMETERS(QUORVA_EXPECT_MEAN_0) QUORVA_LAWS_WITH_1_PARAMETER(QUORVA_EXPECT_MEAN_1)
+        QUORVA_LAWS_WITH_2_PARAMETERS(QUORVA_EXPECT_MEAN_2) QUORVA_LAWS_WITH_3_PARAMETERS(QUORVA_EXPECT_MEAN_3)
+            QUORVA_LAWS_WITH_4_PARAMETERS(QUORVA_EXPECT_MEAN_4)}
+
+TEST_F(LawFunctions, TriangularByPercentilesShowsTheMeanOfTheLawFound) {
+    // The symmetric triangle on [0, 2]: its 12.5 % and 87.5 % quantiles are 0.5 and 1.5.
+    EXPECT_NEAR(QUORVA_SimTriangularQ("t", 0.5, 1, 1.5, 12.5, 87.5, 0, 0, 0, 0, 0, 1), 1.0, 1e-11);
+    EXPECT_EQ(QUORVA_SimTriangularQ("t", 0.5, 1, 1.5, 12.5, 87.5, 0, 0, 0, 1, 42, 1), 42.0);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <cmath>
 
-#include "model_test.h"
+#include "control/checks.h"
+#include "control_test.h"
 #include "numerics/linear_algebra.h"
 
 using namespace quorva;
@@ -8,20 +9,17 @@ using namespace quorva::testing;
 
 namespace {
 
-class SetUpOfCorrelation : public ModelTest {
+class SetUpOfCorrelation : public ControlTest {
 protected:
     /// Distributions named like the labels, one result, registered.
     void registerModel(const std::vector<std::u16string>& names) {
         for (std::size_t i = 0; i < names.size(); ++i) {
-            const std::string name(names[i].begin(), names[i].end());
-            keep.push_back(std::make_unique<std::string>(name));
-            normal({static_cast<int>(i), 0}, keep.back()->c_str());
+            normal({static_cast<int>(i), 0}, std::string(names[i].begin(), names[i].end()));
         }
         result({50, 5}, "~result", [] { return 1.0; });
         init();
         recalculate();
     }
-    std::vector<std::unique_ptr<std::string>> keep;
 };
 
 TEST_F(SetUpOfCorrelation, NothingRegisteredEndsTheRun) {
@@ -166,56 +164,6 @@ TEST_F(SetUpOfCorrelation, AStoredErrorLeavesTheCountsAlone) {
     EXPECT_TRUE(run.fields.FieldTable.empty());
 }
 
-TEST_F(SetUpOfCorrelation, AGroupGrowsLabelByLabelAndSeparatePairsAreSeparateGroups) {
-    matrix<double> factor(4, 4);
-    factor(2, 1) = 0.5;
-    factor(4, 3) = 0.5;
-    matrix<double> groups(4, 5, 9.0);
-    int count = 99;
-    FindSubGroups(&factor, 4, &groups, &count);
-    EXPECT_EQ(count, 2);
-    EXPECT_EQ(groups(1, 1), 1);
-    EXPECT_EQ(groups(2, 1), 1);
-    EXPECT_EQ(groups(3, 1), 2);
-    EXPECT_EQ(groups(4, 1), 2);
-    // The link 2-3 is met before 3-4: label 3 joins the first group and takes label 4 along.
-    factor(3, 2) = 0.5;
-    FindSubGroups(&factor, 4, &groups, &count);
-    EXPECT_EQ(count, 1);
-    EXPECT_EQ(groups(4, 1), 1);
-}
-
-TEST_F(SetUpOfCorrelation, ALaterLinkBetweenTwoGroupsChangesNothing) {
-    // Labels 1-4 and 2-3 first, then the link 3-4 between the groups.
-    matrix<double> factor(4, 4);
-    factor(4, 1) = 0.3;
-    factor(3, 2) = 0.3;
-    factor(4, 3) = 0.3;
-    matrix<double> groups(4, 5, 9.0);
-    int count = 0;
-    FindSubGroups(&factor, 4, &groups, &count);
-    EXPECT_EQ(count, 2);
-    EXPECT_EQ(groups(1, 1), 1);
-    EXPECT_EQ(groups(4, 1), 1);
-    EXPECT_EQ(groups(2, 1), 2);
-    EXPECT_EQ(groups(3, 1), 2);
-    EXPECT_EQ(groups(1, groupcolumn::opening), 1) << "the label that opened the group";
-    EXPECT_EQ(groups(2, groupcolumn::opening), 2);
-    EXPECT_EQ(groups(3, groupcolumn::opening), 9) << "the fifth column is not cleared";
-}
-
-TEST_F(SetUpOfCorrelation, GroupsReadBelowTheDiagonalAndSkipMissingEntries) {
-    matrix<double> factor(3, 3);
-    factor(1, 2) = 0.7;  // above the diagonal
-    factor(3, 1) = MissingValue;
-    matrix<double> groups;
-    int count = 5;
-    FindSubGroups(&factor, 3, &groups, &count);
-    EXPECT_EQ(count, 0);
-    EXPECT_EQ(groups.rows(), 3);
-    EXPECT_EQ(groups.columns(), 4) << "a table that is too small is made anew";
-}
-
 TEST_F(SetUpOfCorrelation, LabelsAreBoundToDistributionsByName) {
     registerModel({u"b", u"a", u"A"});
     Correlations c{{u"a", u"b"}, {1, 0.5, 0.5, 1}};
@@ -251,11 +199,8 @@ TEST_F(SetUpOfCorrelation, ALabelOfAResultFieldIsUnknown) {
 TEST_F(SetUpOfCorrelation, ALabelOfAScenarioVariableOrAStatisticIsUnknown) {
     for (const char16_t* other : {u"scenario", u"statistic"}) {
         cells.clear();
-        cell({9, 9}, [] { return QUORVA_SimSVar("scenario", 0, 1, 1, 1, 0, 0, 1); });
-        cell({9, 8}, [] {
-            XLOPER reference = ownSheetReference(0, 0);
-            return QUORVA_SimStat("statistic", &reference, 13, 1);
-        });
+        scenario({9, 9}, "scenario");
+        statistic({9, 8}, "statistic", {0, 0});
         registerModel({u"a"});
         Correlations c{{u"a", other}, {1, 0.5, 0.5, 1}};
         ASSERT_EQ(init2(c), 0);
@@ -320,7 +265,7 @@ TEST_F(SetUpOfCorrelation, TheCapabilityCheckAlsoHidesAStoredErrorThatTheNextSte
 }
 
 TEST_F(SetUpOfCorrelation, ACapabilityLabelMayNameAScenarioVariable) {
-    cell({9, 9}, [] { return QUORVA_SimSVar("scenario", 0, 1, 1, 1, 0, 0, 1); });
+    scenario({9, 9}, "scenario");
     registerModel({u"a"});
     Correlations none;
     Capabilities spc{{u"scenario"}, {1}, {2}, {3}};
@@ -328,6 +273,21 @@ TEST_F(SetUpOfCorrelation, ACapabilityLabelMayNameAScenarioVariable) {
     recalculate();
     ASSERT_EQ(begin(5), 0);
     EXPECT_EQ(run.capability.SpcTable(1, 1), numberOf(u"scenario"));
+}
+
+TEST_F(SetUpOfCorrelation, TheSetUpEmptiesTheGridsAndKeepsTheSheets) {
+    normal({1, 1, "[B]A"}, "x");
+    result({1, 1, "[B]B"}, "r", [] { return 0.0; });
+    init(true);
+    recalculate();
+    EXPECT_EQ(getFieldInfo(1, 1, 2), 2U);
+    ASSERT_EQ(init2(), 0);
+    EXPECT_EQ(getFieldInfo(1, 1, 1), 0U);
+    EXPECT_EQ(getFieldInfo(1, 1, 2), 0U);
+    EXPECT_EQ(run.sheets.inUse, 2);
+    reset();
+    EXPECT_EQ(run.sheets.inUse, 0);
+    EXPECT_FALSE(run.sheets.grids[1].allocated());
 }
 
 TEST_F(SetUpOfCorrelation, ChecksWithoutFields) {

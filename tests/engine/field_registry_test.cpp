@@ -1,12 +1,32 @@
-#include "model_test.h"
+#include "engine/field_registry.h"
+
+#include <gtest/gtest.h>
 
 using namespace quorva;
-using namespace quorva::testing;
 
 namespace {
 
-class Registry : public ModelTest {
+/// An error with its first cell.
+struct RecordedError {
+    int code, line, column;
+    std::u16string sheet;
+};
+
+class Registry : public testing::Test {
 protected:
+    void TearDown() override { run = RunState{}; }
+
+    /// A model without fields.
+    static void init(bool workbook = false) {
+        run = RunState{};
+        run.sheets.workbookModel = toHostBool(workbook);
+        ASSERT_TRUE(run.sheets.grids.front().clear());
+    }
+    static RecordedError recorded() {
+        const ErrorRecord& error = run.error;
+        return {isTrue(error.flag) ? error.code : runerror::none, error.first.line, error.first.column,
+                error.first.sheet};
+    }
     static void enter(int row, int column, std::uint32_t sheet = 1, int* slot = nullptr) {
         ++run.fields.registered;
         int ignored = 0;
@@ -21,11 +41,11 @@ TEST_F(Registry, ACellMetTwiceIsAnErrorAndKeepsItsFirstNumber) {
     enter(9, 9);
     enter(4, 2);
     EXPECT_EQ(getFieldInfo(2, 4, 0), 1U);
-    const ReportedError error = reportedError();
+    const RecordedError error = recorded();
     EXPECT_EQ(error.code, -10);
     EXPECT_EQ(error.line, 4);
     EXPECT_EQ(error.column, 2);
-    EXPECT_EQ(error.texts, std::vector<std::u16string>{u"[B]S1"});
+    EXPECT_EQ(error.sheet, u"[B]S1");
 }
 
 TEST_F(Registry, TenSheetsAreListedInTheOrderMetAndTheEleventhIsRefused) {
@@ -40,11 +60,11 @@ TEST_F(Registry, TenSheetsAreListedInTheOrderMetAndTheEleventhIsRefused) {
     slot = 77;
     enter(12, 34, 5, &slot);
     EXPECT_EQ(slot, 77);
-    const ReportedError error = reportedError();
+    const RecordedError error = recorded();
     EXPECT_EQ(error.code, -16);
     EXPECT_EQ(error.line, 12);
     EXPECT_EQ(error.column, 34);
-    EXPECT_EQ(error.texts, std::vector<std::u16string>{u"[B]S5"});
+    EXPECT_EQ(error.sheet, u"[B]S5");
 }
 
 TEST_F(Registry, RowsEndAt65000AndColumnsAt256) {
@@ -55,15 +75,15 @@ TEST_F(Registry, RowsEndAt65000AndColumnsAt256) {
     enter(0, 255);
     EXPECT_EQ(run.error.flag, hostFalse);
     enter(65'000, 3);
-    EXPECT_EQ(reportedError().code, -15);
-    EXPECT_EQ(reportedError().line, 65'000);
-    EXPECT_EQ(reportedError().column, 3);
-    EXPECT_EQ(reportedError().texts, std::vector<std::u16string>{u"[B]S1"});
+    EXPECT_EQ(recorded().code, -15);
+    EXPECT_EQ(recorded().line, 65'000);
+    EXPECT_EQ(recorded().column, 3);
+    EXPECT_EQ(recorded().sheet, u"[B]S1");
     run.error.flag = hostFalse;
     enter(3, 256);
-    EXPECT_EQ(reportedError().code, -15);
-    EXPECT_EQ(reportedError().line, 3);
-    EXPECT_EQ(reportedError().column, 256);
+    EXPECT_EQ(recorded().code, -15);
+    EXPECT_EQ(recorded().line, 3);
+    EXPECT_EQ(recorded().column, 256);
 }
 
 TEST_F(Registry, Column255SharesItsEntryWithTheNextRow) {
@@ -71,7 +91,7 @@ TEST_F(Registry, Column255SharesItsEntryWithTheNextRow) {
     enter(7, 255);
     EXPECT_EQ(getFieldInfo(0, 8, 0), 1U);
     enter(8, 0);
-    EXPECT_EQ(reportedError().code, -10);
+    EXPECT_EQ(recorded().code, -10);
 }
 
 TEST_F(Registry, TheEntryPastTheEndIsNeverTouched) {
@@ -90,8 +110,8 @@ TEST_F(Registry, ASingleSheetModelHasOneGridForAllSheets) {
     init();
     enter(4, 2, 1);
     enter(4, 2, 2);
-    EXPECT_EQ(reportedError().code, -10);
-    EXPECT_EQ(reportedError().texts, std::vector<std::u16string>{u"[B]S2"});
+    EXPECT_EQ(recorded().code, -10);
+    EXPECT_EQ(recorded().sheet, u"[B]S2");
     EXPECT_EQ(run.sheets.inUse, 0) << "its sheets are not listed";
     for (const int slot : {-1, 0, 1, 2, 10, 11}) {
         EXPECT_EQ(getFieldInfo(2, 4, slot), 1U);
@@ -109,7 +129,7 @@ TEST_F(Registry, ATakenCellOfAWorkbookStillTellsItsSlot) {
     slot = 77;
     enter(1, 1, 60, &slot);
     EXPECT_EQ(slot, 2);
-    EXPECT_EQ(reportedError().code, -10);
+    EXPECT_EQ(recorded().code, -10);
     EXPECT_EQ(getFieldInfo(1, 1, 2), 2U);
 }
 
@@ -118,7 +138,7 @@ TEST_F(Registry, ACellBeyondTheGridListsNoSheet) {
     int slot = 77;
     enter(65'000, 1, 50, &slot);
     enter(1, 256, 50, &slot);
-    EXPECT_EQ(reportedError().code, -15);
+    EXPECT_EQ(recorded().code, -15);
     EXPECT_EQ(slot, 77);
     EXPECT_EQ(run.sheets.inUse, 0);
 }
@@ -127,7 +147,7 @@ TEST_F(Registry, TheGridOfTheFirstSheetIsTheOneMadeAtTheStart) {
     init(true);
     setFieldInfo(1, 1, 1, 5);
     enter(1, 1, 50);
-    EXPECT_EQ(reportedError().code, -10) << "not emptied when its sheet is met";
+    EXPECT_EQ(recorded().code, -10) << "not emptied when its sheet is met";
     EXPECT_EQ(getFieldInfo(1, 1, 1), 5U);
 }
 
@@ -158,34 +178,9 @@ TEST_F(Registry, SheetLookUp) {
     EXPECT_EQ(slot, 2);
     getSheetId(&column, &row, &slot, 70, u"S");
     EXPECT_EQ(slot, 2) << "left as it was";
-    EXPECT_EQ(reportedError().code, -16);
-    EXPECT_EQ(reportedError().line, 2);
-    EXPECT_EQ(reportedError().column, 3);
-}
-
-TEST_F(Registry, TheSetUpEmptiesTheGridsAndKeepsTheSheets) {
-    normal({1, 1, "[B]A"}, "x");
-    result({1, 1, "[B]B"}, "r", [] { return 0.0; });
-    init(true);
-    recalculate();
-    EXPECT_EQ(getFieldInfo(1, 1, 2), 2U);
-    ASSERT_EQ(init2(), 0);
-    EXPECT_EQ(getFieldInfo(1, 1, 1), 0U);
-    EXPECT_EQ(getFieldInfo(1, 1, 2), 0U);
-    EXPECT_EQ(run.sheets.inUse, 2);
-    reset();
-    EXPECT_EQ(run.sheets.inUse, 0);
-    EXPECT_FALSE(run.sheets.grids[1].allocated());
-}
-
-TEST_F(Registry, SheetIdentifiersCountIn32Bits) {
-    fakeHost.sheetIds["[B]A"] = 0x1'0000'0007;
-    fakeHost.sheetIds["[B]B"] = 0x2'0000'0007;
-    init(true);
-    evaluate({1, 1, "[B]A"}, [] { return QUORVA_SimRes("a", 0, 0, 0, 0); });
-    evaluate({2, 2, "[B]B"}, [] { return QUORVA_SimRes("b", 0, 0, 0, 0); });
-    EXPECT_EQ(run.sheets.inUse, 1);
-    EXPECT_EQ(run.sheets.identifiers[0], 7U);
+    EXPECT_EQ(recorded().code, -16);
+    EXPECT_EQ(recorded().line, 2);
+    EXPECT_EQ(recorded().column, 3);
 }
 
 }  // namespace

@@ -2,9 +2,11 @@
 #include <cmath>
 #include <numeric>
 
-#include "model_test.h"
+#include "engine/correlated_draw.h"
+#include "engine/latin_hypercube.h"
 #include "numerics/core.h"
 #include "numerics/uniforms.h"
+#include "simulation_test.h"
 
 using namespace quorva;
 using namespace quorva::testing;
@@ -43,7 +45,7 @@ double rankCorrelation(double rho) { return 6.0 / 3.141592653589793 * std::asin(
 /// Six standard errors of a correlation estimated from n pairs: exceeded with probability below 2e-9.
 double tolerance(int n) { return 6.0 / std::sqrt(static_cast<double>(n)); }
 
-class CorrelatedDraw : public ModelTest {
+class CorrelatedDraw : public SimulationTest {
 protected:
     /// Labels "x01", "x02", ... in cells whose formula `law(name)` gives; starts a run of nSim iterations.
     template <class Law>

@@ -1,16 +1,20 @@
+#include "stats/running_moments.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <cmath>
 
-#include "model_test.h"
+#include "engine/field_registry.h"
 
 using namespace quorva;
-using namespace quorva::testing;
 
 namespace {
 
-class RunningMoments : public ModelTest {
+class RunningMoments : public ::testing::Test {
 protected:
     void SetUp() override {
-        ModelTest::SetUp();
+        run = RunState{};
         run.fields.FieldFlags = matrix<double>(2, momentcolumn::columns);
         for (int i = 1; i <= 2; ++i) {
             run.fields.FieldFlags(i, momentcolumn::minimum) = MissingValueTwin;
@@ -18,6 +22,7 @@ protected:
         }
         run.fields.FieldFlags(1, momentcolumn::collect) = 1.0;
     }
+    void TearDown() override { run = RunState{}; }
     static double get(int column, int field = 1) { return run.fields.FieldFlags(field, column); }
 
     /// Exact central sums of the whole numbers 1..n times `scale` plus `offset`.
@@ -156,88 +161,87 @@ TEST_F(RunningMoments, TheSumsAreTakenInOneOrder) {
     EXPECT_EQ(get(momentcolumn::m4), m4);
 }
 
-TEST_F(RunningMoments, PastTheLastIterationTheRowsStartAgainOneBelow) {
-    normal({0, 0}, "x");
-    result({0, 1}, "y", [] { return 4.0; });
-    cell({0, 2}, [] {
-        XLOPER reference = ownSheetReference(0, 1);
-        return QUORVA_SimStat("a", &reference, 1, 1);
-    });
-    prepare();
-    ASSERT_EQ(begin(100), 0);
-    // The statistic's cell is never recalculated: the next step fills its value in.
+/// A result y, field 1, and statistic fields that count its values, of which none is recalculated but those that a test
+/// marks as done.
+class CloseOfAnIteration : public ::testing::Test {
+protected:
+    static constexpr int numberOfObservations = 1;  // the statistic
+
+    static void start(int statistics, int nSim) {
+        run = RunState{};
+        const int fields = 1 + statistics;
+        run.fields.nFields = fields;
+        run.fields.FieldTable = matrix<double>(fields, fieldcolumn::columns);
+        run.fields.FieldFlags = matrix<double>(fields, momentcolumn::columns);
+        run.sampling.nSim = nSim;
+        run.sampling.SampleStore = matrix<double>(nSim, fields);
+        ASSERT_TRUE(run.sheets.grids.front().clear());
+        for (int field = 1; field <= fields; ++field) {
+            matrix<double>& table = run.fields.FieldTable;
+            const FieldKind kind = field == 1 ? FieldKind::Result : FieldKind::Statistic;
+            table(field, fieldcolumn::kind) = static_cast<double>(kind);
+            table(field, fieldcolumn::row) = field;
+            table(field, fieldcolumn::column) = 0;
+            setFieldInfo(0, field, 0, static_cast<std::uint32_t>(field));
+            if (kind == FieldKind::Statistic) {
+                table(field, fieldcolumn::statistic) = numberOfObservations;
+                table(field, fieldcolumn::referenceRow) = 1;
+            }
+        }
+    }
+    void TearDown() override { run = RunState{}; }
+
+    static void step() {
+        SimUpdateStat();
+        ++run.sampling.iteration;
+    }
+    static void finish(int field) { run.fields.FieldTable(field, fieldcolumn::done) = 1.0; }
+};
+
+TEST_F(CloseOfAnIteration, PastTheLastIterationTheRowsStartAgainOneBelow) {
+    start(1, 100);
     for (int k = 1; k <= 149; ++k) {
-        Cpp_SimNext();
-        evaluate(0);
-        evaluate(1);
+        step();
     }
     matrix<double>& store = run.sampling.SampleStore;
-    std::fill_n(store.column(numberOf(u"a")), 100, -5.0);
-    Cpp_SimNext();  // the 150th
+    std::fill_n(store.column(2), 100, -5.0);
+    step();  // the 150th
     for (int row = 1; row <= 100; ++row) {
-        EXPECT_EQ(store(row, numberOf(u"a")), row == 50 ? 100.0 : -5.0) << row;
+        EXPECT_EQ(store(row, 2), row == 50 ? 100.0 : -5.0) << row;
     }
 }
 
-TEST_F(RunningMoments, EveryStatisticThatWasNotRecalculatedIsFilledIn) {
-    const auto number = [](const char* name) {
-        XLOPER reference = ownSheetReference(0, 1);
-        return QUORVA_SimStat(name, &reference, 1, 1);
-    };
-    normal({0, 0}, "x");
-    result({0, 1}, "y", [] { return 4.0; });
-    cell({0, 2}, [&] { return number("a"); });
-    cell({0, 3}, [&] { return number("m"); });
-    cell({0, 4}, [&] { return number("z"); });
-    prepare();
-    ASSERT_EQ(begin(3), 0);
-    Cpp_SimNext();
-    evaluate(0);
-    evaluate(1);
-    evaluate(3);
+TEST_F(CloseOfAnIteration, EveryStatisticThatWasNotRecalculatedIsFilledIn) {
+    start(3, 3);
+    step();
+    finish(3);
     const matrix<double>& store = run.sampling.SampleStore;
-    EXPECT_EQ(store(1, numberOf(u"m")), 1.0) << "its cell was recalculated";
-    Cpp_SimNext();
-    EXPECT_EQ(store(2, numberOf(u"a")), 1.0);
-    EXPECT_EQ(store(2, numberOf(u"z")), 1.0) << "the last field";
-    EXPECT_EQ(store(2, numberOf(u"m")), 0.0) << "it had its value";
-    for (int field = 1; field <= 5; ++field) {
+    step();
+    EXPECT_EQ(store(2, 2), 1.0);
+    EXPECT_EQ(store(2, 4), 1.0) << "the last field";
+    EXPECT_EQ(store(2, 3), 0.0) << "it had its value";
+    for (int field = 1; field <= 4; ++field) {
         EXPECT_EQ(run.fields.FieldTable(field, fieldcolumn::done), 0.0) << field;
     }
-    Cpp_SimNext();
-    EXPECT_EQ(store(3, numberOf(u"m")), 2.0) << "now it had not";
+    step();
+    EXPECT_EQ(store(3, 3), 2.0) << "now it had not";
 }
 
-TEST_F(RunningMoments, WithOneIterationAndWithNoneStatisticsAreFilledInWithoutHarm) {
+TEST_F(CloseOfAnIteration, WithOneIterationAndWithNoneStatisticsAreFilledInWithoutHarm) {
     for (const int nSim : {1, 0}) {
-        cells.clear();
-        normal({0, 0}, "x");
-        result({0, 1}, "y", [] { return 4.0; });
-        cell({0, 2}, [] {
-            XLOPER reference = ownSheetReference(0, 1);
-            return QUORVA_SimStat("z", &reference, 3, 1);
-        });
-        prepare();
-        ASSERT_EQ(begin(nSim), 0);
+        start(1, nSim);
         for (int k = 1; k <= 3; ++k) {
-            Cpp_SimNext();
-            evaluate(0);
-            evaluate(1);
+            step();
         }
-        EXPECT_EQ(run.sampling.SampleStore(1, numberOf(u"z")), nSim == 1 ? 1.0 : -1.0);
+        EXPECT_EQ(run.sampling.SampleStore(1, 2), nSim == 1 ? 1.0 : -1.0);
     }
 }
 
-TEST_F(RunningMoments, EveryMarkIsClearedForTheNextIteration) {
-    normal({0, 0}, "x");
-    result({0, 1}, "y", [] { return 4.0; });
-    prepare();
-    ASSERT_EQ(begin(10), 0);
-    iterate();
-    EXPECT_EQ(run.fields.FieldTable(1, fieldcolumn::done), 1.0);
+TEST_F(CloseOfAnIteration, EveryMarkIsClearedForTheNextIteration) {
+    start(0, 10);
+    finish(1);
     SimUpdateStat();
     EXPECT_EQ(run.fields.FieldTable(1, fieldcolumn::done), 0.0);
-    EXPECT_EQ(run.fields.FieldTable(2, fieldcolumn::done), 0.0);
 }
 
 }  // namespace

@@ -58,10 +58,10 @@ TEST_F(Distribution, ACallFromNoCellTakesNoPart) {
     normal({0, 0}, "x", 5);
     addResult();
     prepare();
-    ASSERT_EQ(begin(5), 0);
+    begin(5);
     iterate();
     const double drawn = value(0);
-    Cpp_SimNext();
+    next();
     fakeHost.calledFromCell = false;
     evaluate({0, 0}, [this] { return QUORVA_SimEmpiricUniform("list", &rows, &columns, values, 0, 0, 1); });
     EXPECT_EQ(stored(1, u"x"), drawn);
@@ -130,25 +130,25 @@ TEST_F(Distribution, BoundsByValueOfALawWithoutADistributionFunctionAreNoBounds)
     prepare();
     EXPECT_TRUE(std::isnan(run.fields.FieldTable(1, fieldcolumn::lowerProbability)));
     EXPECT_TRUE(std::isnan(run.fields.FieldTable(1, fieldcolumn::upperProbability)));
-    ASSERT_EQ(begin(2), 0);
+    begin(2);
     EXPECT_EQ(iterate(), 0);
     EXPECT_GE(value(0), 1.0);
-    EXPECT_EQ(Cpp_SimNext(), 0) << "nothing is rejected";
+    EXPECT_EQ(next(), 0) << "nothing is rejected";
 }
 
 TEST_F(Distribution, ADrawThatGaveUpIsRecordedAndTheCellThenShowsItsDefault) {
     uniform({0, 0}, "x", 2, 0.25, 0.25);
     addResult();
     prepare();
-    ASSERT_EQ(begin(2), 0);
-    ASSERT_EQ(Cpp_SimNext(), 0);
+    begin(2);
+    ASSERT_EQ(next(), 0);
     const double given = evaluate(0);
     EXPECT_EQ(run.error.code, -14);
     EXPECT_NE(given, 0.25);
     EXPECT_EQ(stored(1, u"x"), given);
     EXPECT_EQ(run.fields.FieldTable(numberOf(u"x"), fieldcolumn::done), 1.0);
     EXPECT_EQ(evaluate(0), 0.5);
-    EXPECT_EQ(Cpp_SimNext(), -1);
+    EXPECT_EQ(next(), -1);
 }
 
 TEST_F(Distribution, TruncationByProbabilityKeepsBetweenTheQuantiles) {
@@ -156,7 +156,7 @@ TEST_F(Distribution, TruncationByProbabilityKeepsBetweenTheQuantiles) {
     cell({1, 0}, [] { return QUORVA_SimNormal("y", 5, 2, 1, 4, 6, 0, 0, 1); });
     addResult();
     prepare();
-    ASSERT_EQ(begin(400, 100), 0);
+    begin(400, 100);
     for (int k = 0; k < 400; ++k) {
         ASSERT_EQ(iterate(), 0);
         EXPECT_GE(value(0), InvCDFFunction(14, 0.05, 5, 2, 0, 0));
@@ -170,7 +170,7 @@ TEST_F(Distribution, ACellEvaluatedTwiceInAnIterationKeepsItsValueAndCountsOnce)
     normal({0, 0}, "x");
     addResult();
     prepare();
-    ASSERT_EQ(begin(5), 0);
+    begin(5);
     run.fields.FieldFlags(numberOf(u"x"), momentcolumn::collect) = 1.0;
     iterate();
     const double first = value(0);
@@ -191,13 +191,13 @@ TEST_F(Distribution, TheFieldEvaluatedLastAndTheValueRecordedLastAreKnown) {
         evaluate(i);
         EXPECT_EQ(run.fields.current, static_cast<int>(i) + 1) << "counted";
     }
-    ASSERT_EQ(init2(), 0);
+    init2();
     for (const std::size_t i : {2, 0, 1}) {
         evaluate(i);
         EXPECT_EQ(run.fields.current, run.fields.nFields) << "numbered";
     }
-    ASSERT_EQ(begin(5), 0);
-    Cpp_SimNext();
+    begin(5);
+    next();
     evaluate(0);
     EXPECT_EQ(run.fields.current, numberOf(u"y"));
     EXPECT_EQ(run.sampling.lastValue, value(0));
@@ -228,9 +228,9 @@ TEST_F(Distribution, CellsInOddOrdersFindTheirOwnFields) {
     normal({0, 1}, "y", 200, 0.001);
     addResult();
     prepare();
-    ASSERT_EQ(begin(4), 0);
+    begin(4);
     for (int k = 1; k <= 4; ++k) {
-        Cpp_SimNext();
+        next();
         for (const std::size_t i : {std::size_t{2}, std::size_t{1}, std::size_t{0}, std::size_t{1}}) {
             evaluate(i);
         }
@@ -246,7 +246,7 @@ TEST_F(Distribution, AListDrawsOnlyItsValues) {
     EXPECT_NEAR(value(0), 13.0 / 3, 1e-15);
     EXPECT_NEAR(run.fields.FieldTable(1, fieldcolumn::defaultValue), 13.0 / 3, 1e-15);
     EXPECT_EQ(run.fields.FieldTable(1, fieldcolumn::law), empiricLaw);
-    ASSERT_EQ(begin(200), 0);
+    begin(200);
     run.fields.FieldFlags(numberOf(u"list"), momentcolumn::collect) = 1.0;
     std::set<double> seen;
     for (int k = 1; k <= 200; ++k) {
@@ -298,14 +298,14 @@ TEST_F(Distribution, ACellThatRunsOutOfMemoryShowsItsDefaultAndReportsIt) {
     EXPECT_EQ(QUORVA_SimRes("r", 3, 99, 0, 1), 3.0);
     XLOPER reference = ownSheetReference(0, 0);
     EXPECT_EQ(QUORVA_SimStat("s", &reference, 13, 1), 0.0);
-    EXPECT_EQ(Cpp_SimNext(), -1);
+    EXPECT_EQ(next(), -1);
 }
 
 TEST_F(Distribution, LawsUpTo60AreRecordedThoughNoneHasSuchANumber) {
     cell({0, 0}, [] { return QUORVA_SimDist("x", 60, 1, 6, 0, 0, 0, 0, 0, 0, 1); });
     addResult();
     prepare();
-    ASSERT_EQ(begin(3), 0);
+    begin(3);
     iterate();
     EXPECT_TRUE(std::isnan(stored(1, u"x")));
     EXPECT_EQ(run.fields.FieldTable(numberOf(u"x"), fieldcolumn::done), 1.0);
@@ -315,7 +315,7 @@ TEST_F(Distribution, ALawAbove60IsNotStoredByItself) {
     cell({0, 0}, [] { return QUORVA_SimDist("bare", 61, 1, 6, 0, 0, 0, 0, 0, 0, 1); });
     addResult();
     prepare();
-    ASSERT_EQ(begin(3), 0);
+    begin(3);
     iterate();
     EXPECT_GE(value(0), 1.0);
     EXPECT_LE(value(0), 6.0);
@@ -344,14 +344,14 @@ TEST_F(Distribution, ErrorsOfEachPassNameTheCell) {
 
     reset();
     prepare(true);
-    ASSERT_EQ(begin(5), 0);
+    begin(5);
     iterate();
     EXPECT_EQ(evaluate({6, 6, "[B]One"}, [] { return QUORVA_SimDist("new", 15, 8, 1, 0, 0, 3, 0, 0, 0, 1); }), 3.0);
     EXPECT_EQ(reportedError().code, -11);
     EXPECT_EQ(reportedError().line, 6);
     EXPECT_EQ(evaluate(0), 5.0) << "cells show their defaults while an error stands";
     EXPECT_EQ(evaluate(1), 1.5);
-    EXPECT_EQ(Cpp_SimNext(), -1);
+    EXPECT_EQ(next(), -1);
 }
 
 TEST_F(Distribution, CellsThatWereNotDescribedAreErrorsInEveryLaterPass) {
@@ -361,7 +361,7 @@ TEST_F(Distribution, CellsThatWereNotDescribedAreErrorsInEveryLaterPass) {
     for (const RunStatus status : {RunStatus::Running, RunStatus::Analysing}) {
         for (const bool sheetListed : {true, false}) {
             prepare(true);
-            ASSERT_EQ(begin(5), 0);
+            begin(5);
             run.status.become(status);
             EXPECT_EQ(evaluate({6, 7, sheetListed ? "[B]One" : "[B]Two"}, stranger), 8.0);
             EXPECT_EQ(reportedError().code, sheetListed ? -11 : -16) << static_cast<int>(status);
@@ -379,7 +379,7 @@ TEST_F(Distribution, TheTenThousandthFieldIsTheLast) {
     }
     evaluate({0, 3}, [] { return QUORVA_SimRes("r", 0, 0, 0, 1); });
     EXPECT_EQ(run.error.flag, hostFalse);
-    ASSERT_EQ(init2(), 0);
+    init2();
     for (int i = 0; i < 10'000; ++i) {
         evaluate({i, 0}, [] { return QUORVA_SimNormalStd("d", 0, 0, 0, 0, 0, 1); });
     }

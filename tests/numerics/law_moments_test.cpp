@@ -1,14 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 
 #include "common/missing_value.h"
-#include "fake_host.h"
 #include "numerics/law_table.h"
-#include "quorva/catalogue.h"
-#include "quorva/worksheet.h"
 
 using namespace quorva;
 
@@ -86,32 +82,5 @@ INSTANTIATE_TEST_SUITE_P(
                       Expected{29, {1, 6}, 3.5, 35.0 / 12}, Expected{30, {2, 3, 1, 6}, 3, 1.0},
                       Expected{31, {1, 2, 6, 9}, 3, 29.0 / 18}, Expected{32, {0.25}, 0.25, 0.1875},
                       Expected{33, {3, 2}, 3, 4}, Expected{35, {0.25}, 0.25, 0.09375}));
-
-TEST(LawMoments, EveryWrapperShowsTheMeanOfItsLaw){
-// The catalogue, the wrappers and the moments agree: outside a run a wrapper shows the mean of its law.
-#define QUORVA_EXPECT_MEAN(NAME, ...)                                                                                 \
-    {                                                                                                                 \
-        const auto entry =                                                                                            \
-            std::find_if(lawTable.begin(), lawTable.end(), [](const LawEntry& law) { return law.wrapper == #NAME; }); \
-        ASSERT_NE(entry, lawTable.end());                                                                             \
-        EXPECT_EQ(NAME("x" __VA_OPT__(, ) __VA_ARGS__, 0, 0, 0, 0, 99, 1),                                            \
-                  mean(entry->law __VA_OPT__(, ) __VA_ARGS__))                                                        \
-            << #NAME;                                                                                                 \
-        EXPECT_EQ(NAME("x" __VA_OPT__(, ) __VA_ARGS__, 0, 0, 0, 1, 99, 1), 99.0) << #NAME;                            \
-    }
-#define QUORVA_EXPECT_MEAN_0(NAME) QUORVA_EXPECT_MEAN(NAME)
-#define QUORVA_EXPECT_MEAN_1(NAME) QUORVA_EXPECT_MEAN(NAME, 0.3)
-#define QUORVA_EXPECT_MEAN_2(NAME) QUORVA_EXPECT_MEAN(NAME, 0.3, 2.5)
-#define QUORVA_EXPECT_MEAN_3(NAME) QUORVA_EXPECT_MEAN(NAME, 0.3, 2.5, 7.25)
-#define QUORVA_EXPECT_MEAN_4(NAME) QUORVA_EXPECT_MEAN(NAME, 0.3, 2.5, 7.25, 11.0)
-    QUORVA_LAWS_WITH_0_PARAMETERS(QUORVA_EXPECT_MEAN_0) QUORVA_LAWS_WITH_1_PARAMETER(QUORVA_EXPECT_MEAN_1)
-        QUORVA_LAWS_WITH_2_PARAMETERS(QUORVA_EXPECT_MEAN_2) QUORVA_LAWS_WITH_3_PARAMETERS(QUORVA_EXPECT_MEAN_3)
-            QUORVA_LAWS_WITH_4_PARAMETERS(QUORVA_EXPECT_MEAN_4)}
-
-TEST(LawMoments, TriangularByPercentilesShowsTheMeanOfTheLawFound) {
-    // The symmetric triangle on [0, 2]: its 12.5 % and 87.5 % quantiles are 0.5 and 1.5.
-    EXPECT_NEAR(QUORVA_SimTriangularQ("t", 0.5, 1, 1.5, 12.5, 87.5, 0, 0, 0, 0, 0, 1), 1.0, 1e-11);
-    EXPECT_EQ(QUORVA_SimTriangularQ("t", 0.5, 1, 1.5, 12.5, 87.5, 0, 0, 0, 1, 42, 1), 42.0);
-}
 
 }  // namespace

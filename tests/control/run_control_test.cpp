@@ -1,11 +1,11 @@
-#include "model_test.h"
+#include "control_test.h"
 
 using namespace quorva;
 using namespace quorva::testing;
 
 namespace {
 
-class RunControl : public ModelTest {
+class RunControl : public ControlTest {
 protected:
     void smallModel() {
         normal({0, 0}, "b");
@@ -24,11 +24,6 @@ TEST_F(RunControl, StatusFollowsTheCallsOfARun) {
     recalculate();
     EXPECT_EQ(begin(10), 0);
     EXPECT_EQ(Cpp_SimGetStatus(), 3);
-    matrix<double> general(2, 22), convergence(3, 2), intervals(2, 5);
-    matrix<std::u16string> names(2, 2), labels(2, 1);
-    int converged = 0;
-    SimEnd(0.05, 10, &general, &names, &convergence, &labels, &converged, &intervals);
-    EXPECT_EQ(Cpp_SimGetStatus(), 0);
 }
 
 TEST_F(RunControl, ResetEndsEveryStatus) {
@@ -196,6 +191,17 @@ TEST_F(RunControl, ConvergenceIsSwitchedOffWithoutAMonitoredResult) {
     EXPECT_EQ(run.fields.FieldFlags(numberOf(u"b"), 1), 0.0);
 }
 
+TEST_F(RunControl, AMarkedResultAloneIsMonitored) {
+    smallModel();
+    result(
+        {2, 0}, "marked", [] { return 1.0; }, true);
+    prepare();
+    ASSERT_EQ(begin(10, 0, true, false), 0);
+    EXPECT_EQ(run.convergence.iCheckConv, hostTrue);
+    EXPECT_EQ(run.fields.FieldFlags(numberOf(u"marked"), momentcolumn::collect), 1.0);
+    EXPECT_EQ(run.fields.FieldFlags(numberOf(u"a"), momentcolumn::collect), 0.0);
+}
+
 TEST_F(RunControl, APlainOneIsNoHostTrue) {
     smallModel();
     prepare();
@@ -340,7 +346,9 @@ TEST_F(RunControl, AResetLeavesNothingThatANewRunCouldInherit) {
     recalculate();
     ASSERT_EQ(begin(5, 4, true, true), 0);
     ASSERT_EQ(iterate(), 0);
-    evaluate({40, 0, "[B]One"}, cells[0].formula);
+    Field stranger = cells[0];
+    stranger.address.row = 40;
+    evaluate(stranger);
     ASSERT_EQ(run.error.flag, hostTrue);
     ASSERT_FALSE(run.sampling.LhsTable.empty());
     ASSERT_FALSE(run.convergence.table.empty());
@@ -371,11 +379,8 @@ TEST_F(RunControl, AResetLeavesNothingThatANewRunCouldInherit) {
 
 TEST_F(RunControl, InitCountsFromNothing) {
     smallModel();
-    cell({2, 0}, [] { return QUORVA_SimSVar("s", 0, 1, 1, 1, 0, 0, 1); });
-    cell({3, 0}, [] {
-        XLOPER reference = ownSheetReference(0, 0);
-        return QUORVA_SimStat("t", &reference, 13, 1);
-    });
+    scenario({2, 0}, "s");
+    statistic({3, 0}, "t", {0, 0});
     prepare(true);
     ASSERT_EQ(begin(5), 0);
     ASSERT_EQ(run.fields.nSVar, 1);

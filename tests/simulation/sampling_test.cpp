@@ -2,17 +2,18 @@
 #include <cmath>
 #include <set>
 
-#include "model_test.h"
+#include "engine/latin_hypercube.h"
 #include "numerics/laws.h"
 #include "numerics/uniforms.h"
 #include "quorva/catalogue.h"
+#include "simulation_test.h"
 
 using namespace quorva;
 using namespace quorva::testing;
 
 namespace {
 
-class Sampling : public ModelTest {
+class Sampling : public SimulationTest {
 protected:
     /// A run of uniform fields "u0", "u1", ... with the bounds given, ready for iterations.
     void startUniforms(int fields, int nSim, int strata, double lower = 0, double upper = 1) {
