@@ -61,6 +61,7 @@ private:
 
 // ---- texts: worksheets count and cut in UTF-16 units ----
 
+/// 16-bit units and back; a text cut between the halves of a pair keeps its half.
 std::u16string toUtf16(std::string_view text);
 std::string toUtf8(std::u16string_view text);
 int utf16Length(std::string_view text);

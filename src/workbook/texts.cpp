@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cwctype>
 
+#include "common/unicode.h"
 #include "workbook/convert.h"
 
 namespace quorva::workbook {
@@ -98,59 +99,8 @@ std::u16string folded(std::string_view text) {
 
 }  // namespace
 
-std::u16string toUtf16(std::string_view text) {
-    std::u16string units;
-    units.reserve(text.size());
-    for (std::size_t i = 0; i < text.size();) {
-        const unsigned char first = static_cast<unsigned char>(text[i]);
-        int extra = first < 0x80 ? 0 : first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : first >= 0xC0 ? 1 : -1;
-        if (extra < 0 || i + extra >= text.size() + (extra == 0 ? 1 : 0)) {
-            units.push_back(0xFFFD);
-            ++i;
-            continue;
-        }
-        char32_t point = extra == 0 ? first : first & (0x3F >> extra);
-        for (int k = 1; k <= extra; ++k) {
-            point = point << 6 | (static_cast<unsigned char>(text[i + k]) & 0x3F);
-        }
-        i += extra + 1;
-        if (point >= 0x10000) {
-            point -= 0x10000;
-            units.push_back(static_cast<char16_t>(0xD800 + (point >> 10)));
-            units.push_back(static_cast<char16_t>(0xDC00 + (point & 0x3FF)));
-        } else {
-            units.push_back(static_cast<char16_t>(point));
-        }
-    }
-    return units;
-}
-
-std::string toUtf8(std::u16string_view text) {
-    std::string bytes;
-    bytes.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char32_t point = text[i];
-        if (point >= 0xD800 && point < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000) {
-            point = 0x10000 + ((point - 0xD800) << 10) + (text[++i] - 0xDC00);
-        }
-        if (point < 0x80) {
-            bytes.push_back(static_cast<char>(point));
-        } else if (point < 0x800) {
-            bytes.push_back(static_cast<char>(0xC0 | point >> 6));
-            bytes.push_back(static_cast<char>(0x80 | (point & 0x3F)));
-        } else if (point < 0x10000) {
-            bytes.push_back(static_cast<char>(0xE0 | point >> 12));
-            bytes.push_back(static_cast<char>(0x80 | (point >> 6 & 0x3F)));
-            bytes.push_back(static_cast<char>(0x80 | (point & 0x3F)));
-        } else {
-            bytes.push_back(static_cast<char>(0xF0 | point >> 18));
-            bytes.push_back(static_cast<char>(0x80 | (point >> 12 & 0x3F)));
-            bytes.push_back(static_cast<char>(0x80 | (point >> 6 & 0x3F)));
-            bytes.push_back(static_cast<char>(0x80 | (point & 0x3F)));
-        }
-    }
-    return bytes;
-}
+std::u16string toUtf16(std::string_view text) { return utf16FromUtf8(text, LoneSurrogates::Keep); }
+std::string toUtf8(std::u16string_view text) { return utf8FromUtf16(text, LoneSurrogates::Keep); }
 
 int utf16Length(std::string_view text) {
     int length = 0;

@@ -2,6 +2,7 @@
 
 #include <atomic>
 
+#include "common/unicode.h"
 #include "platform/platform.h"
 
 namespace quorva {
@@ -22,55 +23,6 @@ std::u16string fromWindows1252(std::string_view bytes) {
     return wide;
 }
 
-/// Length of a sequence by its first byte, 0 for a byte that starts none.
-std::size_t sequenceLength(unsigned char first) {
-    if (first < 0x80) {
-        return 1;
-    }
-    if (first >= 0xC2 && first < 0xE0) {
-        return 2;
-    }
-    if (first >= 0xE0 && first < 0xF0) {
-        return 3;
-    }
-    return first >= 0xF0 && first < 0xF5 ? 4 : 0;
-}
-
-bool isUnicodeScalar(char32_t code, std::size_t length) {
-    constexpr char32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
-    return code >= smallest[length] && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
-}
-
-/// Appends the text's code units; false when it is not valid UTF-8.
-bool decodeUtf8(std::string_view bytes, std::u16string& wide) {
-    for (std::size_t i = 0; i < bytes.size();) {
-        const auto first = static_cast<unsigned char>(bytes[i]);
-        const std::size_t length = sequenceLength(first);
-        if (length == 0 || i + length > bytes.size()) {
-            return false;
-        }
-        char32_t code = length == 1 ? first : first & (0xFFu >> (length + 1));
-        for (std::size_t k = 1; k < length; ++k) {
-            const auto next = static_cast<unsigned char>(bytes[i + k]);
-            if ((next & 0xC0) != 0x80) {
-                return false;
-            }
-            code = (code << 6) | (next & 0x3Fu);
-        }
-        if (!isUnicodeScalar(code, length)) {
-            return false;
-        }
-        if (code < 0x10000) {
-            wide.push_back(static_cast<char16_t>(code));
-        } else {
-            wide.push_back(static_cast<char16_t>(0xD7C0 + (code >> 10)));
-            wide.push_back(static_cast<char16_t>(0xDC00 + (code & 0x3FF)));
-        }
-        i += length;
-    }
-    return true;
-}
-
 }  // namespace
 
 std::uint32_t currentThreadId() {
@@ -80,8 +32,9 @@ std::uint32_t currentThreadId() {
 }
 
 std::u16string wideFromBytes(std::string_view bytes) {
-    std::u16string wide;
-    return decodeUtf8(bytes, wide) ? wide : fromWindows1252(bytes);
+    bool valid = true;
+    std::u16string wide = utf16FromUtf8(bytes, LoneSurrogates::Replace, &valid);
+    return valid ? wide : fromWindows1252(bytes);
 }
 
 void* hostProcessSymbol(const char* name) {
