@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "workbook/book_reader.h"
 #include "workbook/module_link.h"
 #include "workbook/program.h"
+#include "workbook/text_book.h"
 #include "workbook/workings.h"
 
 namespace quorva::workbook {
@@ -59,37 +61,6 @@ Value taken(const CellValue& cell) {
 }
 
 }  // namespace
-
-std::string cellName(int row, int column) {
-    std::string letters;
-    for (int rest = column + 1; rest > 0; rest = (rest - 1) / 26) {
-        letters.insert(letters.begin(), static_cast<char>('A' + (rest - 1) % 26));
-    }
-    return letters + std::to_string(row + 1);
-}
-
-bool parseCellName(std::string_view text, int& row, int& column) {
-    std::size_t at = 0;
-    const auto dollar = [&] { at += at < text.size() && text[at] == '$' ? 1 : 0; };
-    dollar();
-    int letters = 0;
-    const std::size_t start = at;
-    while (at < text.size() && at - start < 3 && ((text[at] | 32) >= 'a' && (text[at] | 32) <= 'z')) {
-        letters = letters * 26 + (text[at++] & ~32) - 'A' + 1;
-    }
-    dollar();
-    int digits = 0;
-    const std::size_t number = at;
-    while (at < text.size() && at - number < 7 && text[at] >= '0' && text[at] <= '9') {
-        digits = digits * 10 + text[at++] - '0';
-    }
-    if (letters == 0 || digits == 0 || at != text.size() || letters > maxColumns || digits > maxRows) {
-        return false;
-    }
-    row = digits - 1;
-    column = letters - 1;
-    return true;
-}
 
 std::span<const FunctionInfo> functions() {
     static const std::vector<FunctionInfo> infos = [] {

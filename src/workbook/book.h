@@ -6,30 +6,14 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "workbook/cell_names.h"
+#include "workbook/failure.h"
+
 namespace quorva::workbook {
-
-/// One sentence for the user. Unreadable and Unsupported: the file or what it uses; Model: the model is wrong (a
-/// circular reference, an unsupported function where the simulation needs it).
-struct Failure : std::runtime_error {
-    enum class Kind { Unreadable, Unsupported, Model };
-    Failure(Kind what, const std::string& sentence) : std::runtime_error(sentence), kind(what) {}
-    Kind kind;
-};
-
-/// Sheets, rows and columns count from 0.
-struct CellAddress {
-    int sheet = 0;
-    int row = 0;
-    int column = 0;
-    friend auto operator<=>(const CellAddress&, const CellAddress&) = default;
-};
-/// "A1" for (0, 0).
-std::string cellName(int row, int column);
 
 /// Both ends included.
 struct CellRange {

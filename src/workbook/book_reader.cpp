@@ -1,10 +1,13 @@
 // Reads a workbook's parts: the book, shared texts, names, tables and saved values of other books.
+#include "workbook/book_reader.h"
+
 #include <algorithm>
 #include <fstream>
 #include <sstream>
 
+#include "workbook/cell_names.h"
+#include "workbook/failure.h"
 #include "workbook/sheet_reader.h"
-#include "workbook/workings.h"
 
 namespace quorva::workbook {
 

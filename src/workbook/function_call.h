@@ -13,7 +13,5 @@ Value readReference(const Call& call, const Value& reference);
 /// An array of references can only be taken apart by functions that want ranges (SUMIF, SUBTOTAL ...), N and T;
 /// anything else throws Unsupported.
 void refuseReferenceArray(const Value& value);
-/// A sheet's name as it stands before a cell, quoted where it has to be: "Sheet1!", "'My sheet'!".
-std::string sheetPrefix(const std::string& sheet);
 
 }  // namespace quorva::workbook

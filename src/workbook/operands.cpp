@@ -1,6 +1,7 @@
 // The operands of formulas: constants and references, and which of them an identifier is.
 #include <algorithm>
 
+#include "workbook/cell_names.h"
 #include "workbook/parser.h"
 
 namespace quorva::workbook {
@@ -14,33 +15,6 @@ bool isNamePart(char c) {
            static_cast<unsigned char>(c) >= 128;
 }
 
-/// A column in letters, from 0; -1 when the letters are none.
-int columnOf(std::string_view letters) {
-    if (letters.empty() || letters.size() > 3) {
-        return -1;
-    }
-    int column = 0;
-    for (const char c : letters) {
-        if (!isLetter(c)) {
-            return -1;
-        }
-        column = column * 26 + ((c & ~32) - 'A' + 1);
-    }
-    return column <= maxColumns ? column - 1 : -1;
-}
-
-/// A row number, from 0; -1 when the digits are none.
-int rowOf(std::string_view digits) {
-    if (digits.empty() || digits.size() > 7 || !std::all_of(digits.begin(), digits.end(), isDigit)) {
-        return -1;
-    }
-    int row = 0;
-    for (const char c : digits) {
-        row = row * 10 + (c - '0');
-    }
-    return row >= 1 && row <= maxRows ? row - 1 : -1;
-}
-
 struct Part {
     int position = -1;
     bool absolute = false;
@@ -52,7 +26,7 @@ Part columnPart(std::string_view text) {
         part.absolute = true;
         text.remove_prefix(1);
     }
-    part.position = columnOf(text);
+    part.position = columnFromLetters(text);
     return part;
 }
 
@@ -62,7 +36,7 @@ Part rowPart(std::string_view text) {
         part.absolute = true;
         text.remove_prefix(1);
     }
-    part.position = rowOf(text);
+    part.position = rowFromDigits(text);
     return part;
 }
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "workbook/book.h"
 #include "workbook/convert.h"
+#include "workbook/failure.h"
 
 namespace quorva::workbook {
 

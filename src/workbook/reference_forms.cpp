@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "workbook/book.h"
+#include "workbook/cell_names.h"
 #include "workbook/evaluator.h"
 
 namespace quorva::workbook {

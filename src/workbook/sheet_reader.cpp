@@ -4,9 +4,8 @@
 #include <cmath>
 #include <map>
 
-#include "workbook/book.h"
+#include "workbook/cell_names.h"
 #include "workbook/convert.h"
-#include "workbook/workings.h"
 
 namespace quorva::workbook {
 
@@ -242,17 +241,6 @@ std::string richText(pugi::xml_node node) {
         }
     }
     return decodeEscapes(text);
-}
-
-bool parseArea(std::string_view text, Area& area) {
-    const auto colon = text.find(':');
-    if (!parseCellName(text.substr(0, colon), area.firstRow, area.firstColumn)) {
-        return false;
-    }
-    area.lastRow = area.firstRow;
-    area.lastColumn = area.firstColumn;
-    return colon == std::string_view::npos || (parseCellName(text.substr(colon + 1), area.lastRow, area.lastColumn) &&
-                                               area.lastRow >= area.firstRow && area.lastColumn >= area.firstColumn);
 }
 
 void readSheet(const Package& package, const std::string& part, const SharedTexts& texts, RawSheet& sheet) {

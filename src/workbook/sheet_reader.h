@@ -12,8 +12,6 @@ using SharedTexts = std::vector<Value>;
 std::string richText(pugi::xml_node node);
 /// "_x000A_" and its like as the characters they stand for.
 std::string decodeEscapes(std::string_view text);
-/// "A1" or "A1:B3"; false when the text is no range.
-bool parseArea(std::string_view text, Area& area);
 
 void readSheet(const Package& package, const std::string& part, const SharedTexts& texts, RawSheet& sheet);
 /// Rows of saved values of another workbook.

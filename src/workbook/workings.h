@@ -117,13 +117,4 @@ private:
     bool computing_ = false;
 };
 
-/// Lines of a text workbook as a raw book; throws Failure.
-std::unique_ptr<RawBook> readText(std::string_view lines);
-/// An .xlsx or .xlsm file; throws Failure.
-std::unique_ptr<RawBook> readFile(const std::filesystem::path& file);
-std::unique_ptr<RawBook> readPackage(const std::string& bytes, const std::string& fileName);
-
-/// The position a text such as "B3" or "$B$3" means; false when it means none.
-bool parseCellName(std::string_view text, int& row, int& column);
-
 }  // namespace quorva::workbook

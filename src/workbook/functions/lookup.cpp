@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "workbook/function_call.h"
+#include "workbook/cell_names.h"
 #include "workbook/functions/families.h"
 
 namespace quorva::workbook {
@@ -354,51 +354,6 @@ Value crossLookup(Call& call, Arguments arguments) {
 }
 
 // ---- addresses ----
-
-std::string columnName(int column) {
-    std::string name;
-    for (++column; column > 0; column = (column - 1) / 26) {
-        name.insert(name.begin(), static_cast<char>('A' + (column - 1) % 26));
-    }
-    return name;
-}
-
-bool isWordByte(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '.' ||
-           static_cast<unsigned char>(c) >= 128;
-}
-
-/// Whether a name reads as a cell, such as A1, XFD12 or R1C1, so that it has to be quoted.
-bool looksLikeCell(std::string_view name) {
-    const auto letters =
-        std::find_if(name.begin(), name.end(), [](char c) { return c >= '0' && c <= '9'; }) - name.begin();
-    const std::string upper = toUpper(name);
-    if (upper == "R" || upper == "C" || upper == "RC") {
-        return true;
-    }
-    return letters >= 1 && letters <= 3 && static_cast<std::size_t>(letters) < name.size() &&
-           std::all_of(name.begin(), name.begin() + letters,
-                       [](char c) { return isWordByte(c) && c != '_' && c != '.'; }) &&
-           std::all_of(name.begin() + letters, name.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
-
-}  // namespace
-
-std::string sheetPrefix(const std::string& sheet) {
-    const bool plain =
-        std::all_of(sheet.begin(), sheet.end(), [](char c) { return isWordByte(c) || c == '[' || c == ']'; }) &&
-        !(sheet[0] >= '0' && sheet[0] <= '9') && sheet[0] != '.' && !looksLikeCell(sheet);
-    if (sheet.empty() || plain) {
-        return sheet + "!";
-    }
-    std::string quoted = "'";
-    for (const char c : sheet) {
-        quoted += c == '\'' ? "''" : std::string(1, c);
-    }
-    return quoted + "'!";
-}
-
-namespace {
 
 Value address(Call&, Arguments arguments) {
     const double row = std::trunc(arguments[0].number());
