@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "workbook/book_reader.h"
+#include "workbook/functions/families.h"
 #include "workbook/module_link.h"
 #include "workbook/program.h"
 #include "workbook/text_book.h"
@@ -65,7 +66,7 @@ Value taken(const CellValue& cell) {
 std::span<const FunctionInfo> functions() {
     static const std::vector<FunctionInfo> infos = [] {
         std::vector<FunctionInfo> all;
-        for (const FunctionRow* row : allFunctions()) {
+        for (const FunctionRow* row : worksheetFunctions().rows()) {
             all.push_back({row->name, categoryName(row->category), row->minArgs, row->maxArgs,
                            row->volatility == Volatility::Volatile});
         }

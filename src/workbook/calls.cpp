@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "workbook/parser.h"
+#include "workbook/texts.h"
 
 namespace quorva::workbook {
 
@@ -16,7 +17,7 @@ bool isDigit(char c) { return c >= '0' && c <= '9'; }
 }  // namespace
 
 Node Parser::functionAsLambda(const std::string& name) const {
-    const FunctionRow* row = findFunction(name);
+    const FunctionRow* row = symbols_.function(name);
     if (!row) {
         return unsupported("the function " + name + " without arguments");
     }
@@ -167,7 +168,7 @@ Node Parser::call(std::string_view written) {
         checkCount(form->minArgs, form->maxArgs);
         node.kind = Node::Kind::Special;
         node.form = form->form;
-    } else if (const FunctionRow* row = findFunction(name)) {
+    } else if (const FunctionRow* row = symbols_.function(name)) {
         checkCount(row->minArgs, row->maxArgs);
         node.kind = Node::Kind::TableCall;
         node.row = row;

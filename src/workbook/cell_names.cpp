@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "workbook/convert.h"
+#include "workbook/texts.h"
 
 namespace quorva::workbook {
 

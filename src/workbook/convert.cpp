@@ -6,6 +6,9 @@
 #include <cmath>
 #include <cstdio>
 
+#include "workbook/dates.h"
+#include "workbook/texts.h"
+
 namespace quorva::workbook {
 
 namespace {

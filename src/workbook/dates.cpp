@@ -1,4 +1,6 @@
 // Date serial numbers of both systems, and dates and times written as text (month first).
+#include "workbook/dates.h"
+
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -6,6 +8,7 @@
 #include <ctime>
 
 #include "workbook/convert.h"
+#include "workbook/texts.h"
 
 namespace quorva::workbook {
 

@@ -120,18 +120,6 @@ Value operate(Operator op, const Value& left, const Value& right, bool date1904)
     }
 }
 
-Value combinedElement(const Value& value, int row, int column) {
-    if (!value.isArray()) {
-        return value;
-    }
-    const int r = value.arrayRows() == 1 ? 0 : row;
-    const int c = value.arrayColumns() == 1 ? 0 : column;
-    if (r >= value.arrayRows() || c >= value.arrayColumns()) {
-        return ErrorCode::NA;
-    }
-    return value.arrayCells()[static_cast<std::size_t>(r) * value.arrayColumns() + c];
-}
-
 Value combine(const Call& call, const Value& left, const Value& right,
               const std::function<Value(const Value&, const Value&)>& fn) {
     const int rows = std::max(left.isArray() ? left.arrayRows() : 1, right.isArray() ? right.arrayRows() : 1);

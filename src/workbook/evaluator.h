@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "workbook/function_call.h"
+#include "workbook/references.h"
 #include "workbook/syntax.h"
 
 namespace quorva::workbook {
@@ -44,8 +44,6 @@ struct LambdaBody : Body {
     const Node* node;
     std::shared_ptr<const Scope> scope;
 };
-
-constexpr std::int64_t largestArray = 1 << 24;  ///< elements
 
 struct Evaluator {
     /// How ranges in a scalar's place are taken: intersected; mapped because a function wants an array; mapped because
@@ -113,7 +111,5 @@ Value operate(Operator op, const Value& left, const Value& right, bool date1904)
 /// repeated, what has no partner is #N/A.
 Value combine(const Call& call, const Value& left, const Value& right,
               const std::function<Value(const Value&, const Value&)>& fn);
-/// The element of an array that takes part at (row, column) of a combination; scalars take part everywhere.
-Value combinedElement(const Value& value, int row, int column);
 
 }  // namespace quorva::workbook

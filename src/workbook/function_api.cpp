@@ -1,8 +1,10 @@
-// Calls of table functions: conversion of arguments, intersection, mapping over arrays.
+// Calls of table functions: conversion of arguments, mapping over arrays.
+#include "workbook/function_api.h"
+
 #include <algorithm>
 #include <boost/container/small_vector.hpp>
 
-#include "workbook/function_call.h"
+#include "workbook/references.h"
 
 namespace quorva::workbook {
 
@@ -77,19 +79,6 @@ Shape shapeOf(const Value& value) {
     return {};
 }
 
-/// The element of an array that takes part at (row, column) when arrays of several shapes are combined.
-Value element(const Value& value, int row, int column) {
-    if (!value.isArray()) {
-        return value;
-    }
-    const int r = value.arrayRows() == 1 ? 0 : row;
-    const int c = value.arrayColumns() == 1 ? 0 : column;
-    if (r >= value.arrayRows() || c >= value.arrayColumns()) {
-        return ErrorCode::NA;
-    }
-    return value.arrayCells()[static_cast<std::size_t>(r) * value.arrayColumns() + c];
-}
-
 /// A range as its first cell, an array of ranges as the first cells of each.
 Value firstCells(const Call& call, const Value& value) {
     if (value.isReference()) {
@@ -107,10 +96,8 @@ Value firstCells(const Call& call, const Value& value) {
     return Value::array(value.arrayRows(), value.arrayColumns(), std::move(cells));
 }
 
-constexpr std::int64_t largestMapping = 1 << 24;
-
 Value mapFunction(Call& call, const FunctionRow& row, std::span<Argument> arguments, Shape shape) {
-    if (static_cast<std::int64_t>(shape.rows) * shape.columns > largestMapping) {
+    if (static_cast<std::int64_t>(shape.rows) * shape.columns > largestArray) {
         return ErrorCode::Num;
     }
     call.spend(static_cast<double>(shape.rows) * shape.columns);
@@ -122,7 +109,7 @@ Value mapFunction(Call& call, const FunctionRow& row, std::span<Argument> argume
             for (std::size_t i = 0; i < arguments.size(); ++i) {
                 one[i] = arguments[i];
                 if (isMappedKind(argumentKind(row.kinds, static_cast<int>(i)))) {
-                    one[i].value = element(arguments[i].value, r, c);
+                    one[i].value = combinedElement(arguments[i].value, r, c);
                 }
             }
             Value result = callScalars(call, row, {one.data(), one.size()});
@@ -137,61 +124,6 @@ Value mapFunction(Call& call, const FunctionRow& row, std::span<Argument> argume
 }
 
 }  // namespace
-
-void refuseReferenceArray(const Value& value) {
-    if (value.isReferenceArray()) {
-        throw Unsupported{"an array of references at this place"};
-    }
-}
-
-char argumentKind(std::string_view kinds, int index) {
-    const auto open = kinds.find('(');
-    if (open == std::string_view::npos) {
-        return kinds.empty() ? 'S' : kinds[std::min<std::size_t>(static_cast<std::size_t>(index), kinds.size() - 1)];
-    }
-    if (static_cast<std::size_t>(index) < open) {
-        return kinds[static_cast<std::size_t>(index)];
-    }
-    const std::string_view group = kinds.substr(open + 1, kinds.size() - open - 2);
-    return group[(static_cast<std::size_t>(index) - open) % group.size()];
-}
-
-Value intersectReference(const Call& call, const Value& reference) {
-    if (reference.areas().size() != 1) {
-        return ErrorCode::Value;
-    }
-    const Area& area = reference.areas()[0];
-    if (area.single()) {
-        return call.cells.get(area.sheet, area.firstRow, area.firstColumn);
-    }
-    if (area.firstColumn == area.lastColumn && call.row >= area.firstRow && call.row <= area.lastRow) {
-        return call.cells.get(area.sheet, call.row, area.firstColumn);
-    }
-    if (area.firstRow == area.lastRow && call.column >= area.firstColumn && call.column <= area.lastColumn) {
-        return call.cells.get(area.sheet, area.firstRow, call.column);
-    }
-    return ErrorCode::Value;
-}
-
-Value readReference(const Call& call, const Value& reference) {
-    if (reference.areas().size() != 1) {
-        return ErrorCode::Value;
-    }
-    const Area& area = reference.areas()[0];
-    if (area.single()) {
-        return call.cells.get(area.sheet, area.firstRow, area.firstColumn);
-    }
-    if (static_cast<std::int64_t>(area.rows()) * area.columns() > largestMapping) {
-        return ErrorCode::Num;
-    }
-    call.spend(static_cast<double>(area.rows()) * area.columns());
-    std::vector<Value> cells(static_cast<std::size_t>(area.rows()) * area.columns());
-    call.cells.forEachSlot(area, [&](int row, int column, Slot slot) {
-        cells[static_cast<std::size_t>(row - area.firstRow) * area.columns() + (column - area.firstColumn)] =
-            call.cells.get(slot);
-    });
-    return Value::array(area.rows(), area.columns(), std::move(cells));
-}
 
 Value callFunction(Call& call, const FunctionRow& row, std::span<Argument> arguments) {
     Shape shape;
@@ -317,7 +249,7 @@ Result<NumberPairs> collectPairs(const Call& call, const Argument& first, const 
 
 Result<NumberMatrix> toMatrix(const Call& call, const Argument& argument) {
     const Grid grid = argument.grid(call);
-    if (grid.size() > largestMapping) {
+    if (grid.size() > largestArray) {
         return ErrorCode::Num;
     }
     NumberMatrix matrix{grid.rows(), grid.columns(), {}};

@@ -62,31 +62,13 @@
 
 #include "workbook/cells.h"
 #include "workbook/convert.h"
+#include "workbook/criterion.h"
+#include "workbook/dates.h"
+#include "workbook/function_table.h"
+#include "workbook/texts.h"
 #include "workbook/value.h"
 
 namespace quorva::workbook {
-
-enum class Category {
-    Math,
-    Trigonometry,
-    Statistics,
-    Distribution,
-    Finance,
-    Date,
-    Text,
-    Engineering,
-    Lookup,
-    Array,
-    Information,
-    Logic,
-    Database
-};
-std::string_view categoryName(Category category);
-
-/// Volatile functions (RAND, NOW ...) are evaluated at every recalculation.
-enum class Volatility : bool { Stable, Volatile };
-
-constexpr int anyCount = 255;
 
 /// The evaluation in progress, as a function sees it.
 struct Call {
@@ -128,35 +110,9 @@ struct Argument {
     /// A 1 x 1 range or array as its value; others unchanged.
     Value scalar(const Call& call) const;
 };
-using Arguments = std::span<const Argument>;
-
-using Function = Value (*)(Call& call, Arguments arguments);
-using NumericFunction = double (*)(const double* arguments, int count);
-
-struct FunctionRow {
-    std::string_view name;
-    int minArgs = 0;
-    int maxArgs = 0;
-    std::string_view kinds;
-    Category category = Category::Math;
-    Volatility volatility = Volatility::Stable;
-    Function function = nullptr;
-    NumericFunction numeric = nullptr;
-    /// Functions that came from the analysis tool pack give #VALUE! for a range of several cells in a scalar's place.
-    bool refusesRanges = false;
-};
-
-/// The letter of `kinds` for the argument at `index` (from 0).
-char argumentKind(std::string_view kinds, int index);
-
 /// Checks, converts and maps the arguments as the row says and calls its function. References stay references only
 /// where the row's kinds let them.
 Value callFunction(Call& call, const FunctionRow& row, std::span<Argument> arguments);
-
-/// The function of a name in capitals, without prefixes; null when there is none.
-const FunctionRow* findFunction(std::string_view name);
-/// Every row of every family.
-std::span<const FunctionRow* const> allFunctions();
 
 // ---- helpers for numbers in arguments ----
 

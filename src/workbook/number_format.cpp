@@ -6,6 +6,7 @@
 
 #include "workbook/convert.h"
 #include "workbook/number_format_parts.h"
+#include "workbook/texts.h"
 
 namespace quorva::workbook {
 

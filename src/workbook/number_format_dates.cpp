@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "workbook/convert.h"
+#include "workbook/dates.h"
 #include "workbook/number_format_parts.h"
 
 namespace quorva::workbook::format {

@@ -2,7 +2,9 @@
 #include <algorithm>
 
 #include "workbook/cell_names.h"
+#include "workbook/convert.h"
 #include "workbook/parser.h"
+#include "workbook/texts.h"
 
 namespace quorva::workbook {
 
@@ -420,7 +422,8 @@ int Parser::variable(std::string_view name) const {
 bool Parser::blanksBeforeArguments(std::string_view word) {
     const std::size_t behind = at_;
     const std::string name = toUpper(withoutPrefix(word));
-    if (skipBlanks() && peek() == '(' && (findFunction(name) || findForm(name)) && !symbols_.name(word, place_.sheet)) {
+    if (skipBlanks() && peek() == '(' && (symbols_.function(name) || findForm(name)) &&
+        !symbols_.name(word, place_.sheet)) {
         return true;
     }
     at_ = behind;

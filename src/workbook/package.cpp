@@ -5,6 +5,7 @@
 
 #include "workbook/convert.h"
 #include "workbook/failure.h"
+#include "workbook/texts.h"
 
 namespace quorva::workbook {
 

@@ -6,6 +6,7 @@
 
 #include "workbook/cell_names.h"
 #include "workbook/convert.h"
+#include "workbook/texts.h"
 
 namespace quorva::workbook {
 

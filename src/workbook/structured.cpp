@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "workbook/parser.h"
+#include "workbook/texts.h"
 
 namespace quorva::workbook {
 

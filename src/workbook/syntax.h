@@ -6,8 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "workbook/function_api.h"
-#include "workbook/raw_book.h"
+#include "workbook/function_table.h"
+#include "workbook/lazy_function_table.h"
+#include "workbook/symbols.h"
 
 namespace quorva::workbook {
 
@@ -31,52 +32,6 @@ enum class Operator : std::uint8_t {
     Intersection,
     Union
 };
-
-/// Functions that see their arguments before evaluation: branches, references, lambdas.
-enum class Form : std::uint8_t {
-    If,
-    Ifs,
-    Switch,
-    Choose,
-    IfError,
-    IfNa,
-    Let,
-    Lambda,
-    Map,
-    Reduce,
-    Scan,
-    ByRow,
-    ByCol,
-    MakeArray,
-    Offset,
-    Index,
-    Indirect,
-    Row,
-    Column,
-    Rows,
-    Columns,
-    Cell,
-    FormulaText,
-    IsFormula,
-    Sheet,
-    Sheets,
-    Areas,
-    IsRef,
-    Single,
-    AnchorArray,
-    IsOmitted
-};
-
-struct FormRow {
-    std::string_view name;
-    Form form;
-    int minArgs;
-    int maxArgs;
-    Category category;
-    Volatility volatility = Volatility::Stable;
-};
-std::span<const FormRow> allForms();
-const FormRow* findForm(std::string_view name);
 
 struct Node {
     enum class Kind : std::uint8_t {
@@ -111,28 +66,6 @@ struct Node {
 struct ParseError : std::runtime_error {
     ParseError(const std::string& what, std::size_t where) : std::runtime_error(what), position(where) {}
     std::size_t position;
-};
-
-/// Names that formulas refer to, and the model functions that they call.
-class Symbols {
-public:
-    explicit Symbols(const RawBook& book);
-
-    int sheet(std::string_view name) const;  ///< -1 when there is none
-    int ownSheets() const { return book_->ownSheets; }
-    const RawName* name(std::string_view name, int sheet) const;
-    const RawTable* table(std::string_view name) const;
-    const RawTable* tableAt(int sheet, int row, int column) const;
-    /// Number of a model function by its name; made on first use.
-    int modelFunction(std::string_view name);
-    const std::vector<std::string>& modelFunctions() const { return modelNames_; }
-
-private:
-    const RawBook* book_;
-    std::unordered_map<std::string, int> sheets_;
-    std::unordered_map<std::string, std::vector<const RawName*>> names_;
-    std::unordered_map<std::string, const RawTable*> tables_;
-    std::vector<std::string> modelNames_;
 };
 
 /// Where a formula stands: relative references of a shared formula or a name move by the shift.

@@ -15,6 +15,7 @@
 #include "workbook/cell_names.h"
 #include "workbook/convert.h"
 #include "workbook/failure.h"
+#include "workbook/texts.h"
 
 namespace quorva::workbook {
 

@@ -192,6 +192,23 @@ inline int Value::arrayColumns() const { return static_cast<ArrayBody*>(body_)->
 inline const std::vector<Value>& Value::arrayCells() const { return static_cast<ArrayBody*>(body_)->cells; }
 inline const std::vector<Area>& Value::areas() const { return static_cast<ReferenceBody*>(body_)->areas; }
 
+/// Elements that an array may have; what would be larger is #NUM!.
+constexpr std::int64_t largestArray = 1 << 24;
+
+/// The element that takes part at (row, column) when values of several shapes are combined: scalars, single rows and
+/// single columns are repeated; where there is no partner, #N/A.
+inline Value combinedElement(const Value& value, int row, int column) {
+    if (!value.isArray()) {
+        return value;
+    }
+    const int r = value.arrayRows() == 1 ? 0 : row;
+    const int c = value.arrayColumns() == 1 ? 0 : column;
+    if (r >= value.arrayRows() || c >= value.arrayColumns()) {
+        return ErrorCode::NA;
+    }
+    return value.arrayCells()[static_cast<std::size_t>(r) * value.arrayColumns() + c];
+}
+
 /// A value, or the error that takes its place.
 template <class T>
 class Result {

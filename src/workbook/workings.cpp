@@ -5,6 +5,7 @@
 #include <cmath>
 #include <ctime>
 
+#include "workbook/functions/families.h"
 #include "workbook/module_link.h"
 #include "workbook/program.h"
 #include "workbook/stack_room.h"
@@ -50,7 +51,7 @@ double currentSerial(bool date1904) {
 }  // namespace
 
 Workings::Workings(std::unique_ptr<RawBook> book) : raw(std::move(book)) {
-    symbols = std::make_unique<Symbols>(*raw);
+    symbols = std::make_unique<Symbols>(*raw, worksheetFunctions());
     layCells();
     around.cells = &cells;
     around.symbols = symbols.get();

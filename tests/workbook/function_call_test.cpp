@@ -1,4 +1,4 @@
-#include "workbook/function_call.h"
+#include "workbook/functions/families.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ Value callNamed(std::string_view name, std::vector<Value> values) {
     for (Value& value : values) {
         arguments.push_back({std::move(value)});
     }
-    const FunctionRow* row = findFunction(name);
+    const FunctionRow* row = worksheetFunctions().find(name);
     EXPECT_NE(row, nullptr) << name;
     return row ? callFunction(call, *row, arguments) : Value();
 }

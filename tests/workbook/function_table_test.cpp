@@ -6,7 +6,7 @@
 #include <cmath>
 #include <set>
 
-#include "workbook/function_api.h"
+#include "workbook/functions/families.h"
 #include "workbook/functions/normal.h"
 
 namespace quorva::workbook {
@@ -23,12 +23,12 @@ Value callRow(const CellStore& cells, const FunctionRow& row, std::vector<Value>
 
 TEST(FunctionTable, HasEveryNameOnceWithSensibleArities) {
     std::set<std::string_view> names;
-    for (const FunctionRow* row : allFunctions()) {
+    for (const FunctionRow* row : worksheetFunctions().rows()) {
         EXPECT_TRUE(names.insert(row->name).second) << row->name << " stands in two tables";
         EXPECT_LE(row->minArgs, row->maxArgs) << row->name;
         EXPECT_TRUE(row->function || row->numeric) << row->name;
         EXPECT_EQ(row->kinds.empty(), row->maxArgs == 0) << row->name;
-        EXPECT_EQ(findFunction(row->name), row);
+        EXPECT_EQ(worksheetFunctions().find(row->name), row);
     }
 }
 
@@ -37,7 +37,7 @@ TEST(FunctionTable, NumericFormsAgreeWithTheGeneralOnes) {
     const CellStore cells;
     const double samples[] = {-3, -0.5, 0, 0.25, 1, 2.5, 10};
     int compared = 0;
-    for (const FunctionRow* row : allFunctions()) {
+    for (const FunctionRow* row : worksheetFunctions().rows()) {
         if (!row->numeric || !row->function || row->minArgs > 3) {
             continue;
         }
@@ -59,7 +59,7 @@ TEST(FunctionTable, NumericFormsAgreeWithTheGeneralOnes) {
 /// Every numeric function answers every number, however odd, with a number or a NaN.
 TEST(FunctionTable, NumericFormsSurviveExtremeArguments) {
     const double samples[] = {-1e308, -1e15, -1, 0, 1e-308, 0.01, 1, 3, 1e9, 1e308};
-    for (const FunctionRow* row : allFunctions()) {
+    for (const FunctionRow* row : worksheetFunctions().rows()) {
         if (!row->numeric) {
             continue;
         }
@@ -93,7 +93,7 @@ TEST(FunctionTable, FunctionsSurviveArgumentsOfEveryKind) {
                                         Value::array(2, 2, {1.0, 2.0, "x", Value()}),
                                         Value::reference({Area{0, 0, 0, 0, 0}}),
                                         Value::reference({Area{0, 0, 0, 2, 1}})};
-    for (const FunctionRow* row : allFunctions()) {
+    for (const FunctionRow* row : worksheetFunctions().rows()) {
         if (row->volatility == Volatility::Volatile || row->kinds.find('L') != std::string_view::npos) {
             continue;  // they need a recalculation in progress
         }
@@ -137,7 +137,7 @@ TEST(Subtotal, NeverCountsFilteredRowsAndCountsRowsHiddenByHandUnlessAskedNotTo)
     cells.sheet(0).hiddenRows = {false, true, true};
     cells.sheet(0).filteredRows = {false, false, true};
     const Value range = Value::reference({Area{0, 0, 0, 2, 0}});
-    const FunctionRow& subtotal = *findFunction("SUBTOTAL");
+    const FunctionRow& subtotal = *worksheetFunctions().find("SUBTOTAL");
     EXPECT_EQ(callRow(cells, subtotal, {9, range}).number(), 11);
     EXPECT_EQ(callRow(cells, subtotal, {109, range}).number(), 1);
 }

@@ -5,7 +5,7 @@
 #include <exception>
 #include <random>
 
-#include "workbook/function_call.h"
+#include "workbook/functions/families.h"
 
 namespace quorva::workbook {
 namespace {
@@ -49,7 +49,7 @@ TEST(FunctionTable, OddArgumentsNeverThrowAndGiveFiniteNumbers) {
     std::mt19937 generator(20261120);
     const auto draw = [&](std::size_t count) { return generator() % count; };
     long calls = 0;
-    for (const FunctionRow* row : allFunctions()) {
+    for (const FunctionRow* row : worksheetFunctions().rows()) {
         if (row->volatility == Volatility::Volatile || row->kinds.find_first_of("FL") != std::string_view::npos) {
             continue;
         }

@@ -10,9 +10,6 @@
 
 namespace quorva::workbook {
 
-/// More cells than this are not computed as one array (the host runs out of resources too): #NUM!.
-constexpr std::int64_t largestArray = 1 << 24;
-
 /// Row by row; a single cell becomes a scalar.
 inline Value arrayOrScalar(int rows, int columns, std::vector<Value> cells) {
     return cells.size() == 1 ? std::move(cells[0]) : Value::array(rows, columns, std::move(cells));

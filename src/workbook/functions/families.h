@@ -7,6 +7,9 @@
 
 namespace quorva::workbook {
 
+/// Every function of the families below.
+const FunctionTable& worksheetFunctions();
+
 std::span<const FunctionRow> mathFunctions();      ///< arithmetic, powers, sums
 std::span<const FunctionRow> roundingFunctions();  ///< ROUND, CEILING, EVEN ...
 std::span<const FunctionRow> trigonometryFunctions();
