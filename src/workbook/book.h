@@ -10,8 +10,8 @@
 #include <string_view>
 #include <vector>
 
-#include "workbook/cell_names.h"
-#include "workbook/failure.h"
+#include "workbook/values/cell_names.h"
+#include "workbook/values/failure.h"
 
 namespace quorva::workbook {
 

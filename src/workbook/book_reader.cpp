@@ -5,9 +5,9 @@
 #include <fstream>
 #include <sstream>
 
-#include "workbook/cell_names.h"
-#include "workbook/failure.h"
 #include "workbook/sheet_reader.h"
+#include "workbook/values/cell_names.h"
+#include "workbook/values/failure.h"
 
 namespace quorva::workbook {
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "workbook/raw_book.h"
+#include "workbook/values/raw_book.h"
 
 namespace quorva::workbook {
 

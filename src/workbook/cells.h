@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "workbook/allowance.h"
-#include "workbook/value.h"
+#include "workbook/values/value.h"
 
 namespace quorva::workbook {
 

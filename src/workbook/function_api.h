@@ -61,12 +61,12 @@
 #include <string_view>
 
 #include "workbook/cells.h"
-#include "workbook/convert.h"
-#include "workbook/criterion.h"
-#include "workbook/dates.h"
 #include "workbook/function_table.h"
-#include "workbook/texts.h"
-#include "workbook/value.h"
+#include "workbook/values/convert.h"
+#include "workbook/values/criterion.h"
+#include "workbook/values/dates.h"
+#include "workbook/values/texts.h"
+#include "workbook/values/value.h"
 
 namespace quorva::workbook {
 

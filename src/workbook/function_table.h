@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "workbook/value.h"
+#include "workbook/values/value.h"
 
 namespace quorva::workbook {
 

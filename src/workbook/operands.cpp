@@ -1,10 +1,10 @@
 // The operands of formulas: constants and references, and which of them an identifier is.
 #include <algorithm>
 
-#include "workbook/cell_names.h"
-#include "workbook/convert.h"
 #include "workbook/parser.h"
-#include "workbook/texts.h"
+#include "workbook/values/cell_names.h"
+#include "workbook/values/convert.h"
+#include "workbook/values/texts.h"
 
 namespace quorva::workbook {
 

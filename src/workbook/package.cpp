@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "workbook/convert.h"
-#include "workbook/failure.h"
-#include "workbook/texts.h"
+#include "workbook/values/convert.h"
+#include "workbook/values/failure.h"
+#include "workbook/values/texts.h"
 
 namespace quorva::workbook {
 

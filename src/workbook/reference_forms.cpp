@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "workbook/cell_names.h"
 #include "workbook/evaluator.h"
+#include "workbook/values/cell_names.h"
 
 namespace quorva::workbook {
 

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <map>
 
-#include "workbook/cell_names.h"
-#include "workbook/convert.h"
-#include "workbook/texts.h"
+#include "workbook/values/cell_names.h"
+#include "workbook/values/convert.h"
+#include "workbook/values/texts.h"
 
 namespace quorva::workbook {
 

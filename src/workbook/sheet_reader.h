@@ -2,7 +2,7 @@
 #pragma once
 
 #include "workbook/package.h"
-#include "workbook/raw_book.h"
+#include "workbook/values/raw_book.h"
 
 namespace quorva::workbook {
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "workbook/parser.h"
-#include "workbook/texts.h"
+#include "workbook/values/texts.h"
 
 namespace quorva::workbook {
 

@@ -1,6 +1,6 @@
 #include "workbook/symbols.h"
 
-#include "workbook/texts.h"
+#include "workbook/values/texts.h"
 
 namespace quorva::workbook {
 

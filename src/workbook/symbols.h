@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "workbook/function_table.h"
-#include "workbook/raw_book.h"
+#include "workbook/values/raw_book.h"
 
 namespace quorva::workbook {
 

@@ -12,10 +12,10 @@
 
 #include <algorithm>
 
-#include "workbook/cell_names.h"
-#include "workbook/convert.h"
-#include "workbook/failure.h"
-#include "workbook/texts.h"
+#include "workbook/values/cell_names.h"
+#include "workbook/values/convert.h"
+#include "workbook/values/failure.h"
+#include "workbook/values/texts.h"
 
 namespace quorva::workbook {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include "workbook/raw_book.h"
+#include "workbook/values/raw_book.h"
 
 namespace quorva::workbook {
 

@@ -7,8 +7,8 @@
 
 #include "workbook/book.h"
 #include "workbook/evaluator.h"
-#include "workbook/raw_book.h"
 #include "workbook/syntax.h"
+#include "workbook/values/raw_book.h"
 
 namespace quorva::workbook {
 

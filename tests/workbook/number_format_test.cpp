@@ -1,4 +1,4 @@
-#include "workbook/number_format.h"
+#include "workbook/values/number_format.h"
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "workbook/book.h"
-#include "workbook/convert.h"
+#include "workbook/values/convert.h"
 
 namespace quorva::workbook {
 namespace {

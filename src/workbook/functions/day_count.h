@@ -1,7 +1,7 @@
 // How many days and years lie between two dates by the conventions of worksheets and of securities.
 #pragma once
 
-#include "workbook/dates.h"
+#include "workbook/values/dates.h"
 
 namespace quorva::workbook {
 

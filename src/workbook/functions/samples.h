@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "workbook/value.h"
+#include "workbook/values/value.h"
 
 namespace quorva::workbook {
 

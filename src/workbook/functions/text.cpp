@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "workbook/functions/families.h"
-#include "workbook/number_format.h"
+#include "workbook/values/number_format.h"
 
 namespace quorva::workbook {
 

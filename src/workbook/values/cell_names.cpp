@@ -1,8 +1,8 @@
-#include "workbook/cell_names.h"
+#include "workbook/values/cell_names.h"
 
 #include <algorithm>
 
-#include "workbook/texts.h"
+#include "workbook/values/texts.h"
 
 namespace quorva::workbook {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "workbook/value.h"
+#include "workbook/values/value.h"
 
 namespace quorva::workbook {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "workbook/value.h"
+#include "workbook/values/value.h"
 
 namespace quorva::workbook {
 

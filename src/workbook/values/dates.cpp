@@ -1,5 +1,5 @@
 // Date serial numbers of both systems, and dates and times written as text (month first).
-#include "workbook/dates.h"
+#include "workbook/values/dates.h"
 
 #include <algorithm>
 #include <array>
@@ -7,8 +7,8 @@
 #include <cmath>
 #include <ctime>
 
-#include "workbook/convert.h"
-#include "workbook/texts.h"
+#include "workbook/values/convert.h"
+#include "workbook/values/texts.h"
 
 namespace quorva::workbook {
 

@@ -1,4 +1,4 @@
-#include "workbook/texts.h"
+#include "workbook/values/texts.h"
 
 #include <algorithm>
 #include <cmath>

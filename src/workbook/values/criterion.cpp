@@ -1,7 +1,7 @@
-#include "workbook/criterion.h"
+#include "workbook/values/criterion.h"
 
-#include "workbook/convert.h"
-#include "workbook/texts.h"
+#include "workbook/values/convert.h"
+#include "workbook/values/texts.h"
 
 namespace quorva::workbook {
 

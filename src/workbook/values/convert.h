@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "workbook/value.h"
+#include "workbook/values/value.h"
 
 namespace quorva::workbook {
 

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <cstdint>
 
-#include "workbook/convert.h"
-#include "workbook/dates.h"
-#include "workbook/number_format_parts.h"
+#include "workbook/values/convert.h"
+#include "workbook/values/dates.h"
+#include "workbook/values/number_format_parts.h"
 
 namespace quorva::workbook::format {
 

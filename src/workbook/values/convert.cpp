@@ -1,4 +1,4 @@
-#include "workbook/convert.h"
+#include "workbook/values/convert.h"
 
 #include <algorithm>
 #include <array>
@@ -6,8 +6,8 @@
 #include <cmath>
 #include <cstdio>
 
-#include "workbook/dates.h"
-#include "workbook/texts.h"
+#include "workbook/values/dates.h"
+#include "workbook/values/texts.h"
 
 namespace quorva::workbook {
 

@@ -1,4 +1,4 @@
-#include "workbook/value.h"
+#include "workbook/values/value.h"
 
 #include <array>
 

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "workbook/convert.h"
-#include "workbook/number_format_parts.h"
+#include "workbook/values/convert.h"
+#include "workbook/values/number_format_parts.h"
 
 namespace quorva::workbook {
 

@@ -1,7 +1,7 @@
 // Conditions on cells, as SUMIF and its kind take them.
 #pragma once
 
-#include "workbook/value.h"
+#include "workbook/values/value.h"
 
 namespace quorva::workbook {
 

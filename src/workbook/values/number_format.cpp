@@ -1,12 +1,12 @@
-#include "workbook/number_format.h"
+#include "workbook/values/number_format.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 
-#include "workbook/convert.h"
-#include "workbook/number_format_parts.h"
-#include "workbook/texts.h"
+#include "workbook/values/convert.h"
+#include "workbook/values/number_format_parts.h"
+#include "workbook/values/texts.h"
 
 namespace quorva::workbook {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "workbook/number_format.h"
+#include "workbook/values/number_format.h"
 
 namespace quorva::workbook::format {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "workbook/value.h"
+#include "workbook/values/value.h"
 
 namespace quorva::workbook {
 
