@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "workbook/book_reader.h"
+#include "workbook/file/book_reader.h"
+#include "workbook/file/text_book.h"
 #include "workbook/functions/families.h"
 #include "workbook/module_link.h"
 #include "workbook/program.h"
-#include "workbook/text_book.h"
 #include "workbook/workings.h"
 
 namespace quorva::workbook {

@@ -8,7 +8,7 @@
 //     table Sales: A1:C4       a table with one row of headers, whose names are its constants
 //     hidden 3                 row 3 of the first sheet is hidden
 //     date1904                 the date system
-#include "workbook/text_book.h"
+#include "workbook/file/text_book.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "workbook/sheet_reader.h"
+#include "workbook/file/sheet_reader.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "workbook/package.h"
+#include "workbook/file/package.h"
 
 #include <algorithm>
 #include <cstring>

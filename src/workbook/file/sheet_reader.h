@@ -1,7 +1,7 @@
 // Reads the cells of one sheet.
 #pragma once
 
-#include "workbook/package.h"
+#include "workbook/file/package.h"
 #include "workbook/values/raw_book.h"
 
 namespace quorva::workbook {

@@ -1,11 +1,11 @@
 // Reads a workbook's parts: the book, shared texts, names, tables and saved values of other books.
-#include "workbook/book_reader.h"
+#include "workbook/file/book_reader.h"
 
 #include <algorithm>
 #include <fstream>
 #include <sstream>
 
-#include "workbook/sheet_reader.h"
+#include "workbook/file/sheet_reader.h"
 #include "workbook/values/cell_names.h"
 #include "workbook/values/failure.h"
 
