@@ -4,8 +4,8 @@
 #include <functional>
 #include <memory>
 
+#include "workbook/formula/syntax.h"
 #include "workbook/references.h"
-#include "workbook/syntax.h"
 
 namespace quorva::workbook {
 

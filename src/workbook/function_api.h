@@ -61,7 +61,7 @@
 #include <string_view>
 
 #include "workbook/cells.h"
-#include "workbook/function_table.h"
+#include "workbook/formula/function_table.h"
 #include "workbook/values/convert.h"
 #include "workbook/values/criterion.h"
 #include "workbook/values/dates.h"

@@ -7,7 +7,7 @@
 
 #include "workbook/book.h"
 #include "workbook/evaluator.h"
-#include "workbook/syntax.h"
+#include "workbook/formula/syntax.h"
 #include "workbook/values/raw_book.h"
 
 namespace quorva::workbook {

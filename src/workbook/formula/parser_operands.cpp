@@ -1,7 +1,7 @@
 // The operands of formulas: constants and references, and which of them an identifier is.
 #include <algorithm>
 
-#include "workbook/parser.h"
+#include "workbook/formula/parser.h"
 #include "workbook/values/cell_names.h"
 #include "workbook/values/convert.h"
 #include "workbook/values/texts.h"

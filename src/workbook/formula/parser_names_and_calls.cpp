@@ -1,7 +1,7 @@
 // Defined names, calls of functions, and the variables of LET and LAMBDA.
 #include <algorithm>
 
-#include "workbook/parser.h"
+#include "workbook/formula/parser.h"
 #include "workbook/values/texts.h"
 
 namespace quorva::workbook {

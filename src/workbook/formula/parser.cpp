@@ -1,4 +1,4 @@
-#include "workbook/parser.h"
+#include "workbook/formula/parser.h"
 
 #include <algorithm>
 

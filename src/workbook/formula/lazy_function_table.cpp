@@ -1,4 +1,4 @@
-#include "workbook/lazy_function_table.h"
+#include "workbook/formula/lazy_function_table.h"
 
 #include <unordered_map>
 

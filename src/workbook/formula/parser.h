@@ -1,7 +1,7 @@
 // The parser's inside: one pass over the text of a formula.
 #pragma once
 
-#include "workbook/syntax.h"
+#include "workbook/formula/syntax.h"
 
 namespace quorva::workbook {
 

@@ -1,4 +1,4 @@
-#include "workbook/symbols.h"
+#include "workbook/formula/symbols.h"
 
 #include "workbook/values/texts.h"
 

@@ -1,4 +1,4 @@
-#include "workbook/function_table.h"
+#include "workbook/formula/function_table.h"
 
 #include <algorithm>
 

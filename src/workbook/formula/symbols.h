@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "workbook/function_table.h"
+#include "workbook/formula/function_table.h"
 #include "workbook/values/raw_book.h"
 
 namespace quorva::workbook {

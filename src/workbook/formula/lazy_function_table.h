@@ -4,7 +4,7 @@
 #include <span>
 #include <string_view>
 
-#include "workbook/function_table.h"
+#include "workbook/formula/function_table.h"
 
 namespace quorva::workbook {
 

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "workbook/function_table.h"
-#include "workbook/lazy_function_table.h"
-#include "workbook/symbols.h"
+#include "workbook/formula/function_table.h"
+#include "workbook/formula/lazy_function_table.h"
+#include "workbook/formula/symbols.h"
 
 namespace quorva::workbook {
 
