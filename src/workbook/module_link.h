@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "quorva/host_value.h"
-#include "workbook/evaluator.h"
+#include "workbook/evaluation/evaluator.h"
 
 namespace quorva::workbook {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "workbook/book.h"
-#include "workbook/function_api.h"
+#include "workbook/evaluation/function_api.h"
 #include "workbook/module_link.h"
 
 namespace quorva::workbook {

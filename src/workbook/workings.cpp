@@ -5,10 +5,10 @@
 #include <cmath>
 #include <ctime>
 
+#include "workbook/evaluation/stack_room.h"
 #include "workbook/functions/families.h"
 #include "workbook/module_link.h"
 #include "workbook/program.h"
-#include "workbook/stack_room.h"
 
 namespace quorva::workbook {
 

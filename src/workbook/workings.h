@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "workbook/book.h"
-#include "workbook/evaluator.h"
+#include "workbook/evaluation/evaluator.h"
 #include "workbook/formula/syntax.h"
 #include "workbook/values/raw_book.h"
 

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "workbook/function_api.h"
+#include "workbook/evaluation/function_api.h"
 
 namespace quorva::workbook {
 

@@ -13,7 +13,7 @@
 #include <exception>
 #include <limits>
 
-#include "workbook/function_api.h"
+#include "workbook/evaluation/function_api.h"
 
 namespace quorva::workbook::laws {
 

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "workbook/function_api.h"
+#include "workbook/evaluation/function_api.h"
 
 namespace quorva::workbook {
 

@@ -1,10 +1,10 @@
-#include "workbook/evaluator.h"
+#include "workbook/evaluation/evaluator.h"
 
 #include <algorithm>
 #include <boost/container/small_vector.hpp>
 #include <cmath>
 
-#include "workbook/stack_room.h"
+#include "workbook/evaluation/stack_room.h"
 
 namespace quorva::workbook {
 

@@ -1,7 +1,7 @@
 // References as values: what the evaluator and the calls of functions share.
 #pragma once
 
-#include "workbook/function_api.h"
+#include "workbook/evaluation/function_api.h"
 
 namespace quorva::workbook {
 

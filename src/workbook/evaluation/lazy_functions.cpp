@@ -1,7 +1,7 @@
 // Functions that choose what to evaluate: IF, IFS, SWITCH, CHOOSE, IFERROR, LET.
 #include <algorithm>
 
-#include "workbook/evaluator.h"
+#include "workbook/evaluation/evaluator.h"
 
 namespace quorva::workbook {
 

@@ -1,4 +1,4 @@
-#include "workbook/cells.h"
+#include "workbook/evaluation/cells.h"
 
 #include <algorithm>
 

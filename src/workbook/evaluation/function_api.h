@@ -60,7 +60,7 @@
 #include <span>
 #include <string_view>
 
-#include "workbook/cells.h"
+#include "workbook/evaluation/cells.h"
 #include "workbook/formula/function_table.h"
 #include "workbook/values/convert.h"
 #include "workbook/values/criterion.h"

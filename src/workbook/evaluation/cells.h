@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "workbook/allowance.h"
+#include "workbook/evaluation/allowance.h"
 #include "workbook/values/value.h"
 
 namespace quorva::workbook {

@@ -1,4 +1,4 @@
-#include "workbook/allowance.h"
+#include "workbook/evaluation/allowance.h"
 
 namespace quorva::workbook {
 

@@ -1,4 +1,4 @@
-#include "workbook/stack_room.h"
+#include "workbook/evaluation/stack_room.h"
 
 #include <pthread.h>
 

@@ -4,8 +4,8 @@
 #include <functional>
 #include <memory>
 
+#include "workbook/evaluation/references.h"
 #include "workbook/formula/syntax.h"
-#include "workbook/references.h"
 
 namespace quorva::workbook {
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "workbook/evaluator.h"
+#include "workbook/evaluation/evaluator.h"
 #include "workbook/values/cell_names.h"
 
 namespace quorva::workbook {

@@ -1,10 +1,10 @@
 // Calls of table functions: conversion of arguments, mapping over arrays.
-#include "workbook/function_api.h"
+#include "workbook/evaluation/function_api.h"
 
 #include <algorithm>
 #include <boost/container/small_vector.hpp>
 
-#include "workbook/references.h"
+#include "workbook/evaluation/references.h"
 
 namespace quorva::workbook {
 

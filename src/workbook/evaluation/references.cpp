@@ -1,4 +1,4 @@
-#include "workbook/references.h"
+#include "workbook/evaluation/references.h"
 
 namespace quorva::workbook {
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "workbook/evaluator.h"
+#include "workbook/evaluation/evaluator.h"
 
 namespace quorva::workbook {
 
