@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "frontend/text.h"
 #include "frontend/text_table.h"
 #include "quorva/catalogue.h"
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 
 namespace quorva::frontend {
 

@@ -6,7 +6,7 @@
 
 #include "frontend/driver.h"
 #include "frontend/setting_tables.h"
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 
 namespace quorva::frontend {
 

@@ -13,7 +13,7 @@
 #include "frontend/failure.h"
 #include "frontend/output_file.h"
 #include "frontend/text.h"
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 
 namespace quorva::frontend {
 

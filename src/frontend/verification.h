@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 
 namespace quorva::frontend {
 

@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <string>
 
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace quorva::workbook;

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "package_maker.h"
-#include "workbook/workings.h"
+#include "workbook/recalculation/recalculation.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Formulas that would take days: they end as unsupported, and what is merely large is computed.
 #include <gtest/gtest.h>
 
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 
 namespace quorva::workbook {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "quorva/front_end.h"
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 
 namespace quorva::workbook {
 namespace {

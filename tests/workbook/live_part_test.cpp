@@ -4,7 +4,7 @@
 #include <random>
 #include <sstream>
 
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 
 namespace quorva::workbook {
 namespace {

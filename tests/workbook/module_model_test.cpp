@@ -6,7 +6,7 @@
 
 #include "quorva/front_end.h"
 #include "quorva/host_value.h"
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 
 namespace quorva::workbook {
 namespace {

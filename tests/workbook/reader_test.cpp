@@ -5,8 +5,8 @@
 #include <fstream>
 
 #include "package_maker.h"
-#include "workbook/book.h"
-#include "workbook/workings.h"
+#include "workbook/recalculation/book.h"
+#include "workbook/recalculation/recalculation.h"
 
 namespace quorva::workbook {
 namespace {

@@ -8,7 +8,7 @@
 #include <iostream>
 #include <map>
 
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 
 namespace quorva::workbook {
 namespace {

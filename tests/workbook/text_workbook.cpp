@@ -3,8 +3,8 @@
 #include <cmath>
 #include <sstream>
 
-#include "workbook/book.h"
-#include "workbook/workings.h"
+#include "workbook/recalculation/book.h"
+#include "workbook/recalculation/recalculation.h"
 
 namespace quorva::workbook {
 namespace {

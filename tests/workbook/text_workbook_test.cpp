@@ -7,7 +7,7 @@
 #include <set>
 #include <sstream>
 
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 #include "workbook/values/convert.h"
 
 namespace quorva::workbook {

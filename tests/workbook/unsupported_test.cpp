@@ -1,7 +1,7 @@
 // What the host does not compute is said, with its reason, and never a value.
 #include <gtest/gtest.h>
 
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 
 namespace quorva::workbook {
 namespace {

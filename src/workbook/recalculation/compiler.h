@@ -4,8 +4,8 @@
 #include <map>
 #include <optional>
 
-#include "workbook/program.h"
-#include "workbook/workings.h"
+#include "workbook/recalculation/program.h"
+#include "workbook/recalculation/recalculation.h"
 
 namespace quorva::workbook {
 

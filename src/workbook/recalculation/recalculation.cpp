@@ -1,4 +1,4 @@
-#include "workbook/workings.h"
+#include "workbook/recalculation/recalculation.h"
 
 #include <algorithm>
 #include <chrono>
@@ -7,8 +7,8 @@
 
 #include "workbook/evaluation/stack_room.h"
 #include "workbook/functions/families.h"
-#include "workbook/module_link.h"
-#include "workbook/program.h"
+#include "workbook/recalculation/module_link.h"
+#include "workbook/recalculation/program.h"
 
 namespace quorva::workbook {
 

@@ -1,13 +1,13 @@
-#include "workbook/book.h"
+#include "workbook/recalculation/book.h"
 
 #include <algorithm>
 
 #include "workbook/file/book_reader.h"
 #include "workbook/file/text_book.h"
 #include "workbook/functions/families.h"
-#include "workbook/module_link.h"
-#include "workbook/program.h"
-#include "workbook/workings.h"
+#include "workbook/recalculation/module_link.h"
+#include "workbook/recalculation/program.h"
+#include "workbook/recalculation/recalculation.h"
 
 namespace quorva::workbook {
 

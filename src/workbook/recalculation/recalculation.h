@@ -5,9 +5,9 @@
 #include <memory>
 #include <optional>
 
-#include "workbook/book.h"
 #include "workbook/evaluation/evaluator.h"
 #include "workbook/formula/syntax.h"
+#include "workbook/recalculation/book.h"
 #include "workbook/values/raw_book.h"
 
 namespace quorva::workbook {

@@ -7,9 +7,9 @@
 #include <memory>
 #include <vector>
 
-#include "workbook/book.h"
 #include "workbook/evaluation/function_api.h"
-#include "workbook/module_link.h"
+#include "workbook/recalculation/book.h"
+#include "workbook/recalculation/module_link.h"
 
 namespace quorva::workbook {
 

@@ -1,4 +1,4 @@
-#include "workbook/compiler.h"
+#include "workbook/recalculation/compiler.h"
 
 #include <cmath>
 #include <limits>

@@ -1,9 +1,9 @@
-#include "workbook/program.h"
+#include "workbook/recalculation/program.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "workbook/workings.h"
+#include "workbook/recalculation/recalculation.h"
 
 namespace quorva::workbook {
 

@@ -1,4 +1,4 @@
-#include "workbook/module_link.h"
+#include "workbook/recalculation/module_link.h"
 
 #include <dlfcn.h>
 
@@ -9,7 +9,7 @@
 #include <tuple>
 #include <utility>
 
-#include "workbook/workings.h"
+#include "workbook/recalculation/recalculation.h"
 
 namespace quorva::workbook {
 

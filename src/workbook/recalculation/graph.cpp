@@ -1,7 +1,7 @@
 // Which formula depends on which, the order of calculation, cycles, and the part that runs at every recalculation.
 #include <algorithm>
 
-#include "workbook/workings.h"
+#include "workbook/recalculation/recalculation.h"
 
 namespace quorva::workbook {
 
