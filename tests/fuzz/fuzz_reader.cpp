@@ -5,6 +5,7 @@
 #include <string>
 
 #include "package_maker.h"
+#include "workbook/file/book_reader.h"
 #include "workbook/recalculation/recalculation.h"
 
 namespace {
@@ -30,10 +31,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         bytes = packed(bytes);
     }
     try {
-        Workings workings(readPackage(bytes, "Fuzz.xlsx"));
-        workings.around.stepLimit = 1'000'000;  // the sanitizers make every step a hundred times slower
-        if (workings.formulas.size() < 200) {
-            workings.computeAll();
+        Recalculation recalculation(readPackage(bytes, "Fuzz.xlsx"));
+        recalculation.context.stepLimit = 1'000'000;  // the sanitizers make every step a hundred times slower
+        if (recalculation.formulas.size() < 200) {
+            recalculation.computeAll();
         }
     } catch (const Failure&) {
     }

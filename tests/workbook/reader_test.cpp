@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "package_maker.h"
+#include "workbook/file/book_reader.h"
 #include "workbook/recalculation/book.h"
 #include "workbook/recalculation/recalculation.h"
 
@@ -94,9 +95,9 @@ TEST(Reader, MovesSharedFormulasToTheirCells) {
 
 /// What the live part of a book with these rows cannot compute.
 std::string liveRefusal(const std::string& rows) {
-    Workings workings(readRows(rows));
+    Recalculation recalculation(readRows(rows));
     try {
-        workings.recalculate();
+        recalculation.recalculate();
     } catch (const Failure& failure) {
         EXPECT_EQ(failure.kind, Failure::Kind::Unsupported);
         return failure.what();

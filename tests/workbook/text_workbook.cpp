@@ -4,7 +4,8 @@
 #include <sstream>
 
 #include "workbook/recalculation/book.h"
-#include "workbook/recalculation/recalculation.h"
+#include "workbook/values/cell_names.h"
+#include "workbook/values/convert.h"
 
 namespace quorva::workbook {
 namespace {

@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "workbook/recalculation/book.h"
-#include "workbook/values/convert.h"
+#include "workbook/values/texts.h"
 
 namespace quorva::workbook {
 namespace {

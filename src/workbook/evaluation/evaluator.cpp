@@ -61,7 +61,7 @@ Value concatenate(const Value& left, const Value& right) {
 
 }  // namespace
 
-double Surroundings::nextRandom() {
+double EvaluationContext::nextRandom() {
     const auto rotate = [](std::uint64_t x, int k) { return (x << k) | (x >> (64 - k)); };
     std::uint64_t* s = random;
     const std::uint64_t result = rotate(s[0] + s[3], 23) + s[0];
@@ -75,7 +75,7 @@ double Surroundings::nextRandom() {
     return (static_cast<double>(result >> 12) + 0.5) * 0x1p-52;
 }
 
-void Surroundings::seedRandom(std::uint64_t seed) {
+void EvaluationContext::seedRandom(std::uint64_t seed) {
     for (std::uint64_t& word : random) {  // splitmix64, as the generator's authors recommend
         seed += 0x9E3779B97F4A7C15;
         std::uint64_t z = seed;
@@ -85,8 +85,8 @@ void Surroundings::seedRandom(std::uint64_t seed) {
     }
 }
 
-double Call::random() const { return evaluator->around.nextRandom(); }
-double Call::now() const { return evaluator->around.now; }
+double Call::random() const { return evaluator->context.nextRandom(); }
+double Call::now() const { return evaluator->context.now; }
 Value Call::invoke(const Value& lambda, std::span<const Value> arguments) const {
     return evaluator->invoke(lambda, arguments);
 }
@@ -139,9 +139,9 @@ Value combine(const Call& call, const Value& left, const Value& right,
     return Value::array(rows, columns, std::move(cells));
 }
 
-Evaluator::Evaluator(Surroundings& surroundings, int sheet, int row, int column, bool arrayFormula)
-    : around(surroundings),
-      call{*surroundings.cells, sheet, row, column, surroundings.raw->date1904, arrayFormula, this},
+Evaluator::Evaluator(EvaluationContext& bookContext, int sheet, int row, int column, bool arrayFormula)
+    : context(bookContext),
+      call{*bookContext.cells, sheet, row, column, bookContext.raw->date1904, arrayFormula, this},
       mode(arrayFormula ? Mode::ArrayFormula : Mode::Scalar) {}
 
 Value Evaluator::operand(Value value) {
@@ -182,10 +182,10 @@ Value Evaluator::evaluate(const Node& node) {
             return binary(node);
         case Node::Kind::TableCall:
             return tableCall(node);
-        case Node::Kind::Special:
-            return special(node);
+        case Node::Kind::LazyCall:
+            return lazyCall(node);
         case Node::Kind::ModelCall:
-            return around.callModel(*this, node);
+            return context.callModel(*this, node);
         default: {
             const Value callee = evaluate(node.children[0]);
             if (!callee.isLambda()) {
@@ -253,7 +253,7 @@ Value Evaluator::referenceOperator(const Node& node) {
                 box = {box.sheet, std::min(box.firstRow, area.firstRow), std::min(box.firstColumn, area.firstColumn),
                        std::max(box.lastRow, area.lastRow), std::max(box.lastColumn, area.lastColumn)};
             }
-            around.bringUpToDate(box);
+            context.bringUpToDate(box);
             return Value::reference({box});
         }
         default: {

@@ -5,12 +5,12 @@
 #include <memory>
 
 #include "workbook/evaluation/references.h"
-#include "workbook/formula/syntax.h"
+#include "workbook/formula/parser.h"
 
 namespace quorva::workbook {
 
 /// What the evaluator asks the book for.
-struct Surroundings {
+struct EvaluationContext {
     CellStore* cells = nullptr;
     Symbols* symbols = nullptr;
     const RawBook* raw = nullptr;
@@ -50,7 +50,7 @@ struct Evaluator {
     /// the whole formula is an array formula.
     enum class Mode : std::uint8_t { Scalar, ArrayArgument, ArrayFormula };
 
-    Evaluator(Surroundings& around, int sheet, int row, int column, bool arrayFormula);
+    Evaluator(EvaluationContext& context, int sheet, int row, int column, bool arrayFormula);
 
     Value evaluate(const Node& node);
     /// A value or an array, no reference.
@@ -60,7 +60,7 @@ struct Evaluator {
     Value evaluateScalar(const Node& node);
     Value invoke(const Value& lambda, std::span<const Value> arguments);
 
-    Surroundings& around;
+    EvaluationContext& context;
     Call call;
     Mode mode;
     std::shared_ptr<const Scope> scope;
@@ -74,35 +74,35 @@ private:
     Value invokeRow(const FunctionRow& row, std::span<const Value> given);
 
     // forms.cpp
-    Value special(const Node& node);
-    Value ifForm(const Node& node);
-    Value ifErrorForm(const Node& node, bool onlyNA);
-    Value ifsForm(const Node& node);
-    Value switchForm(const Node& node);
-    Value chooseForm(const Node& node);
-    Value letForm(const Node& node);
+    Value lazyCall(const Node& node);
+    Value ifFunction(const Node& node);
+    Value ifErrorFunction(const Node& node, bool onlyNA);
+    Value ifsFunction(const Node& node);
+    Value switchFunction(const Node& node);
+    Value chooseFunction(const Node& node);
+    Value letFunction(const Node& node);
 
     // reference_forms.cpp
-    Value indexForm(const Node& node);
+    Value indexFunction(const Node& node);
     Value indexOne(const Value& base, const Value& row, const Value& column, const Value& area, int given);
-    Value offsetForm(const Node& node);
+    Value offsetFunction(const Node& node);
     Value offsetOne(const Area& from, std::span<const Value> numbers);
     Value forEachReference(std::span<const Value> values, const std::function<Value(std::span<const Value>)>& refer);
-    Value indirectForm(const Node& node);
+    Value indirectFunction(const Node& node);
     Value referenceFromText(const std::string& text);
     bool areaFromNumbers(std::string_view text, Area& area);
-    Value rowForm(const Node& node, bool column);
-    Value countForm(const Node& node, bool columns);
-    Value cellForm(const Node& node);
-    Value sheetForm(const Node& node, bool count);
-    Value anchorForm(const Node& node);
-    Value formulaForm(const Node& node, bool text);
+    Value rowFunction(const Node& node, bool column);
+    Value countFunction(const Node& node, bool columns);
+    Value cellFunction(const Node& node);
+    Value sheetFunction(const Node& node, bool count);
+    Value anchorFunction(const Node& node);
+    Value formulaFunction(const Node& node, bool text);
 
     // lambda_forms.cpp
-    Value mapForm(const Node& node);
-    Value reduceForm(const Node& node, bool scan);
-    Value byForm(const Node& node, bool rows);
-    Value makeArrayForm(const Node& node);
+    Value mapFunction(const Node& node);
+    Value reduceFunction(const Node& node, bool scan);
+    Value byFunction(const Node& node, bool rows);
+    Value makeArrayFunction(const Node& node);
 };
 
 /// One arithmetic, comparison or text operation on scalars.

@@ -84,7 +84,7 @@ Value element(Evaluator& evaluator, Value value) {
 
 }  // namespace
 
-Value Evaluator::mapForm(const Node& node) {
+Value Evaluator::mapFunction(const Node& node) {
     const WithMode guard(*this);
     std::vector<Elements> arrays;
     int rows = 1;
@@ -111,7 +111,7 @@ Value Evaluator::mapForm(const Node& node) {
     return Value::array(rows, columns, std::move(cells));
 }
 
-Value Evaluator::reduceForm(const Node& node, bool scan) {
+Value Evaluator::reduceFunction(const Node& node, bool scan) {
     const WithMode guard(*this);
     const bool initial = node.children.size() == 3;
     const bool given = initial && node.children[0].kind != Node::Kind::Missing;
@@ -138,7 +138,7 @@ Value Evaluator::reduceForm(const Node& node, bool scan) {
     return scan ? Value::array(elements.rows(), elements.columns(), std::move(cells)) : total;
 }
 
-Value Evaluator::byForm(const Node& node, bool rows) {
+Value Evaluator::byFunction(const Node& node, bool rows) {
     const WithMode guard(*this);
     const Elements elements(*this, evaluate(node.children[0]));
     const Value lambda = evaluate(node.children[1]);
@@ -152,7 +152,7 @@ Value Evaluator::byForm(const Node& node, bool rows) {
     return rows ? Value::array(count, 1, std::move(cells)) : Value::array(1, count, std::move(cells));
 }
 
-Value Evaluator::makeArrayForm(const Node& node) {
+Value Evaluator::makeArrayFunction(const Node& node) {
     const WithMode guard(*this);
     double size[2];
     for (int i = 0; i < 2; ++i) {

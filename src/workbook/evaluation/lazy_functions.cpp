@@ -84,80 +84,80 @@ Value pickChoose(const std::vector<Value>& values) {
 
 }  // namespace
 
-Value Evaluator::special(const Node& node) {
-    switch (node.form) {
-        case Form::If:
-            return ifForm(node);
-        case Form::Ifs:
-            return ifsForm(node);
-        case Form::Switch:
-            return switchForm(node);
-        case Form::Choose:
-            return chooseForm(node);
-        case Form::IfError:
-            return ifErrorForm(node, false);
-        case Form::IfNa:
-            return ifErrorForm(node, true);
-        case Form::Let:
-            return letForm(node);
-        case Form::Lambda:
+Value Evaluator::lazyCall(const Node& node) {
+    switch (node.lazy) {
+        case LazyFunction::If:
+            return ifFunction(node);
+        case LazyFunction::Ifs:
+            return ifsFunction(node);
+        case LazyFunction::Switch:
+            return switchFunction(node);
+        case LazyFunction::Choose:
+            return chooseFunction(node);
+        case LazyFunction::IfError:
+            return ifErrorFunction(node, false);
+        case LazyFunction::IfNa:
+            return ifErrorFunction(node, true);
+        case LazyFunction::Let:
+            return letFunction(node);
+        case LazyFunction::Lambda:
             return Value::adopt(Value::Type::Lambda, new LambdaBody(&node, scope, [](Body* body) {
                                     delete static_cast<LambdaBody*>(body);
                                 }));
-        case Form::Map:
-            return mapForm(node);
-        case Form::Reduce:
-            return reduceForm(node, false);
-        case Form::Scan:
-            return reduceForm(node, true);
-        case Form::ByRow:
-            return byForm(node, true);
-        case Form::ByCol:
-            return byForm(node, false);
-        case Form::MakeArray:
-            return makeArrayForm(node);
-        case Form::Offset:
-            return offsetForm(node);
-        case Form::Index:
-            return indexForm(node);
-        case Form::Indirect:
-            return indirectForm(node);
-        case Form::Row:
-            return rowForm(node, false);
-        case Form::Column:
-            return rowForm(node, true);
-        case Form::Rows:
-            return countForm(node, false);
-        case Form::Columns:
-            return countForm(node, true);
-        case Form::Cell:
-            return cellForm(node);
-        case Form::FormulaText:
-            return formulaForm(node, true);
-        case Form::IsFormula:
-            return formulaForm(node, false);
-        case Form::Sheet:
-            return sheetForm(node, false);
-        case Form::Sheets:
-            return sheetForm(node, true);
-        case Form::Areas: {
+        case LazyFunction::Map:
+            return mapFunction(node);
+        case LazyFunction::Reduce:
+            return reduceFunction(node, false);
+        case LazyFunction::Scan:
+            return reduceFunction(node, true);
+        case LazyFunction::ByRow:
+            return byFunction(node, true);
+        case LazyFunction::ByCol:
+            return byFunction(node, false);
+        case LazyFunction::MakeArray:
+            return makeArrayFunction(node);
+        case LazyFunction::Offset:
+            return offsetFunction(node);
+        case LazyFunction::Index:
+            return indexFunction(node);
+        case LazyFunction::Indirect:
+            return indirectFunction(node);
+        case LazyFunction::Row:
+            return rowFunction(node, false);
+        case LazyFunction::Column:
+            return rowFunction(node, true);
+        case LazyFunction::Rows:
+            return countFunction(node, false);
+        case LazyFunction::Columns:
+            return countFunction(node, true);
+        case LazyFunction::Cell:
+            return cellFunction(node);
+        case LazyFunction::FormulaText:
+            return formulaFunction(node, true);
+        case LazyFunction::IsFormula:
+            return formulaFunction(node, false);
+        case LazyFunction::Sheet:
+            return sheetFunction(node, false);
+        case LazyFunction::Sheets:
+            return sheetFunction(node, true);
+        case LazyFunction::Areas: {
             const Value value = evaluate(node.children[0]);
             return value.isReference() ? Value(value.areas().size())
                    : value.isError()   ? value
                                        : Value(ErrorCode::Value);
         }
-        case Form::IsRef:
+        case LazyFunction::IsRef:
             return Value(evaluate(node.children[0]).isReference());
-        case Form::Single: {
+        case LazyFunction::Single: {
             const Value value = evaluate(node.children[0]);
             if (value.isReference()) {
                 return intersectReference(call, value);
             }
             return value.isArray() ? value.arrayCells()[0] : value;
         }
-        case Form::AnchorArray:
-            return anchorForm(node);
-        case Form::IsOmitted: {
+        case LazyFunction::AnchorArray:
+            return anchorFunction(node);
+        case LazyFunction::IsOmitted: {
             if (node.children[0].kind == Node::Kind::Variable) {
                 for (const Scope* at = scope.get(); at; at = at->outer.get()) {
                     if (at->variable == node.children[0].index) {
@@ -171,7 +171,7 @@ Value Evaluator::special(const Node& node) {
     return ErrorCode::Value;
 }
 
-Value Evaluator::ifForm(const Node& node) {
+Value Evaluator::ifFunction(const Node& node) {
     const Mode outer = mode;
     if (mode == Mode::ArrayArgument) {
         mode = Mode::Scalar;  // IF inside SUMPRODUCT takes arrays only in an array formula
@@ -204,7 +204,7 @@ Value Evaluator::ifForm(const Node& node) {
     return node.children.size() > 2 ? branchValue(evaluate(node.children[2])) : Value(false);
 }
 
-Value Evaluator::ifErrorForm(const Node& node, bool onlyNA) {
+Value Evaluator::ifErrorFunction(const Node& node, bool onlyNA) {
     const auto caught = [&](const Value& value) {
         return value.isError() && (!onlyNA || value.error() == ErrorCode::NA);
     };
@@ -218,7 +218,7 @@ Value Evaluator::ifErrorForm(const Node& node, bool onlyNA) {
     return branchValue(caught(value) ? evaluate(node.children[1]) : value);
 }
 
-Value Evaluator::ifsForm(const Node& node) {
+Value Evaluator::ifsFunction(const Node& node) {
     std::vector<Value> values;
     bool arrays = false;
     for (std::size_t i = 0; i + 1 < node.children.size(); i += 2) {
@@ -241,7 +241,7 @@ Value Evaluator::ifsForm(const Node& node) {
     return arrays ? mapElements(call, values, pickIfs) : Value(ErrorCode::NA);
 }
 
-Value Evaluator::switchForm(const Node& node) {
+Value Evaluator::switchFunction(const Node& node) {
     std::vector<Value> values{evaluateOperand(node.children[0])};
     if (!values[0].isArray()) {
         if (values[0].isError()) {
@@ -266,7 +266,7 @@ Value Evaluator::switchForm(const Node& node) {
     return mapElements(call, values, pickSwitch);
 }
 
-Value Evaluator::chooseForm(const Node& node) {
+Value Evaluator::chooseFunction(const Node& node) {
     const Value selector = evaluateOperand(node.children[0]);
     if (selector.isArray()) {
         std::vector<Value> values{selector};
@@ -285,7 +285,7 @@ Value Evaluator::chooseForm(const Node& node) {
     return branchValue(evaluate(node.children[static_cast<std::size_t>(*index)]));
 }
 
-Value Evaluator::letForm(const Node& node) {
+Value Evaluator::letFunction(const Node& node) {
     const auto outer = scope;
     for (std::size_t i = 0; i < node.parameters.size(); ++i) {
         Value value = evaluate(node.children[i]);

@@ -72,7 +72,7 @@ std::string unquoted(std::string_view name) {
 
 }  // namespace
 
-Value Evaluator::indexForm(const Node& node) {
+Value Evaluator::indexFunction(const Node& node) {
     const Mode outer = mode;
     mode = mode == Mode::Scalar ? Mode::ArrayArgument : mode;  // INDEX((A1:A9=1)*B1:B9, 0) computes the whole array
     const Value base = evaluate(node.children[0]);
@@ -148,7 +148,7 @@ Value Evaluator::indexOne(const Value& base, const Value& row, const Value& colu
     return rows == 1 && columns == 1 ? slice.arrayCells()[0] : slice;
 }
 
-Value Evaluator::offsetForm(const Node& node) {
+Value Evaluator::offsetFunction(const Node& node) {
     const Value base = evaluate(node.children[0]);
     if (!base.isReference()) {
         refuseReferenceArray(base);
@@ -195,7 +195,7 @@ Value Evaluator::offsetOne(const Area& from, std::span<const Value> numbers) {
     }
     const Area area{from.sheet, static_cast<int>(top), static_cast<int>(left), static_cast<int>(bottom),
                     static_cast<int>(right)};
-    around.bringUpToDate(area);
+    context.bringUpToDate(area);
     return Value::reference({area});
 }
 
@@ -224,7 +224,7 @@ Value Evaluator::forEachReference(std::span<const Value> values,
     return references.size() == 1 ? references[0] : Value::references(rows, columns, std::move(references));
 }
 
-Value Evaluator::indirectForm(const Node& node) {
+Value Evaluator::indirectFunction(const Node& node) {
     std::vector<Value> values{evaluateOperand(node.children[0]), true};
     if (node.children.size() > 1 && node.children[1].kind != Node::Kind::Missing) {
         values[1] = evaluateOperand(node.children[1]);
@@ -239,13 +239,13 @@ Value Evaluator::indirectForm(const Node& node) {
             return a1.error();
         }
         Area area;
-        if (*a1 || around.symbols->name(*text, call.sheet)) {
+        if (*a1 || context.symbols->name(*text, call.sheet)) {
             return referenceFromText(*text);
         }
         if (!areaFromNumbers(*text, area)) {
             return ErrorCode::Ref;
         }
-        around.bringUpToDate(area);
+        context.bringUpToDate(area);
         return Value::reference({area});
     });
 }
@@ -253,8 +253,8 @@ Value Evaluator::indirectForm(const Node& node) {
 /// "A1", "Sheet2!B:B", a name, ...
 Value Evaluator::referenceFromText(const std::string& text) {
     try {
-        const Node parsed = parseFormula(text, {call.sheet, call.row, call.column, 0, 0}, *around.symbols);
-        const Value value = parsed.kind == Node::Kind::Reference || parsed.kind == Node::Kind::Special ||
+        const Node parsed = parseFormula(text, {call.sheet, call.row, call.column, 0, 0}, *context.symbols);
+        const Value value = parsed.kind == Node::Kind::Reference || parsed.kind == Node::Kind::LazyCall ||
                                     parsed.kind == Node::Kind::Binary
                                 ? evaluate(parsed)
                                 : Value(ErrorCode::Ref);
@@ -262,7 +262,7 @@ Value Evaluator::referenceFromText(const std::string& text) {
             return ErrorCode::Ref;
         }
         for (const Area& area : value.areas()) {
-            around.bringUpToDate(area);
+            context.bringUpToDate(area);
         }
         return value;
     } catch (const ParseError&) {
@@ -274,7 +274,7 @@ Value Evaluator::referenceFromText(const std::string& text) {
 bool Evaluator::areaFromNumbers(std::string_view text, Area& area) {
     area.sheet = call.sheet;
     if (const auto mark = text.rfind('!'); mark != std::string_view::npos) {
-        area.sheet = around.symbols->sheet(unquoted(text.substr(0, mark)));
+        area.sheet = context.symbols->sheet(unquoted(text.substr(0, mark)));
         text.remove_prefix(mark + 1);
     }
     if (area.sheet < 0 || !parseRelative(text, call, area)) {
@@ -292,7 +292,7 @@ bool Evaluator::areaFromNumbers(std::string_view text, Area& area) {
     return text.empty();
 }
 
-Value Evaluator::rowForm(const Node& node, bool column) {
+Value Evaluator::rowFunction(const Node& node, bool column) {
     if (node.children.empty()) {
         return column ? call.column + 1 : call.row + 1;
     }
@@ -313,7 +313,7 @@ Value Evaluator::rowForm(const Node& node, bool column) {
     return column ? Value::array(1, count, std::move(cells)) : Value::array(count, 1, std::move(cells));
 }
 
-Value Evaluator::countForm(const Node& node, bool columns) {
+Value Evaluator::countFunction(const Node& node, bool columns) {
     const Mode outer = mode;
     mode = mode == Mode::Scalar ? Mode::ArrayArgument : mode;
     const Value value = evaluate(node.children[0]);
@@ -330,7 +330,7 @@ Value Evaluator::countForm(const Node& node, bool columns) {
     return value.isError() ? value : Value(1);
 }
 
-Value Evaluator::cellForm(const Node& node) {
+Value Evaluator::cellFunction(const Node& node) {
     const auto what = toText(evaluateScalar(node.children[0]));
     if (!what) {
         return what.error();
@@ -363,7 +363,7 @@ Value Evaluator::cellForm(const Node& node) {
         if (area.sheet == call.sheet) {
             return address;
         }
-        return sheetPrefix("[" + around.raw->fileName + "]" + around.raw->sheets[area.sheet].name) + address;
+        return sheetPrefix("[" + context.raw->fileName + "]" + context.raw->sheets[area.sheet].name) + address;
     }
     constexpr std::string_view others[] = {"color", "filename", "format", "parentheses", "prefix", "protect", "width"};
     if (std::find(std::begin(others), std::end(others), kind) == std::end(others)) {
@@ -372,41 +372,41 @@ Value Evaluator::cellForm(const Node& node) {
     throw Unsupported{"the function CELL with \"" + *what + "\""};
 }
 
-Value Evaluator::sheetForm(const Node& node, bool count) {
+Value Evaluator::sheetFunction(const Node& node, bool count) {
     if (node.children.empty()) {
-        return count ? around.raw->ownSheets : call.sheet + 1;
+        return count ? context.raw->ownSheets : call.sheet + 1;
     }
     const Value value = evaluate(node.children[0]);
     if (value.isReference()) {
         return count ? static_cast<int>(value.areas().size()) : value.areas()[0].sheet + 1;
     }
     if (value.isText() && !count) {
-        const int sheet = around.symbols->sheet(value.text());
+        const int sheet = context.symbols->sheet(value.text());
         return sheet < 0 ? Value(ErrorCode::NA) : Value(sheet + 1);
     }
     return value.isError() ? value : Value(count ? ErrorCode::Ref : ErrorCode::NA);
 }
 
-Value Evaluator::anchorForm(const Node& node) {
+Value Evaluator::anchorFunction(const Node& node) {
     const Value value = evaluate(node.children[0]);
     if (!value.isReference() || value.areas().size() != 1) {
         return value.isError() ? value : Value(ErrorCode::Ref);
     }
     const Area& cell = value.areas()[0];
     Area spill;
-    if (!cell.single() || !around.spillOf(cell.sheet, cell.firstRow, cell.firstColumn, spill)) {
+    if (!cell.single() || !context.spillOf(cell.sheet, cell.firstRow, cell.firstColumn, spill)) {
         return ErrorCode::Ref;
     }
     return Value::reference({spill});
 }
 
-Value Evaluator::formulaForm(const Node& node, bool text) {
+Value Evaluator::formulaFunction(const Node& node, bool text) {
     const Value value = evaluate(node.children[0]);
     if (!value.isReference()) {
         return value.isError() ? value : Value(text ? ErrorCode::NA : ErrorCode::Value);
     }
     const Area& cell = value.areas()[0];
-    const std::string* formula = around.formulaText(cell.sheet, cell.firstRow, cell.firstColumn);
+    const std::string* formula = context.formulaText(cell.sheet, cell.firstRow, cell.firstColumn);
     if (!text) {
         return Value(formula != nullptr);
     }

@@ -9,7 +9,7 @@
 namespace quorva::workbook {
 
 /// Functions that see their arguments before evaluation: branches, references, lambdas.
-enum class Form : std::uint8_t {
+enum class LazyFunction : std::uint8_t {
     If,
     Ifs,
     Switch,
@@ -43,15 +43,15 @@ enum class Form : std::uint8_t {
     IsOmitted
 };
 
-struct FormRow {
+struct LazyFunctionRow {
     std::string_view name;
-    Form form;
+    LazyFunction function;
     int minArgs;
     int maxArgs;
     Category category;
     Volatility volatility = Volatility::Stable;
 };
-std::span<const FormRow> allForms();
-const FormRow* findForm(std::string_view name);
+std::span<const LazyFunctionRow> lazyFunctions();
+const LazyFunctionRow* findLazyFunction(std::string_view name);
 
 }  // namespace quorva::workbook

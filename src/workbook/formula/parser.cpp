@@ -1,4 +1,4 @@
-#include "workbook/formula/parser.h"
+#include "workbook/formula/parser_pass.h"
 
 #include <algorithm>
 
@@ -21,7 +21,7 @@ Node unaryNode(Operator op, Node child) {
 bool mayBeReference(const Node& node) {
     switch (node.kind) {
         case Node::Kind::Reference:
-        case Node::Kind::Special:
+        case Node::Kind::LazyCall:
         case Node::Kind::TableCall:
         case Node::Kind::Variable:
             return true;
@@ -170,8 +170,8 @@ Node Parser::unary() {
     for (auto sign = signs.rbegin(); sign != signs.rend(); ++sign) {
         if (*sign == '@') {
             Node single;
-            single.kind = Node::Kind::Special;
-            single.form = Form::Single;
+            single.kind = Node::Kind::LazyCall;
+            single.lazy = LazyFunction::Single;
             single.children.push_back(std::move(node));
             node = std::move(single);
         } else {

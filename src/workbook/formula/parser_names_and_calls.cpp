@@ -1,7 +1,7 @@
 // Defined names, calls of functions, and the variables of LET and LAMBDA.
 #include <algorithm>
 
-#include "workbook/formula/parser.h"
+#include "workbook/formula/parser_pass.h"
 #include "workbook/values/texts.h"
 
 namespace quorva::workbook {
@@ -22,8 +22,8 @@ Node Parser::functionAsLambda(const std::string& name) const {
         return unsupported("the function " + name + " without arguments");
     }
     Node node;
-    node.kind = Node::Kind::Special;
-    node.form = Form::Lambda;
+    node.kind = Node::Kind::LazyCall;
+    node.lazy = LazyFunction::Lambda;
     node.row = row;
     return node;
 }
@@ -121,24 +121,24 @@ bool Parser::variableAhead(std::string_view& name, bool& optional) {
 }
 
 /// LET (names with their values, then what they stand in) and LAMBDA (names, then the body).
-Node Parser::variablesForm(Form form) {
+Node Parser::variablesFunction(LazyFunction function) {
     Node node;
-    node.kind = Node::Kind::Special;
-    node.form = form;
+    node.kind = Node::Kind::LazyCall;
+    node.lazy = function;
     const std::size_t outer = scope_.size();
     std::string_view name;
     bool optional = false;
     while (variableAhead(name, optional)) {
-        if (form == Form::Let) {
+        if (function == LazyFunction::Let) {
             node.children.push_back(comparison());  // the variable itself is not known yet
         }
         node.parameters.push_back(optional ? ~nextVariable_ : nextVariable_);
         scope_.emplace_back(toLower(name), nextVariable_++);
-        if (form == Form::Let) {
+        if (function == LazyFunction::Let) {
             expect(',');
         }
     }
-    if (form == Form::Let && node.children.empty()) {
+    if (function == LazyFunction::Let && node.children.empty()) {
         fail("LET defines no name");
     }
     node.children.push_back(comparison());
@@ -151,7 +151,7 @@ Node Parser::variablesForm(Form form) {
 Node Parser::call(std::string_view written) {
     const std::string name = toUpper(withoutPrefix(written));
     if (name == "LET" || name == "LAMBDA") {
-        return variablesForm(name == "LET" ? Form::Let : Form::Lambda);
+        return variablesFunction(name == "LET" ? LazyFunction::Let : LazyFunction::Lambda);
     }
     Node node;
     node.children = callArguments();
@@ -164,10 +164,10 @@ Node Parser::call(std::string_view written) {
             fail(name + " has " + std::to_string(count) + " arguments");
         }
     };
-    if (const FormRow* form = findForm(name)) {
-        checkCount(form->minArgs, form->maxArgs);
-        node.kind = Node::Kind::Special;
-        node.form = form->form;
+    if (const LazyFunctionRow* lazy = findLazyFunction(name)) {
+        checkCount(lazy->minArgs, lazy->maxArgs);
+        node.kind = Node::Kind::LazyCall;
+        node.lazy = lazy->function;
     } else if (const FunctionRow* row = symbols_.function(name)) {
         checkCount(row->minArgs, row->maxArgs);
         node.kind = Node::Kind::TableCall;

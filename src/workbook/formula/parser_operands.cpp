@@ -1,7 +1,7 @@
 // The operands of formulas: constants and references, and which of them an identifier is.
 #include <algorithm>
 
-#include "workbook/formula/parser.h"
+#include "workbook/formula/parser_pass.h"
 #include "workbook/values/cell_names.h"
 #include "workbook/values/convert.h"
 #include "workbook/values/texts.h"
@@ -67,11 +67,11 @@ Node Parser::primary() {
         if (peek() == '#' && !(peek(1) >= 'A' && peek(1) <= 'Z')) {
             ++at_;
             Node spill;
-            spill.kind = Node::Kind::Special;
-            spill.form = Form::AnchorArray;
+            spill.kind = Node::Kind::LazyCall;
+            spill.lazy = LazyFunction::AnchorArray;
             spill.children.push_back(std::move(node));
             node = std::move(spill);
-        } else if (peek() == '(' && (node.kind == Node::Kind::Call || node.kind == Node::Kind::Special)) {
+        } else if (peek() == '(' && (node.kind == Node::Kind::Call || node.kind == Node::Kind::LazyCall)) {
             node = invocation(std::move(node));
         } else {
             return node;
@@ -422,7 +422,7 @@ int Parser::variable(std::string_view name) const {
 bool Parser::blanksBeforeArguments(std::string_view word) {
     const std::size_t behind = at_;
     const std::string name = toUpper(withoutPrefix(word));
-    if (skipBlanks() && peek() == '(' && (symbols_.function(name) || findForm(name)) &&
+    if (skipBlanks() && peek() == '(' && (symbols_.function(name) || findLazyFunction(name)) &&
         !symbols_.name(word, place_.sheet)) {
         return true;
     }

@@ -1,7 +1,7 @@
 // Structured references: Table[Column], Table[[#This Row],[First]:[Last]], [@Column].
 #include <algorithm>
 
-#include "workbook/formula/parser.h"
+#include "workbook/formula/parser_pass.h"
 #include "workbook/values/texts.h"
 
 namespace quorva::workbook {

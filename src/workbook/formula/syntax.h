@@ -1,14 +1,13 @@
 // Formulas as trees: what the parser makes and the evaluator walks.
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "workbook/formula/function_table.h"
 #include "workbook/formula/lazy_function_table.h"
-#include "workbook/formula/symbols.h"
+#include "workbook/values/value.h"
 
 namespace quorva::workbook {
 
@@ -41,7 +40,7 @@ struct Node {
         Unary,
         Binary,
         TableCall,
-        Special,
+        LazyCall,
         ModelCall,
         Variable,
         Call,
@@ -50,7 +49,7 @@ struct Node {
 
     Kind kind = Kind::Missing;
     Operator op{};
-    Form form{};
+    LazyFunction lazy{};         ///< of a LazyCall
     bool explicitSheet = false;  ///< of a reference: its sheet was written
     bool parenthesised = false;
     bool unread = false;               ///< stands for text that could not be parsed: what it refers to is not known
@@ -62,22 +61,5 @@ struct Node {
     std::vector<int> parameters;       ///< variables of LET and LAMBDA, in order; ~i marks an optional one
     std::vector<Node> children;
 };
-
-struct ParseError : std::runtime_error {
-    ParseError(const std::string& what, std::size_t where) : std::runtime_error(what), position(where) {}
-    std::size_t position;
-};
-
-/// Where a formula stands: relative references of a shared formula or a name move by the shift.
-struct FormulaPlace {
-    int sheet = 0;
-    int row = 0;
-    int column = 0;
-    int shiftRows = 0;
-    int shiftColumns = 0;
-};
-
-/// Parses a formula without its equals sign; throws ParseError.
-Node parseFormula(std::string_view text, const FormulaPlace& place, Symbols& symbols);
 
 }  // namespace quorva::workbook

@@ -12,8 +12,8 @@
 namespace quorva::workbook {
 
 struct Book::Contents {
-    explicit Contents(std::unique_ptr<RawBook> raw) : workings(std::move(raw)) {}
-    Workings workings;
+    explicit Contents(std::unique_ptr<RawBook> raw) : recalculation(std::move(raw)) {}
+    Recalculation recalculation;
 };
 
 namespace {
@@ -70,7 +70,7 @@ std::span<const FunctionInfo> functions() {
             all.push_back({row->name, categoryName(row->category), row->minArgs, row->maxArgs,
                            row->volatility == Volatility::Volatile});
         }
-        for (const FormRow& row : allForms()) {
+        for (const LazyFunctionRow& row : lazyFunctions()) {
             all.push_back({row.name, categoryName(row.category), row.minArgs, row.maxArgs,
                            row.volatility == Volatility::Volatile});
         }
@@ -87,25 +87,25 @@ Book::Book(Book&&) noexcept = default;
 Book& Book::operator=(Book&&) noexcept = default;
 Book::~Book() = default;
 
-int Book::sheetCount() const { return contents_->workings.raw->ownSheets; }
+int Book::sheetCount() const { return contents_->recalculation.raw->ownSheets; }
 const std::string& Book::sheetName(int sheet) const {
-    return contents_->workings.raw->sheets[static_cast<std::size_t>(sheet)].name;
+    return contents_->recalculation.raw->sheets[static_cast<std::size_t>(sheet)].name;
 }
 
 std::optional<CellRange> Book::resolve(std::string_view text) const {
-    Workings& workings = contents_->workings;
+    Recalculation& recalculation = contents_->recalculation;
     try {
-        const Node node = parseFormula(text, {}, *workings.symbols);
+        const Node node = parseFormula(text, {}, *recalculation.symbols);
         Value value = node.value;
         if (node.kind != Node::Kind::Reference) {
-            Evaluator evaluator(workings.around, 0, 0, 0, false);
+            Evaluator evaluator(recalculation.context, 0, 0, 0, false);
             value = evaluator.evaluate(node);
         }
         if (!value.isReference() || value.areas().size() != 1) {
             return std::nullopt;
         }
         const Area& area = value.areas()[0];
-        if (area.sheet >= workings.raw->ownSheets) {
+        if (area.sheet >= recalculation.raw->ownSheets) {
             return std::nullopt;
         }
         return CellRange{area.sheet, area.firstRow, area.firstColumn, area.lastRow, area.lastColumn};
@@ -117,28 +117,30 @@ std::optional<CellRange> Book::resolve(std::string_view text) const {
 }
 
 CellValue Book::value(const CellAddress& cell) const {
-    return published(contents_->workings.cells.get(cell.sheet, cell.row, cell.column));
+    return published(contents_->recalculation.cells.get(cell.sheet, cell.row, cell.column));
 }
 
 std::vector<CellAddress> Book::constants() const {
-    const Workings& workings = contents_->workings;
+    const Recalculation& recalculation = contents_->recalculation;
     std::vector<CellAddress> found;
-    for (int sheet = 0; sheet < workings.raw->ownSheets; ++sheet) {
-        workings.cells.forEachSlot({sheet, 0, 0, maxRows - 1, maxColumns - 1}, [&](int row, int column, Slot slot) {
-            const auto at = static_cast<std::size_t>(slot);
-            if (workings.formulaAt(slot) < 0 && (at >= workings.spillOwner.size() || workings.spillOwner[at] < 0) &&
-                !workings.cells.get(slot).isBlank()) {
-                found.push_back({sheet, row, column});
-            }
-        });
+    for (int sheet = 0; sheet < recalculation.raw->ownSheets; ++sheet) {
+        recalculation.cells.forEachSlot(
+            {sheet, 0, 0, maxRows - 1, maxColumns - 1}, [&](int row, int column, Slot slot) {
+                const auto at = static_cast<std::size_t>(slot);
+                if (recalculation.formulaAt(slot) < 0 &&
+                    (at >= recalculation.spillOwner.size() || recalculation.spillOwner[at] < 0) &&
+                    !recalculation.cells.get(slot).isBlank()) {
+                    found.push_back({sheet, row, column});
+                }
+            });
     }
     return found;
 }
 
 std::vector<FormulaCell> Book::formulas() const {
-    const Workings& workings = contents_->workings;
+    const Recalculation& recalculation = contents_->recalculation;
     std::vector<FormulaCell> found;
-    for (const Formula& formula : workings.formulas) {
+    for (const Formula& formula : recalculation.formulas) {
         if (formula.removed) {
             continue;
         }
@@ -148,7 +150,7 @@ std::vector<FormulaCell> Book::formulas() const {
         cell.isVolatile = formula.live;
         cell.unsupported = !formula.why.empty() || formula.circular;
         cell.why = formula.circular ? "a circular reference (" + formula.why + ")" : formula.why;
-        cell.computed = published(workings.cells.get(formula.slot));
+        cell.computed = published(recalculation.cells.get(formula.slot));
         if (formula.saved) {
             cell.saved = published(*formula.saved);
         }
@@ -156,21 +158,22 @@ std::vector<FormulaCell> Book::formulas() const {
         if (formula.spill.single()) {
             continue;
         }
-        const auto& rawCells = workings.raw->sheets[static_cast<std::size_t>(formula.cell.sheet)].cells;
-        workings.cells.forEachSlot(formula.spill, [&](int row, int column, Slot slot) {
-            if (slot == formula.slot || workings.formulaAt(slot) >= 0) {
+        const auto& rawCells = recalculation.raw->sheets[static_cast<std::size_t>(formula.cell.sheet)].cells;
+        recalculation.cells.forEachSlot(formula.spill, [&](int row, int column, Slot slot) {
+            if (slot == formula.slot || recalculation.formulaAt(slot) >= 0) {
                 return;
             }
             FormulaCell other = cell;
             other.cell = {formula.cell.sheet, row, column};
             other.spilled = true;
             other.saved.reset();
-            const auto position = static_cast<std::size_t>(slot - workings.cells.sheet(formula.cell.sheet).firstSlot);
+            const auto position =
+                static_cast<std::size_t>(slot - recalculation.cells.sheet(formula.cell.sheet).firstSlot);
             if (position < rawCells.size() && rawCells[position].row == row && rawCells[position].column == column &&
                 rawCells[position].hasValue) {
                 other.saved = published(rawCells[position].value);
             }
-            other.computed = published(workings.cells.get(slot));
+            other.computed = published(recalculation.cells.get(slot));
             found.push_back(std::move(other));
         });
     }
@@ -179,30 +182,30 @@ std::vector<FormulaCell> Book::formulas() const {
     return found;
 }
 
-void Book::set(const CellAddress& cell, const CellValue& value) { contents_->workings.set(cell, taken(value)); }
-void Book::setStepLimit(std::int64_t steps) { contents_->workings.around.stepLimit = steps; }
-void Book::recalculateAll() { contents_->workings.computeAll(); }
+void Book::set(const CellAddress& cell, const CellValue& value) { contents_->recalculation.set(cell, taken(value)); }
+void Book::setStepLimit(std::int64_t steps) { contents_->recalculation.context.stepLimit = steps; }
+void Book::recalculateAll() { contents_->recalculation.computeAll(); }
 
 void Book::attach() {
-    Workings& workings = contents_->workings;
-    workings.module = std::make_unique<ModuleLink>(workings);
-    workings.module->open();
-    workings.unprepare();
+    Recalculation& recalculation = contents_->recalculation;
+    recalculation.module = std::make_unique<ModuleLink>(recalculation);
+    recalculation.module->open();
+    recalculation.unprepare();
 }
 
 void Book::detach() {
-    contents_->workings.module.reset();
-    contents_->workings.unprepare();
+    contents_->recalculation.module.reset();
+    contents_->recalculation.unprepare();
 }
 
-void Book::seed(std::uint64_t seed) { contents_->workings.around.seedRandom(seed); }
-void Book::recalculate() { contents_->workings.recalculate(); }
+void Book::seed(std::uint64_t seed) { contents_->recalculation.context.seedRandom(seed); }
+void Book::recalculate() { contents_->recalculation.recalculate(); }
 
 std::vector<CellAddress> Book::modelCells() const {
-    contents_->workings.relate();
+    contents_->recalculation.relate();
     std::vector<CellAddress> found;
-    for (const int index : contents_->workings.order) {
-        const Formula& formula = contents_->workings.formulas[static_cast<std::size_t>(index)];
+    for (const int index : contents_->recalculation.order) {
+        const Formula& formula = contents_->recalculation.formulas[static_cast<std::size_t>(index)];
         if (formula.callsModel && !formula.removed) {
             found.push_back(formula.cell);
         }

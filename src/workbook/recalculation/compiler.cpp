@@ -14,19 +14,19 @@ bool isCall(const Node& node, std::string_view name) {
 }
 }  // namespace
 
-Compiler::Compiler(Workings& workings) : workings_(workings) {
-    base_ = workings.cells.slotCount();
+Compiler::Compiler(Recalculation& recalculation) : recalculation_(recalculation) {
+    base_ = recalculation.cells.slotCount();
     scratchValues_.assign(mostTemporaries, std::numeric_limits<double>::quiet_NaN());
 }
 
 std::unique_ptr<Program> Compiler::compile() {
     Program& program = *program_;
-    for (const int index : workings_.liveOrder) {
-        const Formula& one = workings_.formulas[static_cast<std::size_t>(index)];
+    for (const int index : recalculation_.liveOrder) {
+        const Formula& one = recalculation_.formulas[static_cast<std::size_t>(index)];
         program.callsModel = program.callsModel || one.callsModel;
         const auto begin = static_cast<std::int32_t>(program.instructions.size());
         program.cells.push_back({begin, index});
-        if (workings_.anyDynamic()) {
+        if (recalculation_.anyDynamic()) {
             program.instructions.push_back({Operation::Skip, {}, 0, 0, index, 0});
         }
         const std::size_t sites = program.sites.size();
@@ -36,15 +36,15 @@ std::unique_ptr<Program> Compiler::compile() {
             program.instructions.push_back({Operation::Tree, {}, 0, 0, index, 0});
             program.usesClock = true;
             ++program.trees;
-        } else if (workings_.anyDynamic()) {
+        } else if (recalculation_.anyDynamic()) {
             program.instructions[static_cast<std::size_t>(begin)].b =
                 static_cast<std::int32_t>(program.instructions.size());
         }
     }
     program.instructions.push_back({Operation::End, {}, 0, 0, 0, 0});
-    program.scratch = workings_.cells.appendScratch(scratchValues_.size());
-    program.scratchEnd = workings_.cells.slotCount();
-    std::copy(scratchValues_.begin(), scratchValues_.end(), workings_.cells.numbers() + program.scratch);
+    program.scratch = recalculation_.cells.appendScratch(scratchValues_.size());
+    program.scratchEnd = recalculation_.cells.slotCount();
+    std::copy(scratchValues_.begin(), scratchValues_.end(), recalculation_.cells.numbers() + program.scratch);
     return std::move(program_);
 }
 
@@ -103,11 +103,11 @@ int Compiler::list(std::vector<std::int32_t> slots) {
 }
 
 bool Compiler::liveSlot(Slot slot) const {
-    int formula = workings_.formulaAt(slot);
-    if (formula < 0 && static_cast<std::size_t>(slot) < workings_.spillOwner.size()) {
-        formula = workings_.spillOwner[static_cast<std::size_t>(slot)];
+    int formula = recalculation_.formulaAt(slot);
+    if (formula < 0 && static_cast<std::size_t>(slot) < recalculation_.spillOwner.size()) {
+        formula = recalculation_.spillOwner[static_cast<std::size_t>(slot)];
     }
-    return formula >= 0 && workings_.formulas[static_cast<std::size_t>(formula)].live;
+    return formula >= 0 && recalculation_.formulas[static_cast<std::size_t>(formula)].live;
 }
 
 Compiler::Compiled Compiler::expression(const Node& node) {
@@ -134,8 +134,8 @@ Compiler::Compiled Compiler::expression(const Node& node) {
         }
         case Node::Kind::Binary:
             return binary(node);
-        case Node::Kind::Special:
-            return node.form == Form::If && node.children.size() == 3 ? branch(node) : std::nullopt;
+        case Node::Kind::LazyCall:
+            return node.lazy == LazyFunction::If && node.children.size() == 3 ? branch(node) : std::nullopt;
         case Node::Kind::TableCall:
             return call(node);
         case Node::Kind::ModelCall:
@@ -150,14 +150,14 @@ Compiler::Compiled Compiler::reference(const Node& node) {
     if (areas.size() != 1 || !areas[0].single()) {
         return std::nullopt;
     }
-    const Slot slot = workings_.cells.find(areas[0].sheet, areas[0].firstRow, areas[0].firstColumn);
+    const Slot slot = recalculation_.cells.find(areas[0].sheet, areas[0].firstRow, areas[0].firstColumn);
     if (slot == noSlot) {
         return constant(0);
     }
-    if (liveSlot(slot) || workings_.cells.isNumber(slot)) {
+    if (liveSlot(slot) || recalculation_.cells.isNumber(slot)) {
         return Operand{slot, false};
     }
-    const Value& fixed = workings_.cells.other(slot);
+    const Value& fixed = recalculation_.cells.other(slot);
     if (fixed.isBlank()) {
         return constant(0);
     }
@@ -226,12 +226,12 @@ bool Compiler::numbersOf(const Node& node, std::vector<std::int32_t>& slots, boo
     }
     bool fits = true;
     for (const Area& area : node.value.areas()) {
-        workings_.cells.forEachSlot(area, [&](int, int, Slot slot) {
-            if (liveSlot(slot) || workings_.cells.isNumber(slot)) {
+        recalculation_.cells.forEachSlot(area, [&](int, int, Slot slot) {
+            if (liveSlot(slot) || recalculation_.cells.isNumber(slot)) {
                 slots.push_back(slot);
             } else {
-                fits = fits && !workings_.cells.other(slot).isError() &&
-                       (!keepOthers || workings_.cells.other(slot).isBlank());
+                fits = fits && !recalculation_.cells.other(slot).isError() &&
+                       (!keepOthers || recalculation_.cells.other(slot).isBlank());
             }
             fits = fits && slots.size() < longestList;
         });
@@ -412,7 +412,7 @@ Compiler::Compiled Compiler::conjunction(const Node& node, Operation operation) 
 }
 
 Compiler::Compiled Compiler::model(const Node& node) {
-    Registered* function = workings_.module ? workings_.module->function(node.index) : nullptr;
+    Registered* function = recalculation_.module ? recalculation_.module->function(node.index) : nullptr;
     if (!function || !function->address || formula_->cell.row > 0xFFFF || formula_->cell.column > 0xFF) {
         return std::nullopt;
     }
@@ -442,6 +442,6 @@ Compiler::Compiled Compiler::model(const Node& node) {
     return emit(Operation::Model, static_cast<std::int32_t>(program_->sites.size()) - 1);
 }
 
-std::unique_ptr<Program> compileProgram(Workings& workings) { return Compiler(workings).compile(); }
+std::unique_ptr<Program> compileProgram(Recalculation& recalculation) { return Compiler(recalculation).compile(); }
 
 }  // namespace quorva::workbook

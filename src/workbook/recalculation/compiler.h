@@ -11,7 +11,7 @@ namespace quorva::workbook {
 
 class Compiler {
 public:
-    explicit Compiler(Workings& workings);
+    explicit Compiler(Recalculation& recalculation);
     std::unique_ptr<Program> compile();
 
 private:
@@ -44,7 +44,7 @@ private:
     int list(std::vector<std::int32_t> slots);
     bool liveSlot(Slot slot) const;
 
-    Workings& workings_;
+    Recalculation& recalculation_;
     std::unique_ptr<Program> program_ = std::make_unique<Program>();
     std::map<double, std::int32_t> constants_;
     std::vector<double> scratchValues_;

@@ -5,7 +5,7 @@
 
 namespace quorva::workbook {
 
-int Workings::useArea(const Area& area) {
+int Recalculation::useArea(const Area& area) {
     const std::array<int, 5> key{area.sheet, area.firstRow, area.firstColumn, area.lastRow, area.lastColumn};
     const auto [found, added] = areaNumbers_.emplace(key, static_cast<int>(areas_.size()));
     if (added) {
@@ -14,7 +14,7 @@ int Workings::useArea(const Area& area) {
     return found->second;
 }
 
-void Workings::collectUses(Formula& formula, const Node& node) {
+void Recalculation::collectUses(Formula& formula, const Node& node) {
     switch (node.kind) {
         case Node::Kind::Reference:
             for (const Area& area : node.value.areas()) {
@@ -30,13 +30,14 @@ void Workings::collectUses(Formula& formula, const Node& node) {
         case Node::Kind::Unsupported:
             formula.unread = formula.unread || node.unread;
             break;
-        case Node::Kind::Special:
-            formula.volatileItself = formula.volatileItself || node.form == Form::Offset ||
-                                     node.form == Form::Indirect || node.form == Form::Cell;
-            formula.dynamic = formula.dynamic || node.form == Form::Offset || node.form == Form::Indirect;
+        case Node::Kind::LazyCall:
+            formula.volatileItself = formula.volatileItself || node.lazy == LazyFunction::Offset ||
+                                     node.lazy == LazyFunction::Indirect || node.lazy == LazyFunction::Cell;
+            formula.dynamic =
+                formula.dynamic || node.lazy == LazyFunction::Offset || node.lazy == LazyFunction::Indirect;
             // Only where these stand matters, not what the cell holds.
-            if ((node.form == Form::Row || node.form == Form::Column || node.form == Form::Rows ||
-                 node.form == Form::Columns) &&
+            if ((node.lazy == LazyFunction::Row || node.lazy == LazyFunction::Column ||
+                 node.lazy == LazyFunction::Rows || node.lazy == LazyFunction::Columns) &&
                 !node.children.empty() && node.children[0].kind == Node::Kind::Reference) {
                 return;
             }
@@ -52,7 +53,7 @@ void Workings::collectUses(Formula& formula, const Node& node) {
     }
 }
 
-void Workings::connect() {
+void Recalculation::connect() {
     areas_.clear();
     areaNumbers_.clear();
     spillers_.clear();
@@ -100,7 +101,7 @@ void Workings::connect() {
 
 /// Depth first along the dependencies, starting from the formulas in sheet, row and column order. Vertices are the
 /// formulas and, behind them, the areas.
-void Workings::sortFormulas() {
+void Recalculation::sortFormulas() {
     enum : char { Fresh, Open, Closed };
     const std::size_t count = formulas.size();
     std::vector<char> state(count + areas_.size(), Fresh);
@@ -149,7 +150,7 @@ void Workings::sortFormulas() {
 }
 
 /// Marks the formulas of a cycle that closes at the vertex `from`, and says so in words.
-void Workings::describeCircle(const std::vector<int>& path, int from) {
+void Recalculation::describeCircle(const std::vector<int>& path, int from) {
     const int count = static_cast<int>(formulas.size());
     std::vector<int> circle;
     for (auto at = std::find(path.begin(), path.end(), from); at != path.end(); ++at) {
@@ -169,7 +170,7 @@ void Workings::describeCircle(const std::vector<int>& path, int from) {
     }
 }
 
-void Workings::markLive() {
+void Recalculation::markLive() {
     std::vector<bool> liveArea(areas_.size());
     std::vector<std::vector<int>> containing(formulas.size());
     for (std::size_t i = 0; i < areas_.size(); ++i) {

@@ -244,7 +244,7 @@ bool convertArgument(char letter, const Value& value, bool date1904, HostArgumen
     return true;
 }
 
-ModuleLink::ModuleLink(Workings& owner) : workings(&owner) {
+ModuleLink::ModuleLink(Recalculation& owner) : recalculation(&owner) {
     for (int i = 0; i < owner.raw->ownSheets; ++i) {
         sheetNames.push_back(
             counted("[" + owner.raw->fileName + "]" + owner.raw->sheets[static_cast<std::size_t>(i)].name));
@@ -280,7 +280,7 @@ Registered* ModuleLink::function(int number) {
         numbers.resize(at + 1, -1);
     }
     if (numbers[at] < 0) {
-        const auto found = byName.find(workings->symbols->modelFunctions()[at]);
+        const auto found = byName.find(recalculation->symbols->modelFunctions()[at]);
         if (found == byName.end()) {
             return nullptr;
         }
@@ -304,7 +304,7 @@ Value callModel(ModuleLink& link, Evaluator& evaluator, const Node& node) {
             return result;
         }
     }
-    const std::string& name = link.workings->symbols->modelFunctions()[static_cast<std::size_t>(node.index)];
+    const std::string& name = link.recalculation->symbols->modelFunctions()[static_cast<std::size_t>(node.index)];
     Registered* function = link.function(node.index);
     if (!function || !function->address) {
         throw Unsupported{"the function " + name + ", unknown to the module"};
@@ -381,7 +381,7 @@ int answerSheetId(XLOPER* result, const XLOPER* name) {
         if (text.starts_with('[') && bracket != std::string::npos) {
             text = text.substr(bracket + 1);
         }
-        sheet = attached->workings->symbols->sheet(text);
+        sheet = attached->recalculation->symbols->sheet(text);
     }
     if (sheet < 0 || static_cast<std::size_t>(sheet) >= attached->sheetNames.size()) {
         answerError(result, hosterror::value);
@@ -419,7 +419,8 @@ Value scalarOf(const XLOPER* value) {
             return Value(uncounted(value));
         case hosttype::localReference: {
             const HostRange& range = value->value.localReference.range;
-            return attached->workings->cells.get(std::max(attached->callerSheet, 0), range.firstRow, range.firstColumn);
+            return attached->recalculation->cells.get(std::max(attached->callerSheet, 0), range.firstRow,
+                                                      range.firstColumn);
         }
         case hosttype::reference: {
             const auto sheet = static_cast<std::size_t>(value->value.reference.sheetId) - 1;
@@ -427,7 +428,7 @@ Value scalarOf(const XLOPER* value) {
                 return ErrorCode::Value;
             }
             const HostRange& range = value->value.reference.list->ranges[0];
-            return attached->workings->cells.get(static_cast<int>(sheet), range.firstRow, range.firstColumn);
+            return attached->recalculation->cells.get(static_cast<int>(sheet), range.firstRow, range.firstColumn);
         }
         case hosttype::error:
             return ErrorCode::Value;

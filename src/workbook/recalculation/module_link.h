@@ -12,7 +12,7 @@
 
 namespace quorva::workbook {
 
-class Workings;
+class Recalculation;
 
 /// One argument in the form that its type letter asks for.
 struct HostArgument {
@@ -40,7 +40,7 @@ struct Registered {
 
 /// The module as seen by one book; at most one book is attached at a time.
 struct ModuleLink {
-    explicit ModuleLink(Workings& owner);
+    explicit ModuleLink(Recalculation& owner);
     ~ModuleLink();
     ModuleLink(const ModuleLink&) = delete;
     ModuleLink& operator=(const ModuleLink&) = delete;
@@ -52,7 +52,7 @@ struct ModuleLink {
     /// Calls a function from the cell named.
     double call(Registered& function, HostArguments& arguments, int sheet, int row, int column);
 
-    Workings* workings;
+    Recalculation* recalculation;
     std::vector<Registered> registrations;
     std::unordered_map<std::string, std::size_t> byName;
     std::vector<int> numbers;             ///< registration of each model function of the book, -1 unknown

@@ -35,9 +35,9 @@ bool holds(Operator comparison, double a, double b) {
 
 /// Runs instructions on the numbers of a book. Each method gives false when the cell has to be left to the evaluator.
 struct Machine {
-    Workings& workings;
+    Recalculation& recalculation;
     Program& program;
-    double* m;
+    double* slots;
     Call call;
     const ModelSite* lastSite = nullptr;
 
@@ -46,13 +46,13 @@ struct Machine {
         double arguments[8];
         const int count = static_cast<int>(compiled.operands.size());
         for (int i = 0; i < count; ++i) {
-            arguments[i] = m[compiled.operands[static_cast<std::size_t>(i)]];
+            arguments[i] = slots[compiled.operands[static_cast<std::size_t>(i)]];
             if (!finite(arguments[i])) {
                 return false;
             }
         }
         const double result = compiled.row->numeric(arguments, count);
-        m[code.target] = result;
+        slots[code.target] = result;
         return finite(result);
     }
 
@@ -60,44 +60,44 @@ struct Machine {
         const CompiledCall& compiled = program.calls[static_cast<std::size_t>(code.a)];
         Argument arguments[8];
         for (std::size_t i = 0; i < compiled.operands.size(); ++i) {
-            arguments[i].value = Value(m[compiled.operands[i]]);
+            arguments[i].value = Value(slots[compiled.operands[i]]);
             if (arguments[i].value.isError()) {
                 return false;
             }
         }
         const Value result = compiled.row->function(call, {arguments, compiled.operands.size()});
-        m[code.target] = result.number();
+        slots[code.target] = result.number();
         return result.isNumber();
     }
 
     bool extreme(const Instruction& code, bool largest) {
-        double best = m[code.b];
+        double best = slots[code.b];
         for (const std::int32_t slot : program.lists[static_cast<std::size_t>(code.a)]) {
-            const double x = m[slot];
+            const double x = slots[slot];
             if (x != x) {
                 return false;
             }
             best = largest ? (x > best ? x : best) : (x < best ? x : best);
         }
-        m[code.target] = best;
+        slots[code.target] = best;
         return true;
     }
 
     void sumProduct(const Instruction& code) {
-        const std::int32_t* slots = program.lists[static_cast<std::size_t>(code.a)].data();
+        const std::int32_t* cells = program.lists[static_cast<std::size_t>(code.a)].data();
         double total = 0;
         for (int i = 0; i < code.b; ++i) {
-            double product = m[slots[i]];
+            double product = slots[cells[i]];
             for (int k = 1; k < code.count; ++k) {
-                product *= m[slots[k * code.b + i]];
+                product *= slots[cells[k * code.b + i]];
             }
             total += product;
         }
-        m[code.target] = total;
+        slots[code.target] = total;
     }
 
     bool presentValue(const Instruction& code) {
-        const double step = 1 + m[code.b];
+        const double step = 1 + slots[code.b];
         if (step == 0 || !finite(step)) {
             return false;
         }
@@ -105,31 +105,31 @@ struct Machine {
         double total = 0;
         for (const std::int32_t slot : program.lists[static_cast<std::size_t>(code.a)]) {
             discount *= step;
-            total += m[slot] / discount;
+            total += slots[slot] / discount;
         }
-        m[code.target] = total;
+        slots[code.target] = total;
         return finite(discount) && discount != 0;
     }
 
     bool countIf(const Instruction& code) {
         int count = 0;
-        const double bound = m[code.b];
+        const double bound = slots[code.b];
         for (const std::int32_t slot : program.lists[static_cast<std::size_t>(code.a)]) {
-            const double x = m[slot];
+            const double x = slots[slot];
             if (x != x) {
                 return false;
             }
             count += holds(code.comparison, x, bound) ? 1 : 0;
         }
-        m[code.target] = count;
+        slots[code.target] = count;
         return true;
     }
 
     bool model(const Instruction& code) {
         ModelSite& site = program.sites[static_cast<std::size_t>(code.a)];
-        Registered& function = *workings.module->function(site.function);
+        Registered& function = *recalculation.module->function(site.function);
         for (const auto& [position, slot] : site.operands) {
-            const double x = m[slot];
+            const double x = slots[slot];
             if (!finite(x) || std::fabs(x) >= 2147483648.0) {
                 if (!finite(x) || function.types[position + 1] == 'J') {
                     return false;
@@ -141,13 +141,13 @@ struct Machine {
             argument.boolean = x != 0 ? 1 : 0;
         }
         const double result =
-            workings.module->call(function, site.arguments, site.cell.sheet, site.cell.row, site.cell.column);
-        m[code.target] = result;
+            recalculation.module->call(function, site.arguments, site.cell.sheet, site.cell.row, site.cell.column);
+        slots[code.target] = result;
         if (!lastSite || lastSite->cell != site.cell) {
-            workings.module->replay.clear();
+            recalculation.module->replay.clear();
         }
         lastSite = &site;
-        workings.module->replay.emplace_back(site.node, result);
+        recalculation.module->replay.emplace_back(site.node, result);
         return finite(result);
     }
 
@@ -162,83 +162,83 @@ std::size_t Machine::run(std::size_t at, bool& gaveUp) {
         bool fine = true;
         switch (now.operation) {
             case Operation::Add:
-                m[now.target] = m[now.a] + m[now.b];
+                slots[now.target] = slots[now.a] + slots[now.b];
                 break;
             case Operation::Subtract:
-                m[now.target] = m[now.a] - m[now.b];
+                slots[now.target] = slots[now.a] - slots[now.b];
                 break;
             case Operation::Multiply:
-                m[now.target] = m[now.a] * m[now.b];
+                slots[now.target] = slots[now.a] * slots[now.b];
                 break;
             case Operation::Divide: {
-                const double divisor = m[now.b];
-                m[now.target] = m[now.a] / divisor;
+                const double divisor = slots[now.b];
+                slots[now.target] = slots[now.a] / divisor;
                 fine = divisor != 0 && finite(divisor);
                 break;
             }
             case Operation::Power: {
-                const double base = m[now.a];
-                m[now.target] = std::pow(base, m[now.b]);
-                fine = base != 0 && finite(base) && finite(m[now.b]);
+                const double base = slots[now.a];
+                slots[now.target] = std::pow(base, slots[now.b]);
+                fine = base != 0 && finite(base) && finite(slots[now.b]);
                 break;
             }
             case Operation::Negate:
-                m[now.target] = -m[now.a];
+                slots[now.target] = -slots[now.a];
                 break;
             case Operation::Percent:
-                m[now.target] = m[now.a] / 100;
+                slots[now.target] = slots[now.a] / 100;
                 break;
             case Operation::AddToCell:
             case Operation::SubtractToCell: {
-                const double b = m[now.b];
-                const double result = now.operation == Operation::AddToCell ? m[now.a] + b : m[now.a] - b;
+                const double b = slots[now.b];
+                const double result = now.operation == Operation::AddToCell ? slots[now.a] + b : slots[now.a] - b;
                 // What vanishes on 15 digits is 0 there; the evaluator sees to that.
                 fine = finite(result) && (std::fabs(result) > 2e-15 * std::fabs(b) || result == 0);
                 if (fine) {
-                    m[now.target] = result;
+                    slots[now.target] = result;
                 }
                 break;
             }
             case Operation::MultiplyToCell: {
-                const double result = m[now.a] * m[now.b];
+                const double result = slots[now.a] * slots[now.b];
                 fine = finite(result);
                 if (fine) {
-                    m[now.target] = result;
+                    slots[now.target] = result;
                 }
                 break;
             }
             case Operation::Store:
-                fine = finite(m[now.a]);
+                fine = finite(slots[now.a]);
                 if (fine) {
-                    m[now.target] = m[now.a];
+                    slots[now.target] = slots[now.a];
                 }
                 break;
             case Operation::Compare:
-                fine = finite(m[now.a]) && finite(m[now.b]);
-                m[now.target] = fine && holds(now.comparison, m[now.a], m[now.b]) ? 1 : 0;
+                fine = finite(slots[now.a]) && finite(slots[now.b]);
+                slots[now.target] = fine && holds(now.comparison, slots[now.a], slots[now.b]) ? 1 : 0;
                 break;
             case Operation::And:
             case Operation::Or: {
-                fine = finite(m[now.a]) && finite(m[now.b]);
-                const bool a = m[now.a] != 0;
-                const bool b = m[now.b] != 0;
-                m[now.target] = (now.operation == Operation::And ? a && b : a || b) ? 1 : 0;
+                fine = finite(slots[now.a]) && finite(slots[now.b]);
+                const bool a = slots[now.a] != 0;
+                const bool b = slots[now.b] != 0;
+                slots[now.target] = (now.operation == Operation::And ? a && b : a || b) ? 1 : 0;
                 break;
             }
             case Operation::Copy:
-                m[now.target] = m[now.a];
+                slots[now.target] = slots[now.a];
                 break;
             case Operation::Jump:
                 at = static_cast<std::size_t>(now.b) - 1;
                 break;
             case Operation::JumpUnless:
-                fine = finite(m[now.a]);
-                if (fine && m[now.a] == 0) {
+                fine = finite(slots[now.a]);
+                if (fine && slots[now.a] == 0) {
                     at = static_cast<std::size_t>(now.b) - 1;
                 }
                 break;
             case Operation::Random:
-                m[now.target] = workings.around.nextRandom();
+                slots[now.target] = recalculation.context.nextRandom();
                 break;
             case Operation::Call:
                 fine = callNumeric(now);
@@ -247,11 +247,11 @@ std::size_t Machine::run(std::size_t at, bool& gaveUp) {
                 fine = callRow(now);
                 break;
             case Operation::Sum: {
-                double total = m[now.b];
+                double total = slots[now.b];
                 for (const std::int32_t slot : program.lists[static_cast<std::size_t>(now.a)]) {
-                    total += m[slot];
+                    total += slots[slot];
                 }
-                m[now.target] = total;
+                slots[now.target] = total;
                 break;
             }
             case Operation::Smallest:
@@ -262,10 +262,10 @@ std::size_t Machine::run(std::size_t at, bool& gaveUp) {
                 break;
             case Operation::Minimum:
             case Operation::Maximum: {
-                const double a = m[now.a];
-                const double b = m[now.b];
+                const double a = slots[now.a];
+                const double b = slots[now.b];
                 fine = a == a && b == b;
-                m[now.target] = (now.operation == Operation::Minimum ? b < a : b > a) ? b : a;
+                slots[now.target] = (now.operation == Operation::Minimum ? b < a : b > a) ? b : a;
                 break;
             }
             case Operation::SumProduct:
@@ -284,10 +284,10 @@ std::size_t Machine::run(std::size_t at, bool& gaveUp) {
                 fine = false;
                 break;
             case Operation::Skip:
-                if (workings.computed(now.a)) {
+                if (recalculation.computed(now.a)) {
                     at = static_cast<std::size_t>(now.b) - 1;
                 } else {
-                    workings.markComputed(now.a);
+                    recalculation.markComputed(now.a);
                 }
                 break;
             case Operation::End:
@@ -303,13 +303,13 @@ std::size_t Machine::run(std::size_t at, bool& gaveUp) {
 
 }  // namespace
 
-void runProgram(Workings& workings, Program& program) {
-    Machine machine{workings, program, workings.cells.numbers(), Call{workings.cells}};
-    Evaluator evaluator(workings.around, 0, 0, 0, false);
+void runProgram(Recalculation& recalculation, Program& program) {
+    Machine machine{recalculation, program, recalculation.cells.numbers(), Call{recalculation.cells}};
+    Evaluator evaluator(recalculation.context, 0, 0, 0, false);
     machine.call.evaluator = &evaluator;
     std::size_t at = 0;
-    if (workings.module) {
-        workings.module->replay.clear();
+    if (recalculation.module) {
+        recalculation.module->replay.clear();
     }
     for (;;) {
         bool gaveUp = false;
@@ -322,14 +322,14 @@ void runProgram(Workings& workings, Program& program) {
                                                          return position < static_cast<std::size_t>(one.begin);
                                                      }));
         if (program.instructions[at].operation == Operation::Tree) {
-            workings.computeLive(cell->formula, false);
+            recalculation.computeLive(cell->formula, false);
         } else {
-            workings.computeLive(cell->formula, true);
+            recalculation.computeLive(cell->formula, true);
         }
-        if (workings.module) {
-            workings.module->replay.clear();
+        if (recalculation.module) {
+            recalculation.module->replay.clear();
         }
-        machine.m = workings.cells.numbers();
+        machine.slots = recalculation.cells.numbers();
         const auto next = std::next(cell);
         if (next == program.cells.end()) {
             return;

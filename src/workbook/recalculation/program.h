@@ -13,7 +13,7 @@
 
 namespace quorva::workbook {
 
-class Workings;
+class Recalculation;
 
 enum class Operation : std::uint8_t {
     Add,
@@ -96,7 +96,7 @@ struct Program {
     int trees = 0;  ///< formulas left to the evaluator
 };
 
-std::unique_ptr<Program> compileProgram(Workings& workings);
-void runProgram(Workings& workings, Program& program);
+std::unique_ptr<Program> compileProgram(Recalculation& recalculation);
+void runProgram(Recalculation& recalculation, Program& program);
 
 }  // namespace quorva::workbook

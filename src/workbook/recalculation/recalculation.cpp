@@ -50,27 +50,27 @@ double currentSerial(bool date1904) {
 
 }  // namespace
 
-Workings::Workings(std::unique_ptr<RawBook> book) : raw(std::move(book)) {
+Recalculation::Recalculation(std::unique_ptr<RawBook> book) : raw(std::move(book)) {
     symbols = std::make_unique<Symbols>(*raw, worksheetFunctions());
     layCells();
-    around.cells = &cells;
-    around.symbols = symbols.get();
-    around.raw = raw.get();
-    around.now = currentSerial(raw->date1904);
-    around.bringUpToDate = [this](const Area& area) { bringUpToDate(area); };
-    around.callModel = [this](Evaluator& evaluator, const Node& node) -> Value {
+    context.cells = &cells;
+    context.symbols = symbols.get();
+    context.raw = raw.get();
+    context.now = currentSerial(raw->date1904);
+    context.bringUpToDate = [this](const Area& area) { bringUpToDate(area); };
+    context.callModel = [this](Evaluator& evaluator, const Node& node) -> Value {
         if (!module) {
             throw Unsupported{"the function " + symbols->modelFunctions()[static_cast<std::size_t>(node.index)] +
                               " without its module"};
         }
         return callModel(*module, evaluator, node);
     };
-    around.formulaText = [this](int sheet, int row, int column) -> const std::string* {
+    context.formulaText = [this](int sheet, int row, int column) -> const std::string* {
         const Slot slot = cells.find(sheet, row, column);
         const int formula = slot == noSlot ? -1 : formulaAt(slot);
         return formula < 0 ? nullptr : formulas[static_cast<std::size_t>(formula)].text;
     };
-    around.spillOf = [this](int sheet, int row, int column, Area& area) {
+    context.spillOf = [this](int sheet, int row, int column, Area& area) {
         const Slot slot = cells.find(sheet, row, column);
         const int formula = slot == noSlot ? -1 : formulaAt(slot);
         if (formula < 0 || formulas[static_cast<std::size_t>(formula)].kind == FormulaKind::Normal) {
@@ -82,9 +82,9 @@ Workings::Workings(std::unique_ptr<RawBook> book) : raw(std::move(book)) {
     addFormulas();
 }
 
-Workings::~Workings() = default;
+Recalculation::~Recalculation() = default;
 
-void Workings::layCells() {
+void Recalculation::layCells() {
     std::vector<std::vector<std::uint64_t>> keys;
     for (RawSheet& sheet : raw->sheets) {
         std::stable_sort(sheet.cells.begin(), sheet.cells.end(), [](const RawCell& a, const RawCell& b) {
@@ -119,7 +119,7 @@ void Workings::layCells() {
     }
 }
 
-void Workings::addFormulas() {
+void Recalculation::addFormulas() {
     formulaOfSlot_.assign(static_cast<std::size_t>(cells.slotCount()), -1);
     spillOwner.assign(static_cast<std::size_t>(cells.slotCount()), -1);
     for (int s = 0; s < raw->ownSheets; ++s) {
@@ -174,7 +174,7 @@ void Workings::addFormulas() {
     }
 }
 
-void Workings::store(Formula& formula, Value value) {
+void Recalculation::store(Formula& formula, Value value) {
     if (value.isBlank()) {
         value = Value(0.0);
     } else if (value.isLambda()) {
@@ -184,7 +184,7 @@ void Workings::store(Formula& formula, Value value) {
 }
 
 /// Spreads an array over the cells of an array formula, or spills it.
-void Workings::storeArray(int index, const Value& value) {
+void Recalculation::storeArray(int index, const Value& value) {
     Formula& formula = formulas[static_cast<std::size_t>(index)];
     Area target = formula.spill;
     if (formula.kind == FormulaKind::Dynamic) {
@@ -244,7 +244,7 @@ struct Postponed {
 
 }  // namespace
 
-void Workings::compute(int index) {
+void Recalculation::compute(int index) {
     if (computing_) {
         computeOne(index);
         return;
@@ -253,16 +253,16 @@ void Workings::compute(int index) {
     // formula that was found deep down comes first, and the others start again.
     std::vector<int> waiting{index};
     struct Computing {
-        explicit Computing(Workings& of, const std::vector<int>& all) : workings(of), formulas(all) {
-            workings.computing_ = true;
+        explicit Computing(Recalculation& of, const std::vector<int>& all) : recalculation(of), formulas(all) {
+            recalculation.computing_ = true;
         }
         ~Computing() {
-            workings.computing_ = false;
+            recalculation.computing_ = false;
             for (const int formula : formulas) {
-                workings.formulas[static_cast<std::size_t>(formula)].waiting = false;
+                recalculation.formulas[static_cast<std::size_t>(formula)].waiting = false;
             }
         }
-        Workings& workings;
+        Recalculation& recalculation;
         const std::vector<int>& formulas;
     } const computing(*this, waiting);
     while (!waiting.empty()) {
@@ -278,7 +278,7 @@ void Workings::compute(int index) {
     }
 }
 
-void Workings::computeOne(int index) {
+void Recalculation::computeOne(int index) {
     Formula& formula = formulas[static_cast<std::size_t>(index)];
     formula.pass = pass_;
     if (formula.removed) {
@@ -289,8 +289,8 @@ void Workings::computeOne(int index) {
     }
     formula.why.clear();
     formula.modelCalls = 0;
-    const Allowance::Grant grant(cells.allowance(), around.stepLimit);
-    Evaluator evaluator(around, formula.cell.sheet, formula.cell.row, formula.cell.column,
+    const Allowance::Grant grant(cells.allowance(), context.stepLimit);
+    Evaluator evaluator(context, formula.cell.sheet, formula.cell.row, formula.cell.column,
                         formula.kind != FormulaKind::Normal);
     try {
         Value value = evaluator.evaluateOperand(formula.tree);
@@ -318,7 +318,7 @@ void Workings::computeOne(int index) {
     }
 }
 
-void Workings::computeLive(int index, bool again) {
+void Recalculation::computeLive(int index, bool again) {
     Formula& formula = formulas[static_cast<std::size_t>(index)];
     if (formula.pass == pass_ && !again) {
         return;
@@ -330,7 +330,7 @@ void Workings::computeLive(int index, bool again) {
     }
 }
 
-void Workings::bringUpToDate(const Area& area) {
+void Recalculation::bringUpToDate(const Area& area) {
     if (!anyDynamic_) {
         return;
     }
@@ -357,12 +357,12 @@ void Workings::bringUpToDate(const Area& area) {
     }
 }
 
-std::string Workings::formulaName(int formula) const {
+std::string Recalculation::formulaName(int formula) const {
     const CellAddress& cell = formulas[static_cast<std::size_t>(formula)].cell;
     return raw->sheets[static_cast<std::size_t>(cell.sheet)].name + "!" + cellName(cell.row, cell.column);
 }
 
-void Workings::computeAll() {
+void Recalculation::computeAll() {
     for (int round = 0; round < 8; ++round) {
         if (!connected_ || spillsChanged_) {
             connect();
@@ -385,7 +385,7 @@ void Workings::computeAll() {
     prepared_ = false;
 }
 
-void Workings::computeFixed() {
+void Recalculation::computeFixed() {
     for (int round = 0; round < 8; ++round) {
         if (!connected_ || spillsChanged_) {
             connect();
@@ -404,7 +404,7 @@ void Workings::computeFixed() {
     }
 }
 
-void Workings::prepare() {
+void Recalculation::prepare() {
     relate();
     computeFixed();
     liveOrder.clear();
@@ -431,7 +431,7 @@ void Workings::prepare() {
     prepared_ = true;
 }
 
-void Workings::recalculate() {
+void Recalculation::recalculate() {
     if (!edits_.empty()) {
         applyEdits();
     }
@@ -440,7 +440,7 @@ void Workings::recalculate() {
     }
     for (int round = 0; round < 8; ++round) {
         ++pass_;
-        around.now = program->usesClock ? currentSerial(raw->date1904) : around.now;
+        context.now = program->usesClock ? currentSerial(raw->date1904) : context.now;
         spillsChanged_ = false;
         runProgram(*this, *program);
         if (!spillsChanged_) {
@@ -454,7 +454,7 @@ void Workings::recalculate() {
     }
 }
 
-void Workings::set(const CellAddress& cell, const Value& value) {
+void Recalculation::set(const CellAddress& cell, const Value& value) {
     const Slot slot = cells.findOrAdd(cell.sheet, cell.row, cell.column);
     spillOwner.resize(static_cast<std::size_t>(cells.slotCount()), -1);
     const int formula = formulaAt(slot);
@@ -468,7 +468,7 @@ void Workings::set(const CellAddress& cell, const Value& value) {
 }
 
 /// Formulas downstream of the edited cells have to be computed again.
-void Workings::applyEdits() {
+void Recalculation::applyEdits() {
     if (!connected_) {
         connect();
     }

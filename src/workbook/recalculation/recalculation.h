@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "workbook/evaluation/evaluator.h"
-#include "workbook/formula/syntax.h"
+#include "workbook/formula/parser.h"
 #include "workbook/recalculation/book.h"
 #include "workbook/values/raw_book.h"
 
@@ -45,12 +45,12 @@ struct UsedArea {
 struct Program;
 struct ModuleLink;
 
-class Workings {
+class Recalculation {
 public:
-    explicit Workings(std::unique_ptr<RawBook> book);
-    ~Workings();
-    Workings(const Workings&) = delete;
-    Workings& operator=(const Workings&) = delete;
+    explicit Recalculation(std::unique_ptr<RawBook> book);
+    ~Recalculation();
+    Recalculation(const Recalculation&) = delete;
+    Recalculation& operator=(const Recalculation&) = delete;
 
     void computeAll();
     void recalculate();
@@ -84,7 +84,7 @@ public:
     std::vector<int> order;         ///< numbers of all formulas, dependencies first
     std::vector<int> liveOrder;
     std::vector<int> spillOwner;  ///< by slot: number of the formula whose result spilled there, else -1
-    Surroundings around;
+    EvaluationContext context;
     std::unique_ptr<Program> program;
     std::unique_ptr<ModuleLink> module;
 

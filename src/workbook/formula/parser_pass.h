@@ -1,0 +1,114 @@
+// The parser's inside: one pass over the text of a formula.
+#pragma once
+
+#include "workbook/formula/parser.h"
+
+namespace quorva::workbook {
+
+/// The names that are being written out where they stand, innermost first.
+struct NameTrail {
+    const RawName* name;
+    const NameTrail* outer;
+    int* count;  ///< of all names written out in the formula
+};
+
+inline Node constant(Value value) {
+    Node node;
+    node.kind = Node::Kind::Constant;
+    node.value = std::move(value);
+    return node;
+}
+
+inline Node unsupported(std::string what) {
+    Node node;
+    node.kind = Node::Kind::Unsupported;
+    node.text = std::move(what);
+    return node;
+}
+
+class Parser {
+public:
+    Parser(std::string_view text, const FormulaPlace& place, Symbols& symbols, const NameTrail* trail = nullptr)
+        : text_(text), place_(place), symbols_(symbols), trail_(trail) {}
+    Node parse();
+
+private:
+    // parser.cpp: operators
+    Node comparison();
+    Node concatenation();
+    Node additive();
+    Node multiplicative();
+    Node power();
+    Node percent();
+    Node unary();
+    Node intersection();
+    bool rowsAhead() const;
+    Node rangeOperand();
+    Node unionInParentheses();
+    Node binary(Operator op, Node left, Node right);
+    Node fold(Operator op, Node left, Node right);
+
+    // operands.cpp: constants, references
+    Node primary();
+    Node primaryWithoutPostfix();
+    Node number();
+    /// What stands between marks, a doubled mark standing for one; `unfinished` is the complaint when it does not end.
+    std::string quoted(char mark, const char* unfinished);
+    Node quotedText();
+    Node errorLiteral();
+    void cellOfLostSheet();
+    Node arrayConstant();
+    Value arrayElement();
+    Node quotedSheet();
+    Node bracketStart();
+    Node identifier();
+    bool blanksBeforeArguments(std::string_view word);
+    Node afterSheet(int firstSheet, int lastSheet);
+    Node wholeRows(int firstSheet, int lastSheet, bool explicitSheet);
+    bool wholeColumns(std::string_view token, int firstSheet, int lastSheet, bool explicitSheet, Node& node);
+    bool cell(std::string_view token, int firstSheet, int lastSheet, bool explicitSheet, Node& node);
+    Node reference(int firstSheet, int lastSheet, Area area, bool explicitSheet);
+    std::string_view token();
+    int variable(std::string_view name) const;
+    static std::string_view withoutPrefix(std::string_view name);
+
+    // calls.cpp: names, calls, variables
+    Node definedName(std::string_view name, int sheet);
+    Node call(std::string_view name);
+    Node functionAsLambda(const std::string& name) const;
+    Node variablesFunction(LazyFunction function);
+    Node invocation(Node callee);
+    std::vector<Node> callArguments();
+    bool variableAhead(std::string_view& name, bool& optional);
+
+    // structured.cpp: tables
+    Node structured(const RawTable* table);
+
+    char peek(std::size_t ahead = 0) const { return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0'; }
+    bool skipBlanks();
+    bool accept(char c);
+    void expect(char c);
+    [[noreturn]] void fail(const std::string& what) const;
+
+    struct Depth {
+        explicit Depth(Parser& parser) : parser_(parser) {
+            if (++parser_.depth_ > 300) {
+                parser_.fail("it is nested too deeply");
+            }
+        }
+        ~Depth() { --parser_.depth_; }
+        Parser& parser_;
+    };
+
+    std::string_view text_;
+    FormulaPlace place_;
+    Symbols& symbols_;
+    const NameTrail* trail_ = nullptr;
+    int names_ = 0;
+    std::size_t at_ = 0;
+    int depth_ = 0;
+    int nextVariable_ = 0;
+    std::vector<std::pair<std::string, int>> scope_;
+};
+
+}  // namespace quorva::workbook
