@@ -9,7 +9,7 @@
 #include "common/missing_value.h"
 #include "frontend/parallel.h"
 #include "frontend/statistics.h"
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 #include "quorva/front_end.h"
 
 namespace quorva::frontend {

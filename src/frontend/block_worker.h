@@ -6,7 +6,7 @@
 #include <string>
 
 #include "frontend/block_run.h"
-#include "frontend/failure.h"
+#include "frontend/text/failure.h"
 
 namespace quorva::frontend {
 

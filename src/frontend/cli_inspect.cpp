@@ -5,12 +5,12 @@
 #include <nlohmann/json.hpp>
 
 #include "frontend/command_line.h"
-#include "frontend/csv.h"
-#include "frontend/failure.h"
 #include "frontend/model_session.h"
 #include "frontend/reports.h"
-#include "frontend/text.h"
-#include "frontend/text_table.h"
+#include "frontend/text/csv.h"
+#include "frontend/text/failure.h"
+#include "frontend/text/text.h"
+#include "frontend/text/text_table.h"
 #include "frontend/verification.h"
 
 namespace quorva::frontend {

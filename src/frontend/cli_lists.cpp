@@ -3,8 +3,8 @@
 
 #include "frontend/command_line.h"
 #include "frontend/reports.h"
-#include "frontend/text.h"
-#include "frontend/text_table.h"
+#include "frontend/text/text.h"
+#include "frontend/text/text_table.h"
 #include "quorva/catalogue.h"
 #include "workbook/recalculation/book.h"
 

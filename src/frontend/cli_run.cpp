@@ -9,13 +9,13 @@
 
 #include "frontend/block_run.h"
 #include "frontend/command_line.h"
-#include "frontend/failure.h"
 #include "frontend/interruption.h"
 #include "frontend/model_session.h"
 #include "frontend/progress.h"
 #include "frontend/reports.h"
 #include "frontend/requirements.h"
-#include "frontend/text.h"
+#include "frontend/text/failure.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

@@ -2,8 +2,8 @@
 #include <CLI/CLI.hpp>
 
 #include "frontend/command_line.h"
-#include "frontend/failure.h"
-#include "frontend/text.h"
+#include "frontend/text/failure.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

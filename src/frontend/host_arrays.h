@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 #include "quorva/automation.h"
 
 namespace quorva::frontend {

@@ -1,6 +1,6 @@
 #include "frontend/html_text.h"
 
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

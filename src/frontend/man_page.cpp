@@ -1,7 +1,7 @@
 #include <CLI/CLI.hpp>
 
 #include "frontend/command_line.h"
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

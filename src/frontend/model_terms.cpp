@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "frontend/reports.h"
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 #include "quorva/catalogue.h"
 
 namespace quorva::frontend {

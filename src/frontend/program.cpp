@@ -10,9 +10,9 @@
 #include <CLI/CLI.hpp>
 
 #include "frontend/command_line.h"
-#include "frontend/failure.h"
-#include "frontend/output_file.h"
-#include "frontend/text.h"
+#include "frontend/text/failure.h"
+#include "frontend/text/output_file.h"
+#include "frontend/text/text.h"
 #include "workbook/recalculation/book.h"
 
 namespace quorva::frontend {

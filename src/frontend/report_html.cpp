@@ -6,7 +6,7 @@
 #include "frontend/html_text.h"
 #include "frontend/report_assets.h"
 #include "frontend/reports.h"
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

@@ -1,7 +1,7 @@
 #include <nlohmann/json.hpp>
 
 #include "frontend/reports.h"
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

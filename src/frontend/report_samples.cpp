@@ -1,6 +1,6 @@
-#include "frontend/csv.h"
 #include "frontend/reports.h"
-#include "frontend/text.h"
+#include "frontend/text/csv.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

@@ -1,6 +1,6 @@
 #include "frontend/report_xlsx_sheets.h"
 #include "frontend/reports.h"
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "frontend/reports.h"
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

@@ -7,8 +7,8 @@
 
 #include <nlohmann/json_fwd.hpp>
 
-#include "frontend/output_file.h"
 #include "frontend/run_results.h"
+#include "frontend/text/output_file.h"
 
 namespace quorva::frontend {
 

@@ -5,9 +5,9 @@
 #include <limits>
 #include <optional>
 
-#include "frontend/failure.h"
 #include "frontend/statistics.h"
-#include "frontend/text.h"
+#include "frontend/text/failure.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

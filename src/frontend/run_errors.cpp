@@ -1,7 +1,7 @@
 #include "frontend/run_errors.h"
 
 #include "frontend/host_arrays.h"
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 #include "quorva/front_end.h"
 
 namespace quorva::frontend {

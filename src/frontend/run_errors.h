@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "frontend/failure.h"
 #include "frontend/run_results.h"
+#include "frontend/text/failure.h"
 
 namespace quorva::frontend {
 

@@ -6,9 +6,9 @@
 #include <optional>
 #include <set>
 
-#include "frontend/csv.h"
-#include "frontend/failure.h"
-#include "frontend/text.h"
+#include "frontend/text/csv.h"
+#include "frontend/text/failure.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

@@ -1,6 +1,6 @@
 // The settings of a run as reports list them.
 #include "frontend/reports.h"
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

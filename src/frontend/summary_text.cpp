@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "frontend/reports.h"
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

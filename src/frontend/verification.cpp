@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

@@ -9,7 +9,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "frontend/failure.h"
+#include "frontend/text/failure.h"
 #include "frontend/xlsx_combination.h"
 
 namespace quorva::frontend {

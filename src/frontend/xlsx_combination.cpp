@@ -6,7 +6,7 @@
 #include <zip.h>
 #include <pugixml.hpp>
 
-#include "frontend/failure.h"
+#include "frontend/text/failure.h"
 
 namespace quorva::frontend {
 

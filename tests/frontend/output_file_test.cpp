@@ -1,4 +1,4 @@
-#include "frontend/output_file.h"
+#include "frontend/text/output_file.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "frontend/failure.h"
+#include "frontend/text/failure.h"
 
 namespace quorva::frontend {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "frontend/command_line.h"
 #include "frontend/html_text.h"
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 #include "frontend/verification.h"
 #include "quorva/catalogue.h"
 

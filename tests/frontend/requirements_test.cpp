@@ -6,7 +6,7 @@
 #include <cmath>
 #include <limits>
 
-#include "frontend/failure.h"
+#include "frontend/text/failure.h"
 
 namespace quorva::frontend {
 namespace {

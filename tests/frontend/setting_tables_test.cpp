@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-#include "frontend/failure.h"
+#include "frontend/text/failure.h"
 
 namespace quorva::frontend {
 namespace {

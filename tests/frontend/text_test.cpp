@@ -1,4 +1,4 @@
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <sstream>
 
 #include "frontend/command_line.h"
-#include "frontend/csv.h"
 #include "frontend/progress.h"
+#include "frontend/text/csv.h"
 
 namespace quorva::frontend {
 namespace {

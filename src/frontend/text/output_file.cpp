@@ -1,4 +1,4 @@
-#include "frontend/output_file.h"
+#include "frontend/text/output_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,7 +9,7 @@
 #include <cstring>
 #include <utility>
 
-#include "frontend/failure.h"
+#include "frontend/text/failure.h"
 
 namespace quorva::frontend {
 

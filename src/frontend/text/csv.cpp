@@ -1,4 +1,4 @@
-#include "frontend/csv.h"
+#include "frontend/text/csv.h"
 
 namespace quorva::frontend {
 

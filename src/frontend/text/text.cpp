@@ -1,4 +1,4 @@
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 
 #include <algorithm>
 #include <array>

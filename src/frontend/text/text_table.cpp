@@ -1,8 +1,8 @@
-#include "frontend/text_table.h"
+#include "frontend/text/text_table.h"
 
 #include <algorithm>
 
-#include "frontend/text.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 
