@@ -7,7 +7,7 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
-#include "frontend/settings.h"
+#include "frontend/results/settings.h"
 
 namespace quorva::frontend {
 

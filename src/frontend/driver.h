@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "frontend/run_results.h"
-#include "frontend/settings.h"
+#include "frontend/results/run_results.h"
+#include "frontend/results/settings.h"
 
 namespace quorva::frontend {
 

@@ -1,7 +1,7 @@
 // The sheets of the .xlsx report that carry charts.
 #pragma once
 
-#include "frontend/run_results.h"
+#include "frontend/results/run_results.h"
 #include "frontend/xlsx_book.h"
 
 namespace quorva::frontend {

@@ -7,7 +7,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 
-#include "frontend/run_results.h"
+#include "frontend/results/run_results.h"
 #include "frontend/text/output_file.h"
 
 namespace quorva::frontend {

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frontend/run_results.h"
+#include "frontend/results/run_results.h"
 
 namespace quorva::frontend {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "frontend/run_results.h"
+#include "frontend/results/run_results.h"
 #include "frontend/text/failure.h"
 
 namespace quorva::frontend {

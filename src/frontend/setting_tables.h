@@ -5,7 +5,7 @@
 #include <variant>
 #include <vector>
 
-#include "frontend/run_results.h"
+#include "frontend/results/run_results.h"
 
 namespace quorva::frontend {
 

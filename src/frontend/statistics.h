@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "frontend/run_results.h"
+#include "frontend/results/run_results.h"
 
 namespace quorva::frontend {
 

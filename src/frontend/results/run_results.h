@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "frontend/settings.h"
+#include "frontend/results/settings.h"
 
 namespace quorva::frontend {
 
