@@ -6,7 +6,7 @@
 
 #include "frontend/command_line.h"
 #include "frontend/model_session.h"
-#include "frontend/reports.h"
+#include "frontend/reports/reports.h"
 #include "frontend/text/csv.h"
 #include "frontend/text/failure.h"
 #include "frontend/text/text.h"

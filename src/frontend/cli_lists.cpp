@@ -2,7 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include "frontend/command_line.h"
-#include "frontend/reports.h"
+#include "frontend/reports/reports.h"
 #include "frontend/text/text.h"
 #include "frontend/text/text_table.h"
 #include "quorva/catalogue.h"

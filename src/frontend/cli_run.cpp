@@ -12,7 +12,7 @@
 #include "frontend/interruption.h"
 #include "frontend/model_session.h"
 #include "frontend/progress.h"
-#include "frontend/reports.h"
+#include "frontend/reports/reports.h"
 #include "frontend/requirements.h"
 #include "frontend/text/failure.h"
 #include "frontend/text/text.h"

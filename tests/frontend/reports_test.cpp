@@ -1,4 +1,4 @@
-#include "frontend/reports.h"
+#include "frontend/reports/reports.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "frontend/command_line.h"
-#include "frontend/html_text.h"
+#include "frontend/reports/html_text.h"
 #include "frontend/text/text.h"
 #include "frontend/verification.h"
 #include "quorva/catalogue.h"

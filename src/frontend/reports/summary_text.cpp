@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "frontend/reports.h"
+#include "frontend/reports/reports.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

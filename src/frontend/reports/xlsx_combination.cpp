@@ -1,4 +1,4 @@
-#include "frontend/xlsx_combination.h"
+#include "frontend/reports/xlsx_combination.h"
 
 #include <memory>
 #include <sstream>

@@ -1,4 +1,4 @@
-#include "frontend/xlsx_book.h"
+#include "frontend/reports/xlsx_book.h"
 
 #include <unistd.h>
 
@@ -9,8 +9,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "frontend/reports/xlsx_combination.h"
 #include "frontend/text/failure.h"
-#include "frontend/xlsx_combination.h"
 
 namespace quorva::frontend {
 

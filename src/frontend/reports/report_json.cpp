@@ -1,6 +1,6 @@
 #include <nlohmann/json.hpp>
 
-#include "frontend/reports.h"
+#include "frontend/reports/reports.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -1,15 +1,15 @@
-#include "frontend/report_assets.h"
+#include "frontend/reports/report_assets.h"
 
-#define QUORVA_EMBED(symbol, file)                \
-    asm(".section .rodata\n"                      \
-        ".global " #symbol "_begin\n" #symbol     \
-        "_begin:\n"                               \
-        ".incbin \"" QUORVA_FRONTEND_DIR "/" file \
-        "\"\n"                                    \
-        ".global " #symbol "_end\n" #symbol       \
-        "_end:\n"                                 \
-        ".byte 0\n"                               \
-        ".previous\n");                           \
+#define QUORVA_EMBED(symbol, file)               \
+    asm(".section .rodata\n"                     \
+        ".global " #symbol "_begin\n" #symbol    \
+        "_begin:\n"                              \
+        ".incbin \"" QUORVA_REPORTS_DIR "/" file \
+        "\"\n"                                   \
+        ".global " #symbol "_end\n" #symbol      \
+        "_end:\n"                                \
+        ".byte 0\n"                              \
+        ".previous\n");                          \
     extern "C" const char symbol##_begin[], symbol##_end[]
 
 QUORVA_EMBED(quorva_report_style, "assets/report.css");

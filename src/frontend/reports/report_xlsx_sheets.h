@@ -1,8 +1,8 @@
 // The sheets of the .xlsx report that carry charts.
 #pragma once
 
+#include "frontend/reports/xlsx_book.h"
 #include "frontend/results/run_results.h"
-#include "frontend/xlsx_book.h"
 
 namespace quorva::frontend {
 

@@ -3,9 +3,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "frontend/html_text.h"
-#include "frontend/report_assets.h"
-#include "frontend/reports.h"
+#include "frontend/reports/html_text.h"
+#include "frontend/reports/report_assets.h"
+#include "frontend/reports/reports.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -1,4 +1,4 @@
-#include "frontend/html_text.h"
+#include "frontend/reports/html_text.h"
 
 #include "frontend/text/text.h"
 

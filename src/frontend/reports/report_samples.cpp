@@ -1,4 +1,4 @@
-#include "frontend/reports.h"
+#include "frontend/reports/reports.h"
 #include "frontend/text/csv.h"
 #include "frontend/text/text.h"
 

@@ -1,5 +1,5 @@
-#include "frontend/report_xlsx_sheets.h"
-#include "frontend/reports.h"
+#include "frontend/reports/report_xlsx_sheets.h"
+#include "frontend/reports/reports.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -1,10 +1,10 @@
-#include "frontend/report_xlsx_sheets.h"
+#include "frontend/reports/report_xlsx_sheets.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "frontend/reports.h"
+#include "frontend/reports/reports.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {
