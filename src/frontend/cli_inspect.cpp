@@ -5,13 +5,13 @@
 #include <nlohmann/json.hpp>
 
 #include "frontend/command_line.h"
-#include "frontend/model_session.h"
 #include "frontend/reports/reports.h"
+#include "frontend/run/model_session.h"
+#include "frontend/run/verification.h"
 #include "frontend/text/csv.h"
 #include "frontend/text/failure.h"
 #include "frontend/text/text.h"
 #include "frontend/text/text_table.h"
-#include "frontend/verification.h"
 
 namespace quorva::frontend {
 

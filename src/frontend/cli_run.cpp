@@ -7,13 +7,13 @@
 
 #include <nlohmann/json.hpp>
 
-#include "frontend/block_run.h"
 #include "frontend/command_line.h"
 #include "frontend/interruption.h"
-#include "frontend/model_session.h"
 #include "frontend/progress.h"
 #include "frontend/reports/reports.h"
-#include "frontend/requirements.h"
+#include "frontend/run/block_run.h"
+#include "frontend/run/model_session.h"
+#include "frontend/run/requirements.h"
 #include "frontend/text/failure.h"
 #include "frontend/text/text.h"
 

@@ -1,5 +1,5 @@
 // Runs on several processors: blocks of iterations, each in a process of its own.
-#include "frontend/block_run.h"
+#include "frontend/run/block_run.h"
 
 #include <set>
 

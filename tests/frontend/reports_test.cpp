@@ -11,8 +11,8 @@
 
 #include "frontend/command_line.h"
 #include "frontend/reports/html_text.h"
+#include "frontend/run/verification.h"
 #include "frontend/text/text.h"
-#include "frontend/verification.h"
 #include "quorva/catalogue.h"
 
 namespace quorva::frontend {

@@ -1,4 +1,4 @@
-#include "frontend/requirements.h"
+#include "frontend/run/requirements.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

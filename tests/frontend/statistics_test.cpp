@@ -1,4 +1,4 @@
-#include "frontend/statistics.h"
+#include "frontend/run/statistics.h"
 
 #include <gtest/gtest.h>
 

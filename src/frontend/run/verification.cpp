@@ -1,4 +1,4 @@
-#include "frontend/verification.h"
+#include "frontend/run/verification.h"
 
 #include <algorithm>
 #include <array>

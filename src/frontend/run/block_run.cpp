@@ -1,4 +1,4 @@
-#include "frontend/block_run.h"
+#include "frontend/run/block_run.h"
 
 #include <signal.h>
 #include <sys/wait.h>
@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "frontend/block_worker.h"
-#include "frontend/statistics.h"
+#include "frontend/run/block_worker.h"
+#include "frontend/run/statistics.h"
 
 namespace quorva::frontend {
 

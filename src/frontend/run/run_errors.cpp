@@ -1,6 +1,6 @@
-#include "frontend/run_errors.h"
+#include "frontend/run/run_errors.h"
 
-#include "frontend/host_arrays.h"
+#include "frontend/run/host_arrays.h"
 #include "frontend/text/text.h"
 #include "quorva/front_end.h"
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "frontend/driver.h"
-#include "frontend/setting_tables.h"
+#include "frontend/run/driver.h"
+#include "frontend/run/setting_tables.h"
 #include "workbook/recalculation/book.h"
 
 namespace quorva::frontend {

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "frontend/driver.h"
+#include "frontend/run/driver.h"
 
 namespace quorva::frontend {
 

@@ -1,4 +1,4 @@
-#include "frontend/block_worker.h"
+#include "frontend/run/block_worker.h"
 
 #include <sys/mman.h>
 #include <unistd.h>

@@ -1,11 +1,11 @@
-#include "frontend/requirements.h"
+#include "frontend/run/requirements.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <optional>
 
-#include "frontend/statistics.h"
+#include "frontend/run/statistics.h"
 #include "frontend/text/failure.h"
 #include "frontend/text/text.h"
 

@@ -1,4 +1,4 @@
-#include "frontend/statistics.h"
+#include "frontend/run/statistics.h"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "common/missing_value.h"
-#include "frontend/parallel.h"
+#include "frontend/run/parallel.h"
 #include "numerics/core.h"
 #include "numerics/laws.h"
 #include "numerics/studies.h"

@@ -1,11 +1,11 @@
-#include "frontend/tornado_pass.h"
+#include "frontend/run/tornado_pass.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
 #include "common/missing_value.h"
-#include "frontend/host_arrays.h"
+#include "frontend/run/host_arrays.h"
 #include "quorva/front_end.h"
 
 namespace quorva::frontend {

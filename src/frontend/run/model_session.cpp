@@ -1,4 +1,4 @@
-#include "frontend/model_session.h"
+#include "frontend/run/model_session.h"
 
 #include <algorithm>
 

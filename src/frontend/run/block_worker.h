@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "frontend/block_run.h"
+#include "frontend/run/block_run.h"
 #include "frontend/text/failure.h"
 
 namespace quorva::frontend {

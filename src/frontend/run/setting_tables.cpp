@@ -1,4 +1,4 @@
-#include "frontend/setting_tables.h"
+#include "frontend/run/setting_tables.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "frontend/driver.h"
-#include "frontend/requirements.h"
+#include "frontend/run/driver.h"
+#include "frontend/run/requirements.h"
 
 namespace quorva::frontend {
 

@@ -1,4 +1,4 @@
-#include "frontend/analysis.h"
+#include "frontend/run/analysis.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "common/missing_value.h"
-#include "frontend/parallel.h"
-#include "frontend/statistics.h"
+#include "frontend/run/parallel.h"
+#include "frontend/run/statistics.h"
 #include "frontend/text/text.h"
 #include "quorva/front_end.h"
 

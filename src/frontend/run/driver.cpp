@@ -1,4 +1,4 @@
-#include "frontend/driver.h"
+#include "frontend/run/driver.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "common/missing_value.h"
-#include "frontend/analysis.h"
-#include "frontend/host_arrays.h"
-#include "frontend/parallel.h"
-#include "frontend/run_errors.h"
-#include "frontend/statistics.h"
-#include "frontend/tornado_pass.h"
+#include "frontend/run/analysis.h"
+#include "frontend/run/host_arrays.h"
+#include "frontend/run/parallel.h"
+#include "frontend/run/run_errors.h"
+#include "frontend/run/statistics.h"
+#include "frontend/run/tornado_pass.h"
 #include "quorva/front_end.h"
 
 namespace quorva::frontend {
