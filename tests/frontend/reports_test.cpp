@@ -9,7 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "frontend/command_line.h"
+#include "frontend/commands/command_line.h"
 #include "frontend/reports/html_text.h"
 #include "frontend/run/verification.h"
 #include "frontend/text/text.h"

@@ -6,8 +6,8 @@
 #include <limits>
 #include <sstream>
 
-#include "frontend/command_line.h"
-#include "frontend/progress.h"
+#include "frontend/commands/command_line.h"
+#include "frontend/commands/progress.h"
 #include "frontend/text/csv.h"
 
 namespace quorva::frontend {

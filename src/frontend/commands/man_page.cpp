@@ -1,6 +1,6 @@
 #include <CLI/CLI.hpp>
 
-#include "frontend/command_line.h"
+#include "frontend/commands/command_line.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -1,7 +1,7 @@
 #include <toml++/toml.h>
 #include <CLI/CLI.hpp>
 
-#include "frontend/command_line.h"
+#include "frontend/commands/command_line.h"
 #include "frontend/text/failure.h"
 #include "frontend/text/text.h"
 

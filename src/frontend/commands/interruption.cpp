@@ -1,4 +1,4 @@
-#include "frontend/interruption.h"
+#include "frontend/commands/interruption.h"
 
 #include <csignal>
 

@@ -7,9 +7,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "frontend/command_line.h"
-#include "frontend/interruption.h"
-#include "frontend/progress.h"
+#include "frontend/commands/command_line.h"
+#include "frontend/commands/interruption.h"
+#include "frontend/commands/progress.h"
 #include "frontend/reports/reports.h"
 #include "frontend/run/block_run.h"
 #include "frontend/run/model_session.h"

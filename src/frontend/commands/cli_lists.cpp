@@ -1,7 +1,7 @@
 // `quorva laws`, `quorva functions` and `quorva statistics`: what there is.
 #include <nlohmann/json.hpp>
 
-#include "frontend/command_line.h"
+#include "frontend/commands/command_line.h"
 #include "frontend/reports/reports.h"
 #include "frontend/text/text.h"
 #include "frontend/text/text_table.h"

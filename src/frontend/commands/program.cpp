@@ -9,7 +9,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "frontend/command_line.h"
+#include "frontend/commands/command_line.h"
 #include "frontend/text/failure.h"
 #include "frontend/text/output_file.h"
 #include "frontend/text/text.h"

@@ -1,4 +1,4 @@
-#include "frontend/command_line.h"
+#include "frontend/commands/command_line.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "frontend/progress.h"
+#include "frontend/commands/progress.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>

@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "frontend/command_line.h"
+#include "frontend/commands/command_line.h"
 #include "frontend/reports/reports.h"
 #include "frontend/run/model_session.h"
 #include "frontend/run/verification.h"
