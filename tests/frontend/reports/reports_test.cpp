@@ -4,27 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
 #include <sstream>
 
 #include <nlohmann/json.hpp>
 
-#include "frontend/commands/command_line.h"
-#include "frontend/reports/html_text.h"
-#include "frontend/run/verification.h"
 #include "frontend/text/text.h"
-#include "quorva/catalogue.h"
 
 namespace quorva::frontend {
 namespace {
 
 const double none = std::nan("");
-
-TEST(Html, TextIsShownAndNeverRun) {
-    EXPECT_EQ(escaped("<script>alert('x')</script> & \"q\""),
-              "&lt;script&gt;alert(&#39;x&#39;)&lt;/script&gt; &amp; &quot;q&quot;");
-    EXPECT_EQ(scriptSafe("{\"a\":\"</script>\"}"), "{\"a\":\"\\u003c/script\\u003e\"}");
-}
 
 RunResults hostileRun() {
     RunResults results;
@@ -85,47 +74,6 @@ TEST(Summary, IsAtMostAHundredColumnsWide) {
     for (std::string line; std::getline(lines, line);) {
         EXPECT_LE(displayWidth(line), 100u) << line;
     }
-}
-
-TEST(Terms, EveryLawOfTheCatalogueHasANameAndParameters) {
-    for (const LawEntry& law : lawTable) {
-        EXPECT_FALSE(lawName(law.law).empty());
-        for (int i = 0; i < lawParameterCount(law.law); ++i) {
-            EXPECT_FALSE(lawParameterName(law.law, i).empty()) << law.wrapper;
-        }
-    }
-    EXPECT_EQ(lawName(empiricLaw), "Empirical");
-    for (const StatisticEntry& statistic : statisticTable) {
-        EXPECT_FALSE(statisticName(statistic.statistic).empty());
-    }
-}
-
-TEST(Terms, CapabilityNamesFollowTheCatalogue) {
-    int capability = 0;
-    for (const StatisticEntry& statistic : statisticTable) {
-        capability += statistic.path == StatisticPath::Capability ? 1 : 0;
-    }
-    EXPECT_EQ(capability, capabilityIndices);
-}
-
-TEST(Verification, EqualityIsFifteenDigitsOrNineForSolvers) {
-    using workbook::CellValue;
-    const auto number = [](double x) { return CellValue{CellValue::Type::Number, x, ""}; };
-    EXPECT_TRUE(equalAsSaved(number(0.1 + 0.2), number(0.3), "A1+A2"));
-    EXPECT_FALSE(equalAsSaved(number(1), number(1 + 1e-12), "A1"));
-    EXPECT_TRUE(equalAsSaved(number(1), number(1 + 1e-10), "irr(A1:A9)"));
-    EXPECT_FALSE(equalAsSaved(number(1), {CellValue::Type::Boolean, 1, ""}, "A1"));
-    EXPECT_FALSE(equalAsSaved({CellValue::Type::Text, 0, "a"}, {CellValue::Type::Text, 0, "A"}, "A1"));
-    EXPECT_TRUE(equalAsSaved(number(0), {CellValue::Type::Blank, 0, ""}, "A1"));
-}
-
-TEST(Manual, TheCommittedPageIsTheOneThatTheProgramPrints) {
-    CommandOptions options;
-    std::ifstream in(QUORVA_SOURCE_DIR "/docs/quorva.1");
-    std::ostringstream committed;
-    committed << in.rdbuf();
-    EXPECT_EQ(committed.str(), manPage(*commandLine(options)))
-        << "write it anew: build/linux/quorva --man > docs/quorva.1";
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ using testing::HasSubstr;
 class ReportFile : public ProgramTest {
 protected:
     Outcome python(const std::string& script, const std::vector<std::string>& arguments) const {
-        std::vector<std::string> words{QUORVA_PYTHON, QUORVA_SOURCE_DIR "/tests/frontend/" + script};
+        std::vector<std::string> words{QUORVA_PYTHON, QUORVA_SOURCE_DIR "/tests/frontend/program/" + script};
         words.insert(words.end(), arguments.begin(), arguments.end());
         return command(words);
     }

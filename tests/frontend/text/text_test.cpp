@@ -2,13 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <limits>
-#include <sstream>
-
-#include "frontend/commands/command_line.h"
-#include "frontend/commands/progress.h"
-#include "frontend/text/csv.h"
 
 namespace quorva::frontend {
 namespace {
@@ -64,34 +58,6 @@ TEST(Text, SuggestsTheNearestName) {
     EXPECT_EQ(nearestName("xyzzy", names), "");
 }
 
-TEST(Csv, ReadsQuotesLineBreaksAndSemicolons) {
-    EXPECT_EQ(parseCsv("\xEF\xBB\xBF"
-                       "a,\"b,\"\"c\n\"\r\n1,2\n\n"),
-              (std::vector<std::vector<std::string>>{{"a", "b,\"c\n"}, {"1", "2"}}));
-    EXPECT_EQ(parseCsv("a;b\n1,5;2"), (std::vector<std::vector<std::string>>{{"a", "b"}, {"1,5", "2"}}));
-    EXPECT_EQ(parseCsv(";\"Sales, net\";b,c\n"), (std::vector<std::vector<std::string>>{{"", "Sales, net", "b,c"}}));
-    EXPECT_EQ(parseCsv(",a;b,c\n"), (std::vector<std::vector<std::string>>{{"", "a;b", "c"}}));
-}
-
-TEST(Csv, NamesThatLookLikeFormulasAreNeverRun) {
-    EXPECT_EQ(csvName("=cmd|' /C calc'!A0"), "'=cmd|' /C calc'!A0");
-    EXPECT_EQ(csvName("@sum,1"), "\"'@sum,1\"");
-    EXPECT_EQ(csvName("plain"), "plain");
-}
-
-TEST(Progress, ShowsShareRateAndTimeLeft) {
-    EXPECT_EQ(progressLine(25000, 100000, 0.5),
-              " 25 % [######..................] 25,000 of 100,000, 50,000/s, 2 s left");
-}
-
-TEST(Progress, FitsANarrowTerminalInOneLine) {
-    EXPECT_EQ(progressLine(25000, 100000, 0.5, 60), " 25 % 25,000 of 100,000, 50,000/s, 2 s left");
-    EXPECT_EQ(progressLine(25000, 100000, 0.5, 40), " 25 % 25,000 of 100,000, 2 s left");
-    for (const int columns : {0, 1, 5, 20, 34, 60, 80, 200}) {
-        EXPECT_LE(progressLine(99999, 100000, 123456, columns).size(), std::max(columns - 1, 0)) << columns;
-    }
-}
-
 TEST(Text, WidthOnATerminalCountsWideAndCombiningCharacters) {
     EXPECT_EQ(displayWidth("日本"), 4u);
     EXPECT_EQ(displayWidth("e\xCC\x81"), 1u);
@@ -99,18 +65,6 @@ TEST(Text, WidthOnATerminalCountsWideAndCombiningCharacters) {
     EXPECT_EQ(fitLeft("日本", 6), "日本  ");
     EXPECT_EQ(shortened("abcdef", 4), "abc…");
     EXPECT_EQ(shortened("abcd", 4), "abcd");
-}
-
-TEST(Help, BreaksLinesUnderTheDescriptions) {
-    const std::string option = "  --jobs J                        ";
-    EXPECT_EQ(wrappedHelp(option + "one two three four five six\n", 50),
-              option + "one two three\n" + std::string(34, ' ') + "four five six\n");
-    CommandOptions options;
-    const auto app = commandLine(options);
-    std::istringstream help(wrappedHelp(app->get_subcommand("run")->help("quorva"), 100));
-    for (std::string line; std::getline(help, line);) {
-        EXPECT_LE(line.size(), 100u) << line;
-    }
 }
 
 }  // namespace
