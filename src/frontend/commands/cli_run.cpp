@@ -14,7 +14,7 @@
 #include "frontend/run/block_run.h"
 #include "frontend/run/model_session.h"
 #include "frontend/run/requirements.h"
-#include "frontend/text/failure.h"
+#include "frontend/text/command_failure.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {
@@ -30,7 +30,7 @@ ReportFormat reportFormat(const std::string& file) {
     if (extension == ".xlsx") {
         return ReportFormat::Xlsx;
     }
-    throw Stop(ExitStatus::Usage, "the report '" + file + "' needs a name that ends in .html or .xlsx");
+    throw CommandFailure(ExitStatus::Usage, "the report '" + file + "' needs a name that ends in .html or .xlsx");
 }
 
 int drawnSeed() {
@@ -84,7 +84,7 @@ std::string contents(const std::string& file) {
     std::ostringstream text;
     text << in.rdbuf();
     if (!in) {
-        throw Stop(ExitStatus::Usage, "'" + file + "' cannot be read");
+        throw CommandFailure(ExitStatus::Usage, "'" + file + "' cannot be read");
     }
     return text.str();
 }
@@ -112,7 +112,7 @@ std::optional<SettingTable> settingTable(const std::string& option, const std::s
     if (isFile(given)) {
         return SettingTable{tableFromCsv(contents(given)), source};
     }
-    throw Stop(ExitStatus::Usage, source + ": neither a range or defined name of the workbook nor a file");
+    throw CommandFailure(ExitStatus::Usage, source + ": neither a range or defined name of the workbook nor a file");
 }
 
 void addSettingTables(const RunOptions& options, const ModelSession& session, const std::vector<Field>& fields,
@@ -232,7 +232,7 @@ void warnOfCutSamples(const RunOptions& options, RunResults& results) {
 
 void stopIfInterrupted() {
     if (interruptionRequested()) {
-        throw Stop(ExitStatus::Interrupted, "interrupted before the first iteration");
+        throw CommandFailure(ExitStatus::Interrupted, "interrupted before the first iteration");
     }
 }
 }  // namespace

@@ -68,13 +68,14 @@ std::string wrappedHelp(const std::string& help, std::size_t width);
 /// The manual page, from the same texts as --help.
 std::string manPage(const CLI::App& app);
 
-/// Arguments that a configuration file adds: its keys that the command line does not give. Throws Stop (Usage).
+/// Arguments that a configuration file adds: its keys that the command line does not give. Throws CommandFailure
+/// (Usage).
 std::vector<std::string> configurationArguments(const std::string& file, const CLI::App& runCommand);
 
 /// Runs the program and returns its exit status.
 int runProgram(const std::vector<std::string>& arguments);
 
-// Each command returns the exit status or throws Stop.
+// Each command returns the exit status or throws CommandFailure.
 int runCommand(const RunOptions& options);
 int inspectCommand(const ModelOptions& options);
 int verifyCommand(const ModelOptions& options);

@@ -2,15 +2,15 @@
 #include <CLI/CLI.hpp>
 
 #include "frontend/commands/command_line.h"
-#include "frontend/text/failure.h"
+#include "frontend/text/command_failure.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {
 
 namespace {
 [[noreturn]] void refuse(const std::string& file, const toml::source_region& place, const std::string& why) {
-    throw Stop(ExitStatus::Usage,
-               "configuration file '" + file + "', line " + std::to_string(place.begin.line) + ": " + why);
+    throw CommandFailure(ExitStatus::Usage,
+                         "configuration file '" + file + "', line " + std::to_string(place.begin.line) + ": " + why);
 }
 
 std::string valueText(const std::string& file, const std::string& key, const toml::node& node) {
@@ -57,7 +57,7 @@ std::vector<std::string> configurationArguments(const std::string& file, const C
         table = toml::parse_file(file);
     } catch (const toml::parse_error& error) {
         if (error.source().begin.line == 0) {
-            throw Stop(ExitStatus::Usage, "the configuration file '" + file + "' cannot be read");
+            throw CommandFailure(ExitStatus::Usage, "the configuration file '" + file + "' cannot be read");
         }
         refuse(file, error.source(), std::string(error.description()));
     }

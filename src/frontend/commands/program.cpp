@@ -10,7 +10,7 @@
 #include <CLI/CLI.hpp>
 
 #include "frontend/commands/command_line.h"
-#include "frontend/text/failure.h"
+#include "frontend/text/command_failure.h"
 #include "frontend/text/output_file.h"
 #include "frontend/text/text.h"
 #include "workbook/recalculation/book.h"
@@ -134,9 +134,9 @@ int runProgram(const std::vector<std::string>& arguments) {
     std::signal(SIGPIPE, SIG_IGN);
     try {
         return parseAndDispatch(arguments);
-    } catch (const Stop& stop) {
-        complain(stop.what());
-        return static_cast<int>(stop.status);
+    } catch (const CommandFailure& failure) {
+        complain(failure.what());
+        return static_cast<int>(failure.status);
     } catch (const workbook::Failure& failure) {
         complain(failure.what());
         return static_cast<int>(statusOf(failure.kind));

@@ -10,7 +10,7 @@
 #include <sstream>
 
 #include "frontend/reports/xlsx_combination.h"
-#include "frontend/text/failure.h"
+#include "frontend/text/command_failure.h"
 
 namespace quorva::frontend {
 
@@ -34,7 +34,7 @@ std::string temporaryName() {
     std::string name = (std::filesystem::temp_directory_path() / "quorva-XXXXXX").string();
     const int descriptor = mkstemp(name.data());
     if (descriptor < 0) {
-        throw Stop(ExitStatus::Internal, "no temporary file can be made for the .xlsx report");
+        throw CommandFailure(ExitStatus::Internal, "no temporary file can be made for the .xlsx report");
     }
     close(descriptor);
     return name;
@@ -94,7 +94,7 @@ void XlsxSheet::chart(int row, int column, lxw_chart* chart, int width, int heig
 
 XlsxBook::XlsxBook() : file_(temporaryName()), book_(workbook_new(file_.c_str())) {
     if (!book_) {
-        throw Stop(ExitStatus::Internal, "the .xlsx report could not be started");
+        throw CommandFailure(ExitStatus::Internal, "the .xlsx report could not be started");
     }
     // The same run gives the same bytes, whenever it is written.
     lxw_doc_properties properties{};
@@ -205,7 +205,8 @@ std::string XlsxBook::finish() {
     const lxw_error error = workbook_close(book_);
     book_ = nullptr;
     if (error != LXW_NO_ERROR) {
-        throw Stop(ExitStatus::Internal, std::string("the .xlsx report could not be written: ") + lxw_strerror(error));
+        throw CommandFailure(ExitStatus::Internal,
+                             std::string("the .xlsx report could not be written: ") + lxw_strerror(error));
     }
     lineOverColumns(file_, combined_, "Cumulative share");
     std::ifstream in(file_, std::ios::binary);

@@ -6,7 +6,7 @@
 #include <zip.h>
 #include <pugixml.hpp>
 
-#include "frontend/text/failure.h"
+#include "frontend/text/command_failure.h"
 
 namespace quorva::frontend {
 
@@ -16,7 +16,7 @@ constexpr const char* valueAxis = "60010002";
 constexpr zip_uint16_t firstDosDate = 33;  ///< 1980-01-01, so that the same run gives the same bytes
 
 [[noreturn]] void fail(const std::string& what) {
-    throw Stop(ExitStatus::Internal, "the .xlsx report could not be completed: " + what);
+    throw CommandFailure(ExitStatus::Internal, "the .xlsx report could not be completed: " + what);
 }
 
 pugi::xml_node value(pugi::xml_node parent, const char* name, const char* text) {

@@ -7,7 +7,7 @@
 namespace quorva::frontend {
 
 /// In the given charts (numbers from 1) of a finished workbook file, turns the last series of a column chart into a
-/// line on a second axis from 0 to 1. Throws Stop (Internal) when the file is not what the writer makes.
+/// line on a second axis from 0 to 1. Throws CommandFailure (Internal) when the file is not what the writer makes.
 void lineOverColumns(const std::string& file, const std::vector<int>& charts, const std::string& axisTitle);
 
 }  // namespace quorva::frontend

@@ -25,14 +25,16 @@ int blockSeed(int seed, int number) {
 
 void refuse(const RunSettings& settings, const std::vector<Field>& fields) {
     if (settings.convergence) {
-        throw Stop(ExitStatus::Usage,
-                   "--jobs cannot stop at convergence, which needs the iterations one after another; leave out --jobs "
-                   "or --converge");
+        throw CommandFailure(
+            ExitStatus::Usage,
+            "--jobs cannot stop at convergence, which needs the iterations one after another; leave out --jobs "
+            "or --converge");
     }
     for (const Field& field : fields) {
         if (field.kind == FieldKind::Statistic) {
-            throw Stop(ExitStatus::Usage, "--jobs cannot run this model: the values of the statistic field '" +
-                                              field.name + "' depend on the iterations before; leave out --jobs");
+            throw CommandFailure(ExitStatus::Usage,
+                                 "--jobs cannot run this model: the values of the statistic field '" + field.name +
+                                     "' depend on the iterations before; leave out --jobs");
         }
     }
 }
@@ -209,8 +211,8 @@ RunResults runModelInBlocks(const RunSettings& settings, const std::vector<Field
     record.samples = {};
     crew.gather(record);
     if (record.iterations == 0) {
-        throw record.interrupted ? Stop(ExitStatus::Interrupted, "interrupted before the first iteration")
-                                 : Stop(ExitStatus::Internal, "every block of the run was lost");
+        throw record.interrupted ? CommandFailure(ExitStatus::Interrupted, "interrupted before the first iteration")
+                                 : CommandFailure(ExitStatus::Internal, "every block of the run was lost");
     }
     if (shared.tornado) {
         takeIntervals(shared, fields, record, true);

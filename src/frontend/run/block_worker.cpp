@@ -32,7 +32,8 @@ BlockMemory::BlockMemory(int iterations, std::size_t fields)
     static_assert(sizeof(Header) <= headerRoom);
     void* shared = mmap(nullptr, bytes_, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     if (shared == MAP_FAILED) {
-        throw Stop(ExitStatus::Internal, "no memory for the samples of a block; try fewer iterations or --jobs 1");
+        throw CommandFailure(ExitStatus::Internal,
+                             "no memory for the samples of a block; try fewer iterations or --jobs 1");
     }
     header_ = new (shared) Header;
 }
@@ -78,7 +79,7 @@ bool BlockMemory::interrupted() const { return header_->interrupted; }
 
 void BlockMemory::rethrow() const {
     if (header_->failed) {
-        throw Stop(header_->status, header_->sentence);
+        throw CommandFailure(header_->status, header_->sentence);
     }
 }
 
@@ -94,7 +95,7 @@ pid_t startWorker(const Block& block, const RunSettings& settings, const std::ve
                   const Observer& observer, BlockMemory& memory) {
     const pid_t process = fork();
     if (process < 0) {
-        throw Stop(ExitStatus::Internal, "no further process can be started; try fewer --jobs");
+        throw CommandFailure(ExitStatus::Internal, "no further process can be started; try fewer --jobs");
     }
     if (process > 0) {
         return process;
@@ -106,14 +107,14 @@ pid_t startWorker(const Block& block, const RunSettings& settings, const std::ve
         own.seed = block.seed;
         memory.store(drawRun(own, fields, host,
                              {observer.interrupted, [&memory](int done, int) { memory.reportProgress(done); }}));
-    } catch (const Stop& stop) {
-        if (stop.status == ExitStatus::Interrupted) {
+    } catch (const CommandFailure& failure) {
+        if (failure.status == ExitStatus::Interrupted) {
             RunRecord nothing;
             nothing.interrupted = true;
             nothing.samples.columns.resize(fields.size());
             memory.store(nothing);
         } else {
-            memory.fail(stop.status, stop.what());
+            memory.fail(failure.status, failure.what());
         }
     } catch (const std::exception& error) {
         memory.fail(ExitStatus::Internal, error.what());

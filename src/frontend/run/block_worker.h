@@ -6,14 +6,14 @@
 #include <string>
 
 #include "frontend/run/block_run.h"
-#include "frontend/text/failure.h"
+#include "frontend/text/command_failure.h"
 
 namespace quorva::frontend {
 
 /// Memory shared with a worker: its progress, how it ended, and the samples column by column.
 class BlockMemory {
 public:
-    /// Throws Stop (Internal) when the system has no memory to share.
+    /// Throws CommandFailure (Internal) when the system has no memory to share.
     BlockMemory(int iterations, std::size_t fields);
     BlockMemory(BlockMemory&& other) noexcept;
     BlockMemory& operator=(BlockMemory&&) = delete;
@@ -42,7 +42,8 @@ private:
     std::size_t fields_;
 };
 
-/// Starts a worker for a block; returns its process. Throws Stop (Internal) when there can be no more processes.
+/// Starts a worker for a block; returns its process. Throws CommandFailure (Internal) when there can be no more
+/// processes.
 pid_t startWorker(const Block& block, const RunSettings& settings, const std::vector<Field>& fields, const Host& host,
                   const Observer& observer, BlockMemory& memory);
 

@@ -275,10 +275,11 @@ std::vector<std::size_t> watchedResults(const RunSettings& settings, const std::
 void checkSize(const RunSettings& settings, std::size_t fields) {
     const auto cells = static_cast<std::int64_t>(settings.iterations) * static_cast<std::int64_t>(fields);
     if (cells > largestSampleCells) {
-        throw Stop(ExitStatus::Usage,
-                   std::to_string(settings.iterations) + " iterations of " + std::to_string(fields) + " fields are " +
-                       std::to_string(cells) + " values; at most 64,000,000 fit: ask for at most " +
-                       std::to_string(largestSampleCells / static_cast<std::int64_t>(fields)) + " iterations");
+        throw CommandFailure(
+            ExitStatus::Usage,
+            std::to_string(settings.iterations) + " iterations of " + std::to_string(fields) + " fields are " +
+                std::to_string(cells) + " values; at most 64,000,000 fit: ask for at most " +
+                std::to_string(largestSampleCells / static_cast<std::int64_t>(fields)) + " iterations");
     }
 }
 
@@ -316,7 +317,7 @@ RunRecord drawRun(const RunSettings& settings, const std::vector<Field>& fields,
     constexpr int mostRepairs = 3;
     for (int repairs = 0; prepare(settings, correlation, host, fields) == 2; ++repairs) {
         if (repairs == mostRepairs) {
-            throw Stop(ExitStatus::Model, "the correlation matrix is impossible and could not be repaired");
+            throw CommandFailure(ExitStatus::Model, "the correlation matrix is impossible and could not be repaired");
         }
         record.repaired = correlation;
     }
@@ -325,12 +326,12 @@ RunRecord drawRun(const RunSettings& settings, const std::vector<Field>& fields,
     const bool monitored = settings.convergence && settings.convergence->criterion != ConvergenceCriterion::Stdev;
     const Counts counts = begin(settings, monitored, everyResult, fields);
     if (counts.fields != static_cast<int>(fields.size())) {
-        throw Stop(ExitStatus::Model, "the number of fields changes from one recalculation to the next");
+        throw CommandFailure(ExitStatus::Model, "the number of fields changes from one recalculation to the next");
     }
     Gaps gaps(fields.size());
     iterate(settings, fields, monitored, host, observer, record, gaps);
     if (record.iterations == 0) {
-        throw Stop(ExitStatus::Interrupted, "interrupted before the first iteration");
+        throw CommandFailure(ExitStatus::Interrupted, "interrupted before the first iteration");
     }
     record.intervals = end(counts, settings.tail, record.iterations).intervals;
     fetchSamples(fields, gaps, record);

@@ -31,8 +31,8 @@ struct Observer {
     std::function<void(int done, int planned)> progress = [](int, int) {};
 };
 
-/// The fields of the model, in the order of their final numbers: both passes of a run, then its end. Throws Stop
-/// (Model) with sheet, cell and name.
+/// The fields of the model, in the order of their final numbers: both passes of a run, then its end. Throws
+/// CommandFailure (Model) with sheet, cell and name.
 std::vector<Field> describeModel(const Host& host, bool workbookModel);
 
 /// Answers of the module during a run, from which the results are made.
@@ -61,9 +61,9 @@ public:
 
 // The steps of a run, for those who need them one by one.
 
-/// Throws Stop (Usage) for more values than the module stores.
+/// Throws CommandFailure (Usage) for more values than the module stores.
 void checkSize(const RunSettings& settings, std::size_t fields);
-/// Both passes, all iterations, the end. The module keeps its tables. Throws Stop.
+/// Both passes, all iterations, the end. The module keeps its tables. Throws CommandFailure.
 RunRecord drawRun(const RunSettings& settings, const std::vector<Field>& fields, const Host& host,
                   const Observer& observer);
 /// The fields' intervals out of the samples: of all fields, or of those with iterations without a value.
@@ -72,7 +72,8 @@ void takeIntervals(const RunSettings& settings, const std::vector<Field>& fields
 RunResults concludeRun(const RunSettings& settings, const std::vector<Field>& fields, const Host& host,
                        const Observer& observer, RunRecord& record);
 
-/// One whole run. `fields` is what describeModel found. Throws Stop; whatever happens, the module is idle afterwards.
+/// One whole run. `fields` is what describeModel found. Throws CommandFailure; whatever happens, the module is idle
+/// afterwards.
 RunResults runModel(const RunSettings& settings, const std::vector<Field>& fields, const Host& host,
                     const Observer& observer);
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "frontend/text/failure.h"
+#include "frontend/text/command_failure.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {
@@ -34,9 +34,10 @@ ModelSession::ModelSession(const std::string& file) : book_(file) {
     // The order of calculation, and with it what calls the module, is known from the first recalculation on.
     book_.recalculate();
     if (book_.modelCells().empty()) {
-        throw Stop(ExitStatus::Model, "nothing to simulate: '" + file +
-                                          "' has no model function; a model needs at least one distribution (such as "
-                                          "QUORVA_SimNormal) and one result (QUORVA_SimRes)");
+        throw CommandFailure(ExitStatus::Model,
+                             "nothing to simulate: '" + file +
+                                 "' has no model function; a model needs at least one distribution (such as "
+                                 "QUORVA_SimNormal) and one result (QUORVA_SimRes)");
     }
 }
 
@@ -54,7 +55,8 @@ void ModelSession::watch(std::span<const Field> fields) {
             ++sheet;
         }
         if (sheet == book_.sheetCount()) {
-            throw Stop(ExitStatus::Internal, "the sheet '" + field.sheet + "' of a field is not in the workbook");
+            throw CommandFailure(ExitStatus::Internal,
+                                 "the sheet '" + field.sheet + "' of a field is not in the workbook");
         }
         watched_.push_back({sheet, field.row, field.column});
     }
@@ -67,8 +69,9 @@ std::optional<CellTable> ModelSession::table(std::string_view reference) const {
     }
     const int rows = range->lastRow - range->firstRow + 1, columns = range->lastColumn - range->firstColumn + 1;
     if (rows > mostTableRows || columns > mostTableRows) {
-        throw Stop(ExitStatus::Model, "'" + std::string(reference) + "' is too large for a table of settings: " +
-                                          std::to_string(rows) + " rows and " + std::to_string(columns) + " columns");
+        throw CommandFailure(ExitStatus::Model, "'" + std::string(reference) +
+                                                    "' is too large for a table of settings: " + std::to_string(rows) +
+                                                    " rows and " + std::to_string(columns) + " columns");
     }
     CellTable table(rows);
     for (int r = 0; r < rows; ++r) {

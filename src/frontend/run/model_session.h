@@ -12,8 +12,8 @@ namespace quorva::frontend {
 
 class ModelSession {
 public:
-    /// Reads the workbook and makes it the module's host. Throws workbook::Failure, or Stop (Model) without any model
-    /// function.
+    /// Reads the workbook and makes it the module's host. Throws workbook::Failure, or CommandFailure (Model) without
+    /// any model function.
     explicit ModelSession(const std::string& file);
 
     Host host();

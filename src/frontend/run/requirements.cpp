@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "frontend/run/statistics.h"
-#include "frontend/text/failure.h"
+#include "frontend/text/command_failure.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {
@@ -58,10 +58,10 @@ public:
 
 private:
     [[noreturn]] void fail(const std::string& expected) const {
-        throw Stop(ExitStatus::Usage, "requirement \"" + std::string(text_) + "\", character " +
-                                          std::to_string(at_ + 1) + ": expected " + expected +
-                                          "; for example \"mean(Profit) >= 100\", \"P(Profit < 0) <= 0.05\", "
-                                          "\"p95(Cost) <= 1e6\" or \"cpk(Diameter) >= 1.33\"");
+        throw CommandFailure(ExitStatus::Usage, "requirement \"" + std::string(text_) + "\", character " +
+                                                    std::to_string(at_ + 1) + ": expected " + expected +
+                                                    "; for example \"mean(Profit) >= 100\", \"P(Profit < 0) <= 0.05\", "
+                                                    "\"p95(Cost) <= 1e6\" or \"cpk(Diameter) >= 1.33\"");
     }
 
     void blanks() {
@@ -261,14 +261,15 @@ void checkRequirement(const Requirement& requirement, const std::vector<Field>& 
         names.push_back(field.name);
     }
     if (std::find(names.begin(), names.end(), requirement.name) == names.end()) {
-        throw Stop(ExitStatus::Model, "requirement \"" + requirement.expression + "\": the model has no field named '" +
-                                          requirement.name + "'" + nearestHint(requirement.name, names));
+        throw CommandFailure(ExitStatus::Model, "requirement \"" + requirement.expression +
+                                                    "\": the model has no field named '" + requirement.name + "'" +
+                                                    nearestHint(requirement.name, names));
     }
     const bool limited = std::any_of(limits.begin(), limits.end(),
                                      [&](const SpecificationLimits& limit) { return limit.name == requirement.name; });
     if (requirement.measure == Measure::Capability && !limited) {
-        throw Stop(ExitStatus::Model, "requirement \"" + requirement.expression + "\": '" + requirement.name +
-                                          "' has no specification limits; give them with --capability");
+        throw CommandFailure(ExitStatus::Model, "requirement \"" + requirement.expression + "\": '" + requirement.name +
+                                                    "' has no specification limits; give them with --capability");
     }
     // The index itself says which limit is absent: without it the requirement could never be met.
     const std::string key = capabilityNames[requirement.capabilityIndex].key;
@@ -277,9 +278,10 @@ void checkRequirement(const Requirement& requirement, const std::vector<Field>& 
         if (requirement.measure == Measure::Capability && limit.name == requirement.name && oneSided &&
             (key == "cp" || key == "cpk" || key == "pp" || key == "ppk")) {
             const bool upper = std::isnan(limit.lower);
-            throw Stop(ExitStatus::Model, "requirement \"" + requirement.expression + "\": '" + requirement.name +
-                                              "' has only " + (upper ? "a USL" : "an LSL") + ", and " + key +
-                                              " needs both limits; use " + key.substr(0, 2) + (upper ? "u" : "l"));
+            throw CommandFailure(ExitStatus::Model,
+                                 "requirement \"" + requirement.expression + "\": '" + requirement.name +
+                                     "' has only " + (upper ? "a USL" : "an LSL") + ", and " + key +
+                                     " needs both limits; use " + key.substr(0, 2) + (upper ? "u" : "l"));
         }
     }
 }

@@ -30,10 +30,11 @@ struct Requirement {
     double limit;
 };
 
-/// Throws Stop (Usage) with the place of the mistake.
+/// Throws CommandFailure (Usage) with the place of the mistake.
 Requirement parseRequirement(std::string_view expression);
 
-/// Throws Stop (Model) when the name is no field, or no field with limits where a capability index is asked for.
+/// Throws CommandFailure (Model) when the name is no field, or no field with limits where a capability index is asked
+/// for.
 void checkRequirement(const Requirement& requirement, const std::vector<Field>& fields,
                       const std::vector<SpecificationLimits>& limits);
 

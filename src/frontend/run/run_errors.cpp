@@ -84,7 +84,7 @@ std::string sentence(int code, const ErrorRecord& first, const std::vector<Field
 
 bool runErrorPending() { return readError(false).code != 0; }
 
-Stop runError(int code, const std::vector<Field>& fields) {
+CommandFailure runError(int code, const std::vector<Field>& fields) {
     const ErrorRecord first = readError(false);
     if (first.code != 0) {
         return {ExitStatus::Model, sentence(first.code, first, fields)};

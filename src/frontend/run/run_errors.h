@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "frontend/results/run_results.h"
-#include "frontend/text/failure.h"
+#include "frontend/text/command_failure.h"
 
 namespace quorva::frontend {
 
 /// The error that the module has recorded, as a sentence with sheet, cell and field name; `code` is what the call
 /// returned and stands where the module recorded nothing.
-Stop runError(int code, const std::vector<Field>& fields);
+CommandFailure runError(int code, const std::vector<Field>& fields);
 
 /// True when the module has recorded an error.
 bool runErrorPending();

@@ -6,8 +6,8 @@
 #include <optional>
 #include <set>
 
+#include "frontend/text/command_failure.h"
 #include "frontend/text/csv.h"
-#include "frontend/text/failure.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {
@@ -16,7 +16,7 @@ namespace {
 constexpr double absent = std::numeric_limits<double>::quiet_NaN();
 
 [[noreturn]] void refuse(const std::string& source, const std::string& cause) {
-    throw Stop(ExitStatus::Model, source + ": " + cause);
+    throw CommandFailure(ExitStatus::Model, source + ": " + cause);
 }
 
 bool isEmpty(const TableCell& cell) {

@@ -9,7 +9,7 @@
 #include <cstring>
 #include <utility>
 
-#include "frontend/text/failure.h"
+#include "frontend/text/command_failure.h"
 
 namespace quorva::frontend {
 
@@ -81,7 +81,7 @@ public:
 
 private:
     [[noreturn]] void fail(int error) const {
-        throw Stop(ExitStatus::Internal, "'" + target_.string() + "' could not be written: " + cause(error));
+        throw CommandFailure(ExitStatus::Internal, "'" + target_.string() + "' could not be written: " + cause(error));
     }
 
     fs::path target_;
@@ -103,7 +103,8 @@ void writeTo(int descriptor, const Output& output) {
 void writeDevice(const Output& output) {
     const int descriptor = openDevice(output.path);
     if (descriptor < 0) {
-        throw Stop(ExitStatus::Internal, "'" + output.path.string() + "' could not be opened: " + cause(errno));
+        throw CommandFailure(ExitStatus::Internal,
+                             "'" + output.path.string() + "' could not be opened: " + cause(errno));
     }
     try {
         writeTo(descriptor, output);
@@ -115,7 +116,7 @@ void writeDevice(const Output& output) {
 }
 
 [[noreturn]] void unwritable(const fs::path& path, const std::string& why) {
-    throw Stop(ExitStatus::Usage, "the output '" + path.string() + "' cannot be written: " + why);
+    throw CommandFailure(ExitStatus::Usage, "the output '" + path.string() + "' cannot be written: " + why);
 }
 }  // namespace
 
@@ -127,7 +128,7 @@ void Sink::flush() {
             continue;
         }
         if (count < 0) {
-            throw Stop(ExitStatus::Internal, name_ + " could not be written: " + cause(errno));
+            throw CommandFailure(ExitStatus::Internal, name_ + " could not be written: " + cause(errno));
         }
         done += static_cast<std::size_t>(count);
     }
@@ -183,8 +184,8 @@ void Outputs::commit(const std::vector<Output>& outputs) {
         }
         TemporaryFile file(output.path);
         if (file.error() != 0) {
-            throw Stop(ExitStatus::Internal,
-                       "'" + output.path.string() + "' could not be written: " + cause(file.error()));
+            throw CommandFailure(ExitStatus::Internal,
+                                 "'" + output.path.string() + "' could not be written: " + cause(file.error()));
         }
         writeTo(file.descriptor(), output);
         file.finish();

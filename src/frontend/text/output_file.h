@@ -9,7 +9,7 @@
 
 namespace quorva::frontend {
 
-/// Where a writer puts its bytes; buffered. Throws Stop (Internal) when the system refuses them.
+/// Where a writer puts its bytes; buffered. Throws CommandFailure (Internal) when the system refuses them.
 class Sink {
 public:
     Sink(int descriptor, std::string name) : descriptor_(descriptor), name_(std::move(name)) {}
@@ -41,10 +41,10 @@ public:
     /// `inputs` are the files that the command reads.
     explicit Outputs(std::vector<std::filesystem::path> inputs) : inputs_(std::move(inputs)) {}
 
-    /// Throws Stop (Usage) when the path cannot be written.
+    /// Throws CommandFailure (Usage) when the path cannot be written.
     void reserve(const std::filesystem::path& path);
 
-    /// Writes every output; when one fails, the targets of all are as they were. Throws Stop (Internal).
+    /// Writes every output; when one fails, the targets of all are as they were. Throws CommandFailure (Internal).
     static void commit(const std::vector<Output>& outputs);
 
 private:
@@ -52,7 +52,7 @@ private:
     std::vector<std::filesystem::path> reserved_;
 };
 
-/// Text to standard output. Throws Stop (Internal) when it cannot be written.
+/// Text to standard output. Throws CommandFailure (Internal) when it cannot be written.
 void printOut(std::string_view text);
 
 }  // namespace quorva::frontend

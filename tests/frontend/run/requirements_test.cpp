@@ -6,7 +6,7 @@
 #include <cmath>
 #include <limits>
 
-#include "frontend/text/failure.h"
+#include "frontend/text/command_failure.h"
 
 namespace quorva::frontend {
 namespace {
@@ -63,9 +63,9 @@ TEST(Requirement, MistakesNameTheirPlace) {
         try {
             parseRequirement(wrong);
             ADD_FAILURE() << wrong << " was accepted";
-        } catch (const Stop& stop) {
-            EXPECT_EQ(stop.status, ExitStatus::Usage);
-            EXPECT_THAT(stop.what(), testing::HasSubstr("character")) << wrong;
+        } catch (const CommandFailure& failure) {
+            EXPECT_EQ(failure.status, ExitStatus::Usage);
+            EXPECT_THAT(failure.what(), testing::HasSubstr("character")) << wrong;
         }
     }
 }
@@ -75,11 +75,11 @@ TEST(Requirement, AnUnknownFieldIsRefusedWithTheNearestName) {
     try {
         checkRequirement(parseRequirement("mean(Profits) > 1"), run.fields, {});
         FAIL();
-    } catch (const Stop& stop) {
-        EXPECT_EQ(stop.status, ExitStatus::Model);
-        EXPECT_THAT(stop.what(), testing::HasSubstr("did you mean 'Profit'"));
+    } catch (const CommandFailure& failure) {
+        EXPECT_EQ(failure.status, ExitStatus::Model);
+        EXPECT_THAT(failure.what(), testing::HasSubstr("did you mean 'Profit'"));
     }
-    EXPECT_THROW(checkRequirement(parseRequirement("cpk(Profit) > 1"), run.fields, {}), Stop);
+    EXPECT_THROW(checkRequirement(parseRequirement("cpk(Profit) > 1"), run.fields, {}), CommandFailure);
 }
 
 TEST(Requirement, AnIndexOfBothLimitsIsRefusedWhereOneIsAbsent) {
@@ -89,9 +89,9 @@ TEST(Requirement, AnIndexOfBothLimitsIsRefusedWhereOneIsAbsent) {
     try {
         checkRequirement(parseRequirement("cpk(Profit) > 1"), run.fields, onlyUpper);
         FAIL();
-    } catch (const Stop& stop) {
-        EXPECT_EQ(stop.status, ExitStatus::Model);
-        EXPECT_THAT(stop.what(), testing::HasSubstr("has only a USL, and cpk needs both limits; use cpu"));
+    } catch (const CommandFailure& failure) {
+        EXPECT_EQ(failure.status, ExitStatus::Model);
+        EXPECT_THAT(failure.what(), testing::HasSubstr("has only a USL, and cpk needs both limits; use cpu"));
     }
     checkRequirement(parseRequirement("cpu(Profit) > 1"), run.fields, onlyUpper);
     checkRequirement(parseRequirement("ppm(Profit) < 1"), run.fields, onlyUpper);

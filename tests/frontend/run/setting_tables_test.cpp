@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-#include "frontend/text/failure.h"
+#include "frontend/text/command_failure.h"
 
 namespace quorva::frontend {
 namespace {
@@ -14,9 +14,9 @@ std::string refusalOf(const std::string& csv) {
     try {
         correlationFromTable(tableFromCsv(csv), "m.csv");
         return "accepted";
-    } catch (const Stop& stop) {
-        EXPECT_EQ(stop.status, ExitStatus::Model);
-        return stop.what();
+    } catch (const CommandFailure& failure) {
+        EXPECT_EQ(failure.status, ExitStatus::Model);
+        return failure.what();
     }
 }
 
@@ -44,13 +44,13 @@ TEST(CorrelationTable, LabelsMustBeDistributionsAndStandOnce) {
     const LabelledMatrix known{{"Price"}, {1}}, other{{"Prize"}, {1}}, result{{"Profit"}, {1}},
         twice{{"Price", "Price"}, {1, 0, 0, 1}};
     EXPECT_NO_THROW(checkCorrelationLabels(known, {input, output}, "m"));
-    EXPECT_THROW(checkCorrelationLabels(result, {input, output}, "m"), Stop);
-    EXPECT_THROW(checkCorrelationLabels(twice, {input, output}, "m"), Stop);
+    EXPECT_THROW(checkCorrelationLabels(result, {input, output}, "m"), CommandFailure);
+    EXPECT_THROW(checkCorrelationLabels(twice, {input, output}, "m"), CommandFailure);
     try {
         checkCorrelationLabels(other, {input, output}, "m");
         FAIL();
-    } catch (const Stop& stop) {
-        EXPECT_THAT(stop.what(), testing::HasSubstr("did you mean 'Price'"));
+    } catch (const CommandFailure& failure) {
+        EXPECT_THAT(failure.what(), testing::HasSubstr("did you mean 'Price'"));
     }
 }
 
@@ -72,9 +72,9 @@ TEST(SettingTables, ACommaIsTheDecimalSignWhereTheSemicolonSeparates) {
 }
 
 TEST(CapabilityTable, LimitsOutOfOrderOrMissingAreRefused) {
-    EXPECT_THROW(capabilityFromTable(tableFromCsv("Gap,2,1,\n"), "c.csv"), Stop);
-    EXPECT_THROW(capabilityFromTable(tableFromCsv("Gap,,,1\n"), "c.csv"), Stop);
-    EXPECT_THROW(capabilityFromTable(tableFromCsv("name,LSL,USL,target\n"), "c.csv"), Stop);
+    EXPECT_THROW(capabilityFromTable(tableFromCsv("Gap,2,1,\n"), "c.csv"), CommandFailure);
+    EXPECT_THROW(capabilityFromTable(tableFromCsv("Gap,,,1\n"), "c.csv"), CommandFailure);
+    EXPECT_THROW(capabilityFromTable(tableFromCsv("name,LSL,USL,target\n"), "c.csv"), CommandFailure);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "frontend/text/failure.h"
+#include "frontend/text/command_failure.h"
 
 namespace quorva::frontend {
 namespace {
@@ -36,9 +36,9 @@ protected:
         try {
             outputs.reserve(path);
             return "accepted";
-        } catch (const Stop& stop) {
-            EXPECT_EQ(stop.status, ExitStatus::Usage);
-            return stop.what();
+        } catch (const CommandFailure& failure) {
+            EXPECT_EQ(failure.status, ExitStatus::Usage);
+            return failure.what();
         }
     }
     static Output text(const fs::path& path, const std::string& content) {
@@ -47,7 +47,7 @@ protected:
     static Output failing(const fs::path& path) {
         return {path, [](Sink& sink) {
                     sink.write("half");
-                    throw Stop(ExitStatus::Internal, "the disk is full");
+                    throw CommandFailure(ExitStatus::Internal, "the disk is full");
                 }};
     }
 
@@ -66,7 +66,7 @@ TEST_F(OutputFile, IsWrittenWholeAndLeavesNothingElse) {
 TEST_F(OutputFile, AFailureLeavesEveryPreviousFileUntouched) {
     put("a.txt", "old a");
     put("b.txt", "old b");
-    EXPECT_THROW(Outputs::commit({text(file("a.txt"), "new"), failing(file("b.txt"))}), Stop);
+    EXPECT_THROW(Outputs::commit({text(file("a.txt"), "new"), failing(file("b.txt"))}), CommandFailure);
     EXPECT_EQ(read("a.txt"), "old a");
     EXPECT_EQ(read("b.txt"), "old b");
     EXPECT_EQ(files(), 2u);
@@ -108,7 +108,7 @@ TEST_F(OutputFile, DevicesAreWrittenToAndNeverReplaced) {
     Outputs::commit({text("/dev/null", "gone")});
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
     if (fs::exists("/dev/full")) {
-        EXPECT_THROW(Outputs::commit({text("/dev/full", "too much")}), Stop);
+        EXPECT_THROW(Outputs::commit({text("/dev/full", "too much")}), CommandFailure);
         EXPECT_TRUE(fs::is_character_file("/dev/full"));
     }
 }

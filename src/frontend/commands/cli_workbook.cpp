@@ -8,8 +8,8 @@
 #include "frontend/reports/reports.h"
 #include "frontend/run/model_session.h"
 #include "frontend/run/verification.h"
+#include "frontend/text/command_failure.h"
 #include "frontend/text/csv.h"
-#include "frontend/text/failure.h"
 #include "frontend/text/text.h"
 #include "frontend/text/text_table.h"
 

@@ -17,8 +17,9 @@ enum class ExitStatus {
     Interrupted = 130,
 };
 
-struct Stop : std::runtime_error {
-    Stop(ExitStatus exitStatus, const std::string& sentence) : std::runtime_error(sentence), status(exitStatus) {}
+struct CommandFailure : std::runtime_error {
+    CommandFailure(ExitStatus exitStatus, const std::string& sentence)
+        : std::runtime_error(sentence), status(exitStatus) {}
     ExitStatus status;
 };
 
