@@ -2,7 +2,8 @@
 #include <nlohmann/json.hpp>
 
 #include "frontend/commands/command_line.h"
-#include "frontend/reports/reports.h"
+#include "frontend/reports/report_json.h"
+#include "frontend/text/output_file.h"
 #include "frontend/text/text.h"
 #include "frontend/text/text_table.h"
 #include "quorva/catalogue.h"

@@ -10,11 +10,16 @@
 #include "frontend/commands/command_line.h"
 #include "frontend/commands/interruption.h"
 #include "frontend/commands/progress.h"
-#include "frontend/reports/reports.h"
+#include "frontend/reports/report_html.h"
+#include "frontend/reports/report_json.h"
+#include "frontend/reports/report_samples.h"
+#include "frontend/reports/report_xlsx.h"
+#include "frontend/reports/summary_text.h"
 #include "frontend/run/block_run.h"
 #include "frontend/run/model_session.h"
 #include "frontend/run/requirements.h"
 #include "frontend/text/command_failure.h"
+#include "frontend/text/output_file.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -5,11 +5,13 @@
 #include <nlohmann/json.hpp>
 
 #include "frontend/commands/command_line.h"
-#include "frontend/reports/reports.h"
+#include "frontend/reports/model_terms.h"
+#include "frontend/reports/report_json.h"
 #include "frontend/run/model_session.h"
 #include "frontend/run/verification.h"
 #include "frontend/text/command_failure.h"
 #include "frontend/text/csv.h"
+#include "frontend/text/output_file.h"
 #include "frontend/text/text.h"
 #include "frontend/text/text_table.h"
 

@@ -1,7 +1,7 @@
-// Names of what a model is made of, all from the catalogue.
+#include "frontend/reports/model_terms.h"
+
 #include <algorithm>
 
-#include "frontend/reports/reports.h"
 #include "frontend/text/text.h"
 #include "quorva/catalogue.h"
 

@@ -1,11 +1,15 @@
+#include "frontend/reports/report_html.h"
+
 #include <algorithm>
 #include <cmath>
 
 #include <nlohmann/json.hpp>
 
 #include "frontend/reports/html_text.h"
+#include "frontend/reports/model_terms.h"
 #include "frontend/reports/report_assets.h"
-#include "frontend/reports/reports.h"
+#include "frontend/reports/report_json.h"
+#include "frontend/reports/settings_text.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

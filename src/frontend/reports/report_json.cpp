@@ -1,6 +1,8 @@
+#include "frontend/reports/report_json.h"
+
 #include <nlohmann/json.hpp>
 
-#include "frontend/reports/reports.h"
+#include "frontend/reports/model_terms.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -1,4 +1,5 @@
-#include "frontend/reports/reports.h"
+#include "frontend/reports/report_samples.h"
+
 #include "frontend/text/csv.h"
 #include "frontend/text/text.h"
 

@@ -1,5 +1,8 @@
+#include "frontend/reports/report_xlsx.h"
+
+#include "frontend/reports/model_terms.h"
 #include "frontend/reports/report_xlsx_sheets.h"
-#include "frontend/reports/reports.h"
+#include "frontend/reports/settings_text.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

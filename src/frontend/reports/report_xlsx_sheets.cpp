@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "frontend/reports/reports.h"
+#include "frontend/reports/model_terms.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -1,5 +1,5 @@
-// The settings of a run as reports list them.
-#include "frontend/reports/reports.h"
+#include "frontend/reports/settings_text.h"
+
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -1,7 +1,8 @@
+#include "frontend/reports/summary_text.h"
+
 #include <algorithm>
 #include <cmath>
 
-#include "frontend/reports/reports.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -1,6 +1,7 @@
+#include "frontend/reports/model_terms.h"
+
 #include <gtest/gtest.h>
 
-#include "frontend/reports/reports.h"
 #include "quorva/catalogue.h"
 
 namespace quorva::frontend {

@@ -1,5 +1,3 @@
-#include "frontend/reports/reports.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,6 +6,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include "frontend/reports/report_html.h"
+#include "frontend/reports/report_json.h"
+#include "frontend/reports/summary_text.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {
