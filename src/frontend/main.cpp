@@ -1,3 +1,3 @@
-#include "frontend/commands/command_line.h"
+#include "frontend/commands/program.h"
 
 int main(int argc, char** argv) { return quorva::frontend::runProgram({argv + 1, argv + argc}); }

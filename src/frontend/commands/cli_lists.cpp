@@ -1,7 +1,7 @@
-// `quorva laws`, `quorva functions` and `quorva statistics`: what there is.
+#include "frontend/commands/cli_lists.h"
+
 #include <nlohmann/json.hpp>
 
-#include "frontend/commands/command_line.h"
 #include "frontend/reports/report_json.h"
 #include "frontend/text/output_file.h"
 #include "frontend/text/text.h"

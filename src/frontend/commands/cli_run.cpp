@@ -1,4 +1,5 @@
-// `quorva run`: settings from options and workbook, the run, its outputs.
+#include "frontend/commands/cli_run.h"
+
 #include <algorithm>
 #include <fstream>
 #include <iostream>
@@ -7,7 +8,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "frontend/commands/command_line.h"
 #include "frontend/commands/interruption.h"
 #include "frontend/commands/progress.h"
 #include "frontend/reports/report_html.h"

@@ -1,10 +1,10 @@
-// `quorva inspect`, `quorva verify` and `quorva values`: a workbook without a run.
+#include "frontend/commands/cli_workbook.h"
+
 #include <algorithm>
 #include <iostream>
 
 #include <nlohmann/json.hpp>
 
-#include "frontend/commands/command_line.h"
 #include "frontend/reports/model_terms.h"
 #include "frontend/reports/report_json.h"
 #include "frontend/run/model_session.h"

@@ -1,7 +1,8 @@
+#include "frontend/commands/configuration.h"
+
 #include <toml++/toml.h>
 #include <CLI/CLI.hpp>
 
-#include "frontend/commands/command_line.h"
 #include "frontend/text/command_failure.h"
 #include "frontend/text/text.h"
 

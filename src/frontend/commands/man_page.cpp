@@ -1,6 +1,7 @@
+#include "frontend/commands/man_page.h"
+
 #include <CLI/CLI.hpp>
 
-#include "frontend/commands/command_line.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -1,4 +1,5 @@
-// The program's outermost layer: parsing, messages and exit statuses.
+#include "frontend/commands/program.h"
+
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -9,7 +10,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include "frontend/commands/cli_lists.h"
+#include "frontend/commands/cli_run.h"
+#include "frontend/commands/cli_workbook.h"
 #include "frontend/commands/command_line.h"
+#include "frontend/commands/configuration.h"
+#include "frontend/commands/man_page.h"
 #include "frontend/text/command_failure.h"
 #include "frontend/text/output_file.h"
 #include "frontend/text/text.h"

@@ -5,6 +5,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "frontend/commands/man_page.h"
+
 namespace quorva::frontend {
 namespace {
 
