@@ -46,7 +46,7 @@ int drawnSeed() {
 ConvergenceSettings convergenceSettings(const RunOptions& options) {
     ConvergenceSettings settings;
     if (options.converge == "stdev") {
-        settings.criterion = ConvergenceCriterion::Stdev;
+        settings.criterion = ConvergenceCriterion::StandardDeviation;
     } else if (options.converge.starts_with("percentile=")) {
         settings.criterion = ConvergenceCriterion::Percentile;
         settings.percentile = parseNumber(options.converge.substr(11)).value_or(50);

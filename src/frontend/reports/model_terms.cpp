@@ -22,6 +22,25 @@ std::string withoutPrefix(std::string_view wrapper) {
     }
     return std::string(wrapper);
 }
+
+std::string scenarioText(const ScenarioRange& range) {
+    return readableNumber(range.lower) + " to " + readableNumber(range.upper) +
+           (range.inSteps ? " in steps of " + readableNumber(range.step) : "");
+}
+
+std::string distributionText(const Field& field) {
+    std::string parameters;
+    for (int i = 0; i < lawParameterCount(field.law); ++i) {
+        parameters += parameters.empty() ? "" : ", ";
+        parameters += lawParameterName(field.law, i) + " " + readableNumber(field.parameters[i]);
+    }
+    std::string text = lawName(field.law) + (parameters.empty() ? "" : "(" + parameters + ")");
+    if (field.lowerProbability > 0 || field.upperProbability < 1) {
+        text += " truncated to probabilities " + readableNumber(field.lowerProbability) + " to " +
+                readableNumber(field.upperProbability);
+    }
+    return text;
+}
 }  // namespace
 
 std::string lawName(int law) {
@@ -61,7 +80,7 @@ std::string_view kindName(FieldKind kind) {
     switch (kind) {
         case FieldKind::Distribution:
             return "distribution";
-        case FieldKind::Scenario:
+        case FieldKind::ScenarioVariable:
             return "scenario";
         case FieldKind::Result:
             return "result";
@@ -72,31 +91,17 @@ std::string_view kindName(FieldKind kind) {
 }
 
 std::string fieldDescription(const Field& field) {
-    std::string text;
     switch (field.kind) {
-        case FieldKind::Distribution: {
-            text = lawName(field.law);
-            std::string parameters;
-            for (int i = 0; i < lawParameterCount(field.law); ++i) {
-                parameters += parameters.empty() ? "" : ", ";
-                parameters += lawParameterName(field.law, i) + " " + readableNumber(field.parameters[i]);
-            }
-            text += parameters.empty() ? "" : "(" + parameters + ")";
-            if (field.lowerProbability > 0 || field.upperProbability < 1) {
-                text += " truncated to probabilities " + readableNumber(field.lowerProbability) + " to " +
-                        readableNumber(field.upperProbability);
-            }
-            return text;
-        }
-        case FieldKind::Scenario:
-            text = readableNumber(field.parameters[0]) + " to " + readableNumber(field.parameters[1]);
-            return field.parameters[2] == 1 ? text : text + " in steps of " + readableNumber(field.parameters[3]);
+        case FieldKind::Distribution:
+            return distributionText(field);
+        case FieldKind::ScenarioVariable:
+            return scenarioText(field.scenarioRange());
         case FieldKind::Result:
             return field.watched ? "marked for convergence" : "";
         case FieldKind::Statistic:
             return statisticName(field.statistic);
     }
-    return text;
+    return "";
 }
 
 }  // namespace quorva::frontend

@@ -201,7 +201,7 @@ std::string resultSection(const ResultView& view, const RunSettings& settings, b
 /// One row per field, results first.
 HtmlTable fieldRows(const RunResults& results, HtmlTable table, std::vector<std::string> (*cells)(const Summary&)) {
     for (const FieldKind kind :
-         {FieldKind::Result, FieldKind::Distribution, FieldKind::Scenario, FieldKind::Statistic}) {
+         {FieldKind::Result, FieldKind::Distribution, FieldKind::ScenarioVariable, FieldKind::Statistic}) {
         for (const Summary& summary : results.summary) {
             if (summary.kind == kind) {
                 auto& row = table.rows.emplace_back(cells(summary));
@@ -405,7 +405,7 @@ std::string htmlReport(const RunResults& results) {
         out += "<section><h2>Requirements</h2>" + requirementsSection(results) + "</section>\n";
     }
     const bool scenarios = std::any_of(results.fields.begin(), results.fields.end(),
-                                       [](const Field& field) { return field.kind == FieldKind::Scenario; });
+                                       [](const Field& field) { return field.kind == FieldKind::ScenarioVariable; });
     for (const ResultView& view : views) {
         out += resultSection(view, results.settings, scenarios);
     }

@@ -43,7 +43,7 @@ Json parametersJson(const Field& field) {
         for (int i = 0; i < lawParameterCount(field.law); ++i) {
             parameters[lawParameterName(field.law, i)] = number(field.parameters[i]);
         }
-    } else if (field.kind == FieldKind::Scenario) {
+    } else if (field.kind == FieldKind::ScenarioVariable) {
         constexpr const char* names[] = {"lower", "upper", "type", "step"};
         for (int i = 0; i < 4; ++i) {
             parameters[names[i]] = number(field.parameters[i]);

@@ -173,7 +173,7 @@ std::string summaryText(const RunResults& results) {
     out += wrapped(head + ", seed " + std::to_string(settings.seed), "", "") + "\n";
     out += summaryTable(results, FieldKind::Result, "Results");
     out += summaryTable(results, FieldKind::Distribution, "Inputs");
-    out += summaryTable(results, FieldKind::Scenario, "Scenario variables");
+    out += summaryTable(results, FieldKind::ScenarioVariable, "Scenario variables");
     out += summaryTable(results, FieldKind::Statistic, "Statistics");
     out += driversText(results) + tornadoText(results) + capabilityText(results) + requirementsText(results);
     if (results.convergence && results.convergence->converged) {

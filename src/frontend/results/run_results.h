@@ -10,8 +10,12 @@
 
 namespace quorva::frontend {
 
-/// The numbers are those of the run's field table.
-enum class FieldKind { Distribution = 1, Scenario = 2, Result = 3, Statistic = 4 };
+/// What a scenario variable may be.
+struct ScenarioRange {
+    double lower, upper;
+    bool inSteps;  ///< or anything between the bounds
+    double step;
+};
 
 /// A field of the model as it described itself.
 struct Field {
@@ -21,14 +25,21 @@ struct Field {
     int row = 0;  ///< 0-based, as the host gives it
     int column = 0;
     FieldKind kind = FieldKind::Distribution;
-    int law = 0;                         ///< distribution: law identifier
-    int statistic = 0;                   ///< statistic: statistic identifier
-    std::array<double, 4> parameters{};  ///< distribution: law parameters; scenario: lower, upper, type, step
-    double defaultValue = 0;             ///< shown outside a run; NaN for results and statistics
-    double lowerProbability = 0;         ///< distribution: bounds of the draw
+    int law = 0;        ///< distribution: law identifier
+    int statistic = 0;  ///< statistic: statistic identifier
+    /// Distribution: law parameters; scenario variable: lower, upper, type (ScenarioMode), step.
+    std::array<double, 4> parameters{};
+    double defaultValue = 0;      ///< shown outside a run; NaN for results and statistics
+    double lowerProbability = 0;  ///< distribution: bounds of the draw
     double upperProbability = 1;
     bool watched = false;              ///< result: marked for convergence
     bool unresolvedReference = false;  ///< statistic: describes a cell that is no field of its own sheet
+
+    /// Of a scenario variable.
+    ScenarioRange scenarioRange() const {
+        const auto [lower, upper, type, step] = parameters;
+        return {lower, upper, type != static_cast<double>(ScenarioMode::Quantitative), step};
+    }
 };
 
 /// Probabilities of the reported percentiles, in percent.

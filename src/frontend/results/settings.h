@@ -1,10 +1,11 @@
 // What a run is asked to do. Plain values; every front end (command line, macro) fills the same structures.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "quorva/wire_format.h"
 
 namespace quorva::frontend {
 
@@ -25,10 +26,8 @@ struct SpecificationLimits {
     double target;
 };
 
-/// The statistic whose confidence interval has to settle; the numbers are those of Cpp_SimBegin.
-enum class ConvergenceCriterion { Mean = 1, Stdev = 2, Percentile = 3 };
-
 struct ConvergenceSettings {
+    /// The statistic whose confidence interval has to settle.
     ConvergenceCriterion criterion = ConvergenceCriterion::Mean;
     double percentile = 50.0;       ///< in percent, for Percentile
     double tolerancePercent = 3.0;  ///< largest accepted movement of a bound between two checks
@@ -37,11 +36,7 @@ struct ConvergenceSettings {
     bool allResults = false;        ///< watch every result, marked or not
 };
 
-/// How far the inputs move in the one-at-a-time analysis.
-enum class TornadoSpread { Interval, Band };
-/// Where the inputs stand that do not move.
-enum class TornadoBase { Median, Default };
-
+/// The one-at-a-time analysis.
 struct TornadoSettings {
     int points = 5;
     TornadoSpread spread = TornadoSpread::Interval;
@@ -52,7 +47,6 @@ struct TornadoSettings {
 enum class SensitivityMeasure { Rank, Linear };
 
 constexpr int largestStrata = 100000;
-constexpr std::int64_t largestSampleCells = 64'000'000;
 
 struct RunSettings {
     int iterations = 10000;

@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <type_traits>
 #include <utility>
 
-#include "common/missing_value.h"
+#include "frontend/run/missing_numbers.h"
 #include "frontend/run/parallel.h"
 #include "frontend/run/statistics.h"
 #include "frontend/text/text.h"
@@ -15,8 +14,6 @@
 namespace quorva::frontend {
 
 namespace {
-constexpr double none = std::numeric_limits<double>::quiet_NaN();
-
 /// Distributions, then results: the order of the module's reduced matrix.
 std::vector<std::size_t> correlatedFields(const std::vector<Field>& fields) {
     std::vector<std::size_t> order;
@@ -58,17 +55,20 @@ double largestDifference(const LabelledMatrix& a, const LabelledMatrix& b) {
 Sensitivity sensitivityOf(std::size_t result, const std::vector<Field>& fields, std::vector<double>& table,
                           int distributions) {
     const int n = static_cast<int>(fields.size());
-    std::vector<double> rows(static_cast<std::size_t>(distributions) * 4);
-    Cpp_GetSensitivity(n, table.data(), distributions, static_cast<int>(result) + 1, 1, rows.data());
+    const std::size_t rows = distributions;
+    std::vector<double> ranked(rows * sensitivitycolumn::columns);
+    constexpr int largestFirst = 1;
+    Cpp_GetSensitivity(n, table.data(), distributions, static_cast<int>(result) + 1, largestFirst, ranked.data());
     Sensitivity sensitivity{fields[result].name, {}};
     std::vector<SensitivityInput> undefined;
-    for (int k = 0; k < distributions; ++k) {
-        const std::string& name = fields[static_cast<std::size_t>(rows[k]) - 1].name;
-        const double correlation = rows[distributions + k];
+    for (std::size_t row = 1; row <= rows; ++row) {
+        const auto column = [&](int c) { return ranked[tableElement(row, c, rows)]; };
+        const std::string& name = fields[static_cast<std::size_t>(column(sensitivitycolumn::field)) - 1].name;
+        const double correlation = column(sensitivitycolumn::association);
         if (correlation == MissingValue) {
-            undefined.push_back({name, none, none});
+            undefined.push_back({name, noNumber, noNumber});
         } else {
-            sensitivity.inputs.push_back({name, correlation, rows[2 * distributions + k]});
+            sensitivity.inputs.push_back({name, correlation, column(sensitivitycolumn::contribution)});
         }
     }
     sensitivity.inputs.insert(sensitivity.inputs.end(), undefined.begin(), undefined.end());
@@ -86,8 +86,7 @@ std::vector<Sensitivity> sensitivities(const RunSettings& settings, const std::v
     for (std::size_t a = 0; a < order.size(); ++a) {
         distributions += fields[order[a]].kind == FieldKind::Distribution ? 1 : 0;
         for (std::size_t b = 0; b < order.size(); ++b) {
-            const double value = matrix.at(a, b);
-            table[order[b] * n + order[a]] = std::isnan(value) ? MissingValue : value;
+            table[tableElement(order[a] + 1, static_cast<int>(order[b]) + 1, n)] = toModule(matrix.at(a, b));
         }
     }
     std::vector<Sensitivity> all;
@@ -103,7 +102,7 @@ std::string criterionText(const ConvergenceSettings& settings) {
     switch (settings.criterion) {
         case ConvergenceCriterion::Mean:
             return "mean";
-        case ConvergenceCriterion::Stdev:
+        case ConvergenceCriterion::StandardDeviation:
             return "stdev";
         case ConvergenceCriterion::Percentile:
             return "percentile=" + exactNumber(settings.percentile);
@@ -122,12 +121,12 @@ Convergence convergenceOf(const ConvergenceSettings& settings, const std::vector
         ConvergenceCheck check{iteration, {}};
         for (const std::size_t i : record.watched) {
             const std::span<const double> values(record.samples.columns[i].data(), iteration);
-            ConvergenceBound bound{fields[i].name, none, none, none};
+            ConvergenceBound bound{fields[i].name, noNumber, noNumber, noNumber};
             switch (settings.criterion) {
                 case ConvergenceCriterion::Mean:
                     meanInterval(values, settings.confidence, bound.lower, bound.upper);
                     break;
-                case ConvergenceCriterion::Stdev:
+                case ConvergenceCriterion::StandardDeviation:
                     stdevInterval(values, settings.confidence, bound.lower, bound.upper);
                     break;
                 case ConvergenceCriterion::Percentile:
@@ -198,17 +197,17 @@ void warnOfValues(const Field& field, const Summary& summary, int iterations, st
 /// A scenario variable that moves in steps may need more points than there are to cross its interval.
 void warnOfSteps(const TornadoSettings& tornado, RunResults& results) {
     for (const Field& field : results.fields) {
-        const auto [lower, upper, type, step] = field.parameters;
-        if (field.kind != FieldKind::Scenario || type == 1 || !(step > 0)) {
+        const ScenarioRange range = field.scenarioRange();
+        if (field.kind != FieldKind::ScenarioVariable || !range.inSteps || !(range.step > 0)) {
             continue;
         }
-        const double last = lower + (tornado.points - 1) * step;
-        if (last + step <= upper) {
+        const double last = range.lower + (tornado.points - 1) * range.step;
+        if (last + range.step <= range.upper) {
+            const double steps = std::floor((range.upper - range.lower) / range.step);
             results.warnings.push_back("the tornado moves '" + field.name + "' (" + cellOf(field) + ") in steps of " +
-                                       readableNumber(step) + " from " + readableNumber(lower) + " to " +
-                                       readableNumber(last) + " only; --points " +
-                                       readableNumber(std::floor((upper - lower) / step) + 1) + " reaches " +
-                                       readableNumber(lower + std::floor((upper - lower) / step) * step));
+                                       readableNumber(range.step) + " from " + readableNumber(range.lower) + " to " +
+                                       readableNumber(last) + " only; --points " + readableNumber(steps + 1) +
+                                       " reaches " + readableNumber(range.lower + steps * range.step));
         }
     }
 }

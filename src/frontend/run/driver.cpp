@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <utility>
 
-#include "common/missing_value.h"
 #include "frontend/run/analysis.h"
 #include "frontend/run/host_arrays.h"
+#include "frontend/run/missing_numbers.h"
 #include "frontend/run/parallel.h"
 #include "frontend/run/run_errors.h"
 #include "frontend/run/statistics.h"
@@ -17,8 +16,6 @@
 namespace quorva::frontend {
 
 namespace {
-constexpr double none = std::numeric_limits<double>::quiet_NaN();
-
 /// Counts that Cpp_SimBegin returns.
 struct Counts {
     int fields = 0, distributions = 0, scenarios = 0, results = 0, statistics = 0;
@@ -30,18 +27,16 @@ std::vector<double> columnMajor(const LabelledMatrix& matrix) {
     std::vector<double> values(n * n);
     for (std::size_t i = 0; i < n; ++i) {
         for (std::size_t j = 0; j < n; ++j) {
-            values[j * n + i] = std::isnan(matrix.at(i, j)) ? MissingValue : matrix.at(i, j);
+            values[tableElement(i + 1, static_cast<int>(j) + 1, n)] = toModule(matrix.at(i, j));
         }
     }
     return values;
 }
 
-double orMissing(double value) { return std::isnan(value) ? MissingValue : value; }
-
-/// Registration and description passes. Returns the code of Cpp_SimInit2: 0, or 2 with the repaired matrix in
-/// `correlation`.
-int prepare(const RunSettings& settings, std::optional<LabelledMatrix>& correlation, const Host& host,
-            const std::vector<Field>& fields) {
+/// Registration and description passes. False when the correlation matrix was repaired: the repaired one is in
+/// `correlation`, and the fields have not described themselves.
+bool prepare(const RunSettings& settings, std::optional<LabelledMatrix>& correlation, const Host& host,
+             const std::vector<Field>& fields) {
     int seed = settings.seed, used = 0;
     Cpp_SimInit(toHostBool(settings.workbookModel), &seed, hostTrue, &used);
     host.recalculate();
@@ -53,9 +48,9 @@ int prepare(const RunSettings& settings, std::optional<LabelledMatrix>& correlat
     std::vector<double> lower, upper, target;
     for (const SpecificationLimits& limits : settings.capability) {
         limitNames.push_back(limits.name);
-        lower.push_back(orMissing(limits.lower));
-        upper.push_back(orMissing(limits.upper));
-        target.push_back(orMissing(limits.target));
+        lower.push_back(toModule(limits.lower));
+        upper.push_back(toModule(limits.upper));
+        target.push_back(toModule(limits.target));
     }
     HostLabels limitLabels(limitNames);
     const int code = Cpp_SimInit2(toHostBool(correlated), correlated ? static_cast<int>(correlation->names.size()) : 0,
@@ -65,17 +60,17 @@ int prepare(const RunSettings& settings, std::optional<LabelledMatrix>& correlat
     if (code < 0) {
         throw runError(code, fields);
     }
-    if (code == 2) {
+    if (code == callcode::matrixRepaired) {
         const std::size_t n = correlation->names.size();
         for (std::size_t i = 0; i < n; ++i) {
             for (std::size_t j = 0; j < n; ++j) {
-                correlation->at(i, j) = matrix[j * n + i];
+                correlation->at(i, j) = matrix[tableElement(i + 1, static_cast<int>(j) + 1, n)];
             }
         }
-        return code;
+        return false;
     }
     host.recalculate();
-    return code;
+    return true;
 }
 
 Counts begin(const RunSettings& settings, bool monitored, bool everyResult, const std::vector<Field>& fields) {
@@ -94,55 +89,57 @@ Counts begin(const RunSettings& settings, bool monitored, bool everyResult, cons
 
 /// What Cpp_SimEnd hands over.
 struct EndTables {
-    std::vector<double> general;  ///< fields x 14
+    std::vector<double> general;
     std::vector<std::string> names, sheets;
-    std::vector<double> intervals;  ///< fields x 5
+    std::vector<double> intervals;
 };
 
 EndTables end(const Counts& counts, double tail, int iterations) {
-    const std::size_t n = counts.fields, bounds = 2 * static_cast<std::size_t>(counts.results);
+    const std::size_t n = counts.fields;
+    const auto bounds = static_cast<std::size_t>(std::max(convergencecolumn::columns(counts.results), 1));
     EndTables tables;
-    tables.general.resize(n * 14);
-    tables.intervals.resize(n * 5);
-    HostStrings texts(n * 2), watched(std::max<std::size_t>(bounds, 1));
-    std::vector<double> convergence(2 * std::max<std::size_t>(bounds, 1));
+    tables.general.resize(n * generalcolumn::columns);
+    tables.intervals.resize(n * intervalcolumn::columns);
+    HostStrings texts(n * namecolumn::columns), watched(bounds);
+    std::vector<double> convergence(bounds * convergencerow::rows);
     int last = 0;
     Cpp_SimEnd(tail, iterations, tables.general.data(), texts.data(), convergence.data(), watched.data(), &last,
                tables.intervals.data());
-    for (std::size_t i = 0; i < n; ++i) {
-        tables.names.push_back(texts.utf8(i));
-        tables.sheets.push_back(sheetOfHostName(texts.utf8(n + i)));
+    for (std::size_t row = 1; row <= n; ++row) {
+        tables.names.push_back(texts.utf8(tableElement(row, namecolumn::field, n)));
+        tables.sheets.push_back(sheetOfHostName(texts.utf8(tableElement(row, namecolumn::sheet, n))));
     }
     return tables;
 }
 
 Field fieldOf(const EndTables& tables, std::size_t index, bool workbookModel) {
     const std::size_t n = tables.names.size();
-    const auto column = [&](int c) { return tables.general[static_cast<std::size_t>(c - 1) * n + index]; };
+    const auto column = [&](int c) { return tables.general[tableElement(index + 1, c, n)]; };
     Field field;
     field.number = static_cast<int>(index) + 1;
     field.name = tables.names[index];
     field.sheet = tables.sheets[index];
-    field.kind = static_cast<FieldKind>(static_cast<int>(column(1)));
-    field.row = static_cast<int>(column(3));
-    field.column = static_cast<int>(column(4));
-    field.defaultValue = none;
+    field.kind = static_cast<FieldKind>(static_cast<int>(column(generalcolumn::kind)));
+    field.row = static_cast<int>(column(generalcolumn::row));
+    field.column = static_cast<int>(column(generalcolumn::column));
+    field.defaultValue = noNumber;
     switch (field.kind) {
         case FieldKind::Distribution:
-            field.law = static_cast<int>(column(2));
-            field.lowerProbability = column(13);
-            field.upperProbability = column(14);
+            field.law = static_cast<int>(column(generalcolumn::law));
+            field.lowerProbability = column(generalcolumn::lowerProbability);
+            field.upperProbability = column(generalcolumn::upperProbability);
             [[fallthrough]];
-        case FieldKind::Scenario:
-            field.parameters = {column(7), column(8), column(9), column(10)};
-            field.defaultValue = column(11) == MissingValue ? none : column(11);
+        case FieldKind::ScenarioVariable:
+            field.parameters = {column(generalcolumn::param1), column(generalcolumn::param2),
+                                column(generalcolumn::param3), column(generalcolumn::param4)};
+            field.defaultValue = fromModule(column(generalcolumn::defaultValue));
             break;
         case FieldKind::Result:
-            field.watched = column(6) > 0;
+            field.watched = column(generalcolumn::convergence) > 0;
             break;
         case FieldKind::Statistic:
-            field.statistic = static_cast<int>(column(2));
-            field.unresolvedReference = workbookModel && column(9) < 1;
+            field.statistic = static_cast<int>(column(generalcolumn::statistic));
+            field.unresolvedReference = workbookModel && column(generalcolumn::referenceSheet) < 1;
             break;
     }
     return field;
@@ -153,7 +150,7 @@ Field fieldOf(const EndTables& tables, std::size_t index, bool workbookModel) {
 class StdevMonitor {
 public:
     StdevMonitor(const ConvergenceSettings& settings, std::vector<std::size_t> results)
-        : settings_(settings), results_(std::move(results)), bounds_(2 * results_.size(), none) {}
+        : settings_(settings), results_(std::move(results)), bounds_(2 * results_.size(), noNumber) {}
 
     bool converged(int iteration) {
         const bool first = std::exchange(first_, false);
@@ -193,7 +190,7 @@ void iterate(const RunSettings& settings, const std::vector<Field>& fields, bool
             record.interrupted = true;
             break;
         }
-        if (const int code = Cpp_SimNext(); code != 0) {
+        if (const int code = Cpp_SimNext(); code != callcode::success) {
             throw runError(code, fields);
         }
         host.recalculate();
@@ -206,14 +203,14 @@ void iterate(const RunSettings& settings, const std::vector<Field>& fields, bool
         observer.progress(k, settings.iterations);
         if (settings.convergence && k % settings.convergence->checkEvery == 0) {
             record.checks.push_back(k);
-            if (stdev ? stdev->converged(k) : Cpp_SimConv() == 1) {
+            if (stdev ? stdev->converged(k) : Cpp_SimConv() == callcode::converged) {
                 record.convergedAt = k;
                 break;
             }
         }
     }
     if (runErrorPending()) {
-        throw runError(-1, fields);
+        throw runError(callcode::errorRecorded, fields);
     }
 }
 
@@ -228,13 +225,11 @@ void fetchSamples(const std::vector<Field>& fields, const Gaps& gaps, RunRecord&
         Cpp_GetSimRes(fields[i].number, record.iterations, column.data());
         for (const int k : gaps[i]) {
             if (column[k] == 0) {
-                column[k] = none;
+                column[k] = noNumber;
             }
         }
         for (double& value : column) {
-            if (!std::isfinite(value) || value == MissingValue) {
-                value = none;
-            }
+            value = numberOrNone(value);
         }
     }
 }
@@ -249,10 +244,12 @@ void takeIntervals(const RunSettings& settings, const std::vector<Field>& fields
             return;
         }
         const Interval interval = centralInterval(fields[i], sortColumn(column), settings.tail);
-        const double values[] = {interval.lower, interval.median, interval.upper, interval.minimum, interval.maximum};
-        for (std::size_t c = 0; c < 5; ++c) {
-            record.intervals[c * n + i] = values[c];
-        }
+        const auto put = [&](int c, double value) { record.intervals[tableElement(i + 1, c, n)] = value; };
+        put(intervalcolumn::lower, interval.lower);
+        put(intervalcolumn::median, interval.median);
+        put(intervalcolumn::upper, interval.upper);
+        put(intervalcolumn::minimum, interval.minimum);
+        put(intervalcolumn::maximum, interval.maximum);
     });
 }
 
@@ -274,12 +271,12 @@ std::vector<std::size_t> watchedResults(const RunSettings& settings, const std::
 
 void checkSize(const RunSettings& settings, std::size_t fields) {
     const auto cells = static_cast<std::int64_t>(settings.iterations) * static_cast<std::int64_t>(fields);
-    if (cells > largestSampleCells) {
+    if (cells > limit::sampleCells) {
         throw CommandFailure(
             ExitStatus::Usage,
             std::to_string(settings.iterations) + " iterations of " + std::to_string(fields) + " fields are " +
                 std::to_string(cells) + " values; at most 64,000,000 fit: ask for at most " +
-                std::to_string(largestSampleCells / static_cast<std::int64_t>(fields)) + " iterations");
+                std::to_string(limit::sampleCells / static_cast<std::int64_t>(fields)) + " iterations");
     }
 }
 
@@ -315,7 +312,7 @@ RunRecord drawRun(const RunSettings& settings, const std::vector<Field>& fields,
     }
     // A repaired matrix would serve as its own factor in this run; started again, the run finds a proper factor for it.
     constexpr int mostRepairs = 3;
-    for (int repairs = 0; prepare(settings, correlation, host, fields) == 2; ++repairs) {
+    for (int repairs = 0; !prepare(settings, correlation, host, fields); ++repairs) {
         if (repairs == mostRepairs) {
             throw CommandFailure(ExitStatus::Model, "the correlation matrix is impossible and could not be repaired");
         }
@@ -323,7 +320,8 @@ RunRecord drawRun(const RunSettings& settings, const std::vector<Field>& fields,
     }
     bool everyResult = false;
     record.watched = watchedResults(settings, fields, everyResult);
-    const bool monitored = settings.convergence && settings.convergence->criterion != ConvergenceCriterion::Stdev;
+    const bool monitored =
+        settings.convergence && settings.convergence->criterion != ConvergenceCriterion::StandardDeviation;
     const Counts counts = begin(settings, monitored, everyResult, fields);
     if (counts.fields != static_cast<int>(fields.size())) {
         throw CommandFailure(ExitStatus::Model, "the number of fields changes from one recalculation to the next");

@@ -42,7 +42,7 @@ struct RunRecord {
     int convergedAt = 0;
     std::vector<int> checks;           ///< iterations at which convergence was looked at
     std::vector<std::size_t> watched;  ///< indices of the results that convergence watches
-    std::vector<double> intervals;     ///< fields x 5, column by column: lower, median, upper, minimum, maximum
+    std::vector<double> intervals;     ///< a row per field, the columns of intervalcolumn
     std::optional<LabelledMatrix> repaired;
     SampleTable samples;
     std::vector<Tornado> tornado;

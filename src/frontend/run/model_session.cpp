@@ -10,7 +10,8 @@ namespace quorva::frontend {
 using workbook::CellValue;
 
 namespace {
-constexpr int mostTableRows = 10'001;
+/// Names, and an entry for every field that a model can have.
+constexpr int mostTableRows = limit::fields + 1;
 
 TableCell tableCell(const CellValue& value) {
     switch (value.type) {

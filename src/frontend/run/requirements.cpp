@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <optional>
 
+#include "frontend/run/missing_numbers.h"
 #include "frontend/run/statistics.h"
 #include "frontend/text/command_failure.h"
 #include "frontend/text/text.h"
@@ -212,7 +212,7 @@ double capabilityValue(const Requirement& requirement, const RunResults& results
             return capability.indices[requirement.capabilityIndex];
         }
     }
-    return std::numeric_limits<double>::quiet_NaN();
+    return noNumber;
 }
 
 double measured(const Requirement& requirement, const RunResults& results) {
@@ -248,7 +248,7 @@ double measured(const Requirement& requirement, const RunResults& results) {
                 break;
         }
     }
-    return std::numeric_limits<double>::quiet_NaN();
+    return noNumber;
 }
 }  // namespace
 

@@ -8,7 +8,7 @@ namespace quorva::frontend {
 
 namespace {
 struct ErrorRecord {
-    int code = 0;
+    int code = runerror::none;
     int row = 0;
     int column = 0;
     std::vector<std::string> texts;
@@ -17,7 +17,7 @@ struct ErrorRecord {
 /// First location, or with `second` the second one and the extra text.
 ErrorRecord readError(bool second) {
     ErrorRecord record;
-    record.row = second ? -1 : 0;
+    record.row = second ? askForSecondCell : 0;
     HostLabels texts;
     Cpp_SimError(&record.code, &record.row, &record.column, texts.address());
     record.texts = texts.utf8();
@@ -53,24 +53,24 @@ std::string nothingToSimulate() {
 std::string sentence(int code, const ErrorRecord& first, const std::vector<Field>& fields) {
     const std::string where = place(first, fields);
     switch (code) {
-        case -10:
+        case runerror::cellTaken:
             return where +
                    " holds two model functions; a cell can be one field only: give the second one a cell of "
                    "its own";
-        case -11:
+        case runerror::notDescribed:
             return where +
                    " holds a model function that was not there when the run was prepared; a model function "
                    "must not appear or vanish during a run, as it does when an argument is an error or a text "
                    "before the run, with every input at its default value, and a number later";
-        case -13:
+        case runerror::tooManyFields:
             return where + ": more than 10,000 fields";
-        case -14:
+        case runerror::noDrawInBounds:
             return where + ": no draw fell within the truncation bounds; widen them or check their order";
-        case -15:
+        case runerror::cellBeyondGrid:
             return where + " lies beyond row 65,000 or column 255 (IU), where model functions cannot stand";
-        case -16:
+        case runerror::tooManySheets:
             return where + ": model functions on more than 10 sheets, or on a sheet that is not part of the model";
-        case -17: {
+        case runerror::duplicateName: {
             const ErrorRecord second = readError(true);
             const std::string name = second.texts.size() > 1 ? second.texts[1] : "";
             return "two fields are named '" + name + "': " + place(first, {}) + " and " + place(second, {}) +
@@ -82,22 +82,22 @@ std::string sentence(int code, const ErrorRecord& first, const std::vector<Field
 }
 }  // namespace
 
-bool runErrorPending() { return readError(false).code != 0; }
+bool runErrorPending() { return readError(false).code != runerror::none; }
 
 CommandFailure runError(int code, const std::vector<Field>& fields) {
     const ErrorRecord first = readError(false);
-    if (first.code != 0) {
+    if (first.code != runerror::none) {
         return {ExitStatus::Model, sentence(first.code, first, fields)};
     }
     switch (code) {
-        case -1:
+        case callcode::labelUnknown:
             return {ExitStatus::Model, "a label of the correlation matrix matches no distribution of the model"};
-        case -2:
+        case callcode::modelIncomplete:  // the number of matrixUnusable too
             return {ExitStatus::Model,
                     "the correlation matrix is impossible and could not be repaired, or " + nothingToSimulate()};
-        case -3:
+        case callcode::nothingRegistered:
             return {ExitStatus::Model, nothingToSimulate()};
-        case -12:
+        case callcode::tooManyCells:
             return {ExitStatus::Usage, "more than 64,000,000 values (iterations x fields); ask for fewer iterations"};
         default:
             return {ExitStatus::Internal, "the module answered with code " + std::to_string(code)};

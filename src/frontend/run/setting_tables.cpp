@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <optional>
 #include <set>
 
+#include "frontend/run/missing_numbers.h"
 #include "frontend/text/command_failure.h"
 #include "frontend/text/csv.h"
 #include "frontend/text/text.h"
@@ -13,8 +13,6 @@
 namespace quorva::frontend {
 
 namespace {
-constexpr double absent = std::numeric_limits<double>::quiet_NaN();
-
 [[noreturn]] void refuse(const std::string& source, const std::string& cause) {
     throw CommandFailure(ExitStatus::Model, source + ": " + cause);
 }
@@ -55,7 +53,7 @@ CellTable withoutEmptyEdges(CellTable table) {
 
 double numberOf(const TableCell& cell, const std::string& source, std::size_t row, std::size_t column) {
     if (isEmpty(cell)) {
-        return absent;
+        return noNumber;
     }
     const auto* number = std::get_if<double>(&cell);
     const auto value = number ? std::optional(*number) : parseNumber(textOf(cell));
@@ -163,7 +161,7 @@ LabelledMatrix correlationFromTable(const CellTable& given, const std::string& s
         refuse(source, "the correlation matrix is not square: " + std::to_string(n) + " rows and " +
                            std::to_string(table[0].size() - 1) + " columns beside the names");
     }
-    LabelledMatrix matrix{{}, std::vector<double>(n * n, absent)};
+    LabelledMatrix matrix{{}, std::vector<double>(n * n, noNumber)};
     for (std::size_t i = 0; i < n; ++i) {
         const std::string name(trimmed(textOf(table[i + 1][0])));
         const std::string above(trimmed(textOf(table[0][i + 1])));
@@ -204,7 +202,7 @@ std::vector<SpecificationLimits> capabilityFromTable(const CellTable& given, con
         if (std::all_of(row.begin(), row.end(), isEmpty)) {
             continue;
         }
-        const auto value = [&](std::size_t j) { return j < row.size() ? numberOf(row[j], source, i, j) : absent; };
+        const auto value = [&](std::size_t j) { return j < row.size() ? numberOf(row[j], source, i, j) : noNumber; };
         SpecificationLimits limit{std::string(trimmed(textOf(row[0]))), value(1), value(2), value(3)};
         if (limit.name.empty()) {
             refuse(source, "row " + std::to_string(i + 1) + " has no name");

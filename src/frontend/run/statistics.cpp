@@ -5,10 +5,9 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <utility>
 
-#include "common/missing_value.h"
+#include "frontend/run/missing_numbers.h"
 #include "frontend/run/parallel.h"
 #include "numerics/core.h"
 #include "numerics/laws.h"
@@ -18,11 +17,6 @@
 namespace quorva::frontend {
 
 namespace {
-constexpr double none = std::numeric_limits<double>::quiet_NaN();
-
-double orNone(double value) { return value == MissingValue ? none : value; }
-double orMissing(double value) { return std::isnan(value) ? MissingValue : value; }
-
 struct Keyed {
     std::uint64_t key;
     int position;
@@ -95,7 +89,7 @@ SortedColumn sortColumn(std::span<const double> column) {
 
 double quantileOfSorted(std::span<const double> sorted, double p) {
     if (sorted.empty()) {
-        return none;
+        return noNumber;
     }
     const double position = static_cast<double>(sorted.size() - 1) * p;
     const auto below = static_cast<std::size_t>(position);
@@ -122,7 +116,7 @@ Summary summarise(const Field& field, std::span<const double> column, const Sort
                         kurtosisPearson, summary.skewness, summary.kurtosis, errorSkewness, errorKurtosis, nullptr,
                         nullptr, 0, 0);
     for (double* value : {&summary.mean, &summary.variance, &summary.skewness, &summary.kurtosis}) {
-        *value = orNone(*value);
+        *value = fromModule(*value);
     }
     summary.stdev = std::sqrt(summary.variance);
     summary.standardError = summary.stdev / std::sqrt(static_cast<double>(summary.count));
@@ -177,7 +171,7 @@ Histogram histogramOf(const SortedColumn& sorted) {
 }
 
 std::vector<double> ranksOf(std::span<const double> column, const SortedColumn& sorted) {
-    std::vector<double> ranks(column.size(), none);
+    std::vector<double> ranks(column.size(), noNumber);
     const std::size_t n = sorted.values.size();
     for (std::size_t first = 0; first < n;) {
         std::size_t last = first;
@@ -245,13 +239,13 @@ double pairwiseCorrelation(const std::vector<double>& a, const std::vector<doubl
     }
     standardise(x);
     standardise(y);
-    return x.empty() || y.empty() ? none : std::clamp(product(x, y), -1.0, 1.0);
+    return x.empty() || y.empty() ? noNumber : std::clamp(product(x, y), -1.0, 1.0);
 }
 }  // namespace
 
 LabelledMatrix correlationMatrix(std::vector<std::string> names, std::vector<std::vector<double>> columns) {
     const std::size_t n = columns.size();
-    LabelledMatrix matrix{std::move(names), std::vector<double>(n * n, none)};
+    LabelledMatrix matrix{std::move(names), std::vector<double>(n * n, noNumber)};
     std::vector<bool> gaps(n);
     for (std::size_t i = 0; i < n; ++i) {
         gaps[i] = hasGap(columns[i]);
@@ -281,7 +275,7 @@ LabelledMatrix correlationMatrix(std::vector<std::string> names, std::vector<std
 
 void stdevInterval(std::span<const double> values, double confidence, double& lower, double& upper) {
     const auto n = static_cast<double>(values.size());
-    lower = upper = none;
+    lower = upper = noNumber;
     if (values.size() < 2) {
         return;
     }
@@ -302,19 +296,19 @@ void stdevInterval(std::span<const double> values, double confidence, double& lo
 
 void meanInterval(std::span<const double> values, double confidence, double& lower, double& upper) {
     double mean, stdev;
-    lower = upper = none;
+    lower = upper = noNumber;
     if (values.size() < 2) {
         return;
     }
     V_MeanStdev(values.data(), lengthOf(values), mean, stdev, nullptr, nullptr, -1, 0);
     const double half =
-        InvCDFNormalStd((1 + confidence) / 2) * orNone(stdev) / std::sqrt(static_cast<double>(values.size()));
+        InvCDFNormalStd((1 + confidence) / 2) * fromModule(stdev) / std::sqrt(static_cast<double>(values.size()));
     lower = mean - half;
     upper = mean + half;
 }
 
 void percentileInterval(std::span<const double> values, double p, double confidence, double& lower, double& upper) {
-    lower = upper = none;
+    lower = upper = noNumber;
     if (!values.empty()) {
         V_ConfQuantilesLargeSample(values.data(), lengthOf(values), p, (1 + confidence) / 2, lower, upper);
     }
@@ -337,9 +331,9 @@ Trace traceOf(std::span<const double> column) {
         if (i + 1 == column.size() * point / points) {
             ++point;
             const auto n = static_cast<double>(count);
-            const double half = count > 1 ? z * std::sqrt(squares / (n - 1) / n) : none;
+            const double half = count > 1 ? z * std::sqrt(squares / (n - 1) / n) : noNumber;
             trace.iterations.push_back(static_cast<int>(i + 1));
-            trace.mean.push_back(count > 0 ? mean : none);
+            trace.mean.push_back(count > 0 ? mean : noNumber);
             trace.lower.push_back(mean - half);
             trace.upper.push_back(mean + half);
         }
@@ -350,15 +344,15 @@ Trace traceOf(std::span<const double> column) {
 Capability capabilityOf(const SpecificationLimits& limits, std::span<const double> column, double confidence) {
     Capability capability{limits, {}};
     const std::vector<double> numbers = numbersOf(column);
-    double mean = none, stdev = none;
+    double mean = noNumber, stdev = noNumber;
     if (numbers.size() > 1) {
         V_MeanStdev(numbers.data(), lengthOf(numbers), mean, stdev, nullptr, nullptr, -1, 0);
     }
     for (int index = 1; index <= capabilityIndices; ++index) {
         double value = MissingValue;
-        const int code = calcPcapDescOne(lengthOf(numbers), orMissing(limits.lower), orMissing(limits.upper),
-                                         orMissing(limits.target), confidence, stdev, mean, value, index);
-        capability.indices[index - 1] = code < 0 || !std::isfinite(value) ? none : orNone(value);
+        const int code = calcPcapDescOne(lengthOf(numbers), toModule(limits.lower), toModule(limits.upper),
+                                         toModule(limits.target), confidence, stdev, mean, value, index);
+        capability.indices[index - 1] = code < 0 ? noNumber : numberOrNone(value);
     }
     return capability;
 }

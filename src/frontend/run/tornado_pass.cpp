@@ -4,27 +4,25 @@
 #include <cmath>
 #include <limits>
 
-#include "common/missing_value.h"
 #include "frontend/run/host_arrays.h"
+#include "frontend/run/missing_numbers.h"
 #include "quorva/front_end.h"
 
 namespace quorva::frontend {
 
 namespace {
-constexpr double none = std::numeric_limits<double>::quiet_NaN();
+bool isInput(const Field& field) {
+    return field.kind == FieldKind::Distribution || field.kind == FieldKind::ScenarioVariable;
+}
 
-bool isInput(const Field& field) { return field.kind == FieldKind::Distribution || field.kind == FieldKind::Scenario; }
-
-/// The interval table with the module's shape.
+/// The interval table as the module takes it.
 class IntervalTable {
 public:
     IntervalTable(const std::vector<double>& values, std::size_t fields) : values_(values), fields_(fields) {}
-    double& at(std::size_t field, int column) {
-        return values_[static_cast<std::size_t>(column - 1) * fields_ + field];
-    }
+    double& at(std::size_t field, int column) { return values_[tableElement(field + 1, column, fields_)]; }
     double* data() { return values_.data(); }
-    void exclude(std::size_t field) { at(field, 3) = MissingValue; }
-    bool excluded(std::size_t field) { return at(field, 3) == MissingValue; }
+    void exclude(std::size_t field) { at(field, intervalcolumn::upper) = MissingValue; }
+    bool excluded(std::size_t field) { return at(field, intervalcolumn::upper) == MissingValue; }
 
 private:
     std::vector<double> values_;
@@ -34,7 +32,7 @@ private:
 /// One pass of the module over the inputs that have points.
 class Pass {
 public:
-    Pass(const TornadoPlan& plan, int method, int points) : plan_(plan), method_(method), points_(points) {
+    Pass(const TornadoPlan& plan, TornadoSpread spread, int points) : plan_(plan), spread_(spread), points_(points) {
         for (std::size_t i = 0; i < plan.fields.size(); ++i) {
             if (plan.fields[i].kind == FieldKind::Result) {
                 results_.push_back(i);
@@ -46,9 +44,9 @@ public:
     bool run(IntervalTable table, const Host& host, const Observer& observer) {
         const int n = static_cast<int>(plan_.fields.size());
         HostStrings labels(points_);
-        Cpp_PrepareTor(plan_.settings.base == TornadoBase::Default ? 1 : 0, method_,
-                       method_ == 0 ? plan_.tail : plan_.settings.width, points_, n, &cases_, table.data(),
-                       labels.data());
+        Cpp_PrepareTor(static_cast<int>(plan_.settings.base), static_cast<int>(spread_),
+                       spread_ == TornadoSpread::Interval ? plan_.tail : plan_.settings.width, points_, n, &cases_,
+                       table.data(), labels.data());
         for (int j = 0; j < points_; ++j) {
             labels_.push_back(labels.utf8(j));
         }
@@ -73,7 +71,7 @@ public:
 
     /// Values of a result at the points of an input; NaN where it had none.
     std::vector<double> values(std::size_t result, std::size_t input) {
-        std::vector<double> values(points_, none);
+        std::vector<double> values(points_, noNumber);
         const int order = order_[results_[result]];
         const auto column = std::find(inputs_.begin(), inputs_.end(), plan_.fields[input].number) - inputs_.begin();
         if (order < 1 || column == static_cast<std::ptrdiff_t>(inputs_.size())) {
@@ -82,7 +80,7 @@ public:
         for (int j = 0; j < points_; ++j) {
             const double value = spider_[result][column * points_ + j];
             const bool wrong = wrong_[(input * points_ + j) * results_.size() + result];
-            values[j] = wrong || value == MissingValue || !std::isfinite(value) ? none : value;
+            values[j] = wrong ? noNumber : numberOrNone(value);
         }
         return values;
     }
@@ -99,7 +97,7 @@ private:
         order_.assign(n, 0);
         HostStrings names(n);
         Cpp_GetTornado(cases_, n, table.data(), inputs_.data(), order_.data(), names.data());
-        std::vector<double> tornado(static_cast<std::size_t>(n) * 4);
+        std::vector<double> tornado(static_cast<std::size_t>(n) * tornadocolumn::columns);
         for (const std::size_t result : results_) {
             auto& spider = spider_.emplace_back(static_cast<std::size_t>(points_) * n);
             Cpp_GetTornadoItem(cases_, n, static_cast<int>(result) + 1, table.data(), inputs_.data(), tornado.data(),
@@ -108,7 +106,7 @@ private:
     }
 
     const TornadoPlan& plan_;
-    int method_;
+    TornadoSpread spread_;
     int points_;
     int cases_ = 0;
     std::vector<std::size_t> results_;
@@ -121,10 +119,10 @@ private:
 /// A band point outside the simulated range is not reported, nor is a step of a scenario variable beyond its bounds.
 bool outsideRange(const TornadoPlan& plan, IntervalTable& simulated, std::size_t input, int j) {
     const Field& field = plan.fields[input];
-    if (field.kind == FieldKind::Scenario) {
-        const auto [lower, upper, type, step] = field.parameters;
-        const double point = lower + j * step;
-        return type != 1 && (point < lower || point > upper);
+    if (field.kind == FieldKind::ScenarioVariable) {
+        const ScenarioRange range = field.scenarioRange();
+        const double point = range.lower + j * range.step;
+        return range.inSteps && (point < range.lower || point > range.upper);
     }
     if (plan.settings.spread != TornadoSpread::Band) {
         return false;
@@ -134,18 +132,18 @@ bool outsideRange(const TornadoPlan& plan, IntervalTable& simulated, std::size_t
     if (plan.settings.base == TornadoBase::Default) {
         point = (j * (2 * width / last) + (1 - width)) * field.defaultValue;
     } else {
-        const double median = simulated.at(input, 2);
+        const double median = simulated.at(input, intervalcolumn::median);
         point = j * (2 * median * width / last) + (1 - width) * median;
     }
-    return point < simulated.at(input, 4) || point > simulated.at(input, 5);
+    return point < simulated.at(input, intervalcolumn::minimum) || point > simulated.at(input, intervalcolumn::maximum);
 }
 
 TornadoInput moved(const TornadoPlan& plan, IntervalTable& simulated, std::size_t input, std::vector<double> values) {
-    TornadoInput moved{plan.fields[input].name, none, none, none, std::move(values)};
+    TornadoInput moved{plan.fields[input].name, noNumber, noNumber, noNumber, std::move(values)};
     for (int j = 0; j < plan.settings.points; ++j) {
         double& value = moved.values[j];
         if (outsideRange(plan, simulated, input, j)) {
-            value = none;
+            value = noNumber;
         }
         if (!std::isnan(value)) {
             moved.low = std::isnan(moved.low) ? value : std::min(moved.low, value);
@@ -165,9 +163,10 @@ std::vector<double> baseValues(const TornadoPlan& plan, const Host& host, const 
     for (std::size_t i = 0; i < plan.fields.size(); ++i) {
         table.exclude(i);
     }
-    const double base = plan.settings.base == TornadoBase::Default ? pivot->defaultValue : table.at(input, 2);
-    table.at(input, 1) = table.at(input, 3) = base;
-    Pass pass(plan, 0, 2);
+    const double base =
+        plan.settings.base == TornadoBase::Default ? pivot->defaultValue : table.at(input, intervalcolumn::median);
+    table.at(input, intervalcolumn::lower) = table.at(input, intervalcolumn::upper) = base;
+    Pass pass(plan, TornadoSpread::Interval, 2);
     std::vector<double> values;
     if (pass.run(table, host, observer)) {
         for (std::size_t r = 0; r < pass.results().size(); ++r) {
@@ -184,13 +183,13 @@ std::vector<Tornado> tornadoPass(const TornadoPlan& plan, const Host& host, cons
     IntervalTable table = simulated;
     for (std::size_t i = 0; i < plan.fields.size(); ++i) {
         // Without limits the module clamps nothing; which points lie outside is decided here, for any number of points.
-        table.at(i, 4) = -std::numeric_limits<double>::infinity();
-        table.at(i, 5) = std::numeric_limits<double>::infinity();
-        if (!isInput(plan.fields[i]) || std::isnan(simulated.at(i, 2))) {
+        table.at(i, intervalcolumn::minimum) = -std::numeric_limits<double>::infinity();
+        table.at(i, intervalcolumn::maximum) = std::numeric_limits<double>::infinity();
+        if (!isInput(plan.fields[i]) || std::isnan(simulated.at(i, intervalcolumn::median))) {
             table.exclude(i);
         }
     }
-    Pass pass(plan, plan.settings.spread == TornadoSpread::Interval ? 0 : 1, plan.settings.points);
+    Pass pass(plan, plan.settings.spread, plan.settings.points);
     if (base.empty() || !pass.run(table, host, observer)) {
         return {};
     }

@@ -11,7 +11,7 @@ struct TornadoPlan {
     TornadoSettings settings;
     double tail;  ///< of the central interval
     const std::vector<Field>& fields;
-    const std::vector<double>& intervals;  ///< fields x 5, column by column, as Cpp_SimEnd gives it
+    const std::vector<double>& intervals;  ///< as Cpp_SimEnd gives it: intervalcolumn
 };
 
 /// One analysis per result, in field order; nothing when interrupted. Needs a run that has ended and not been reset.
