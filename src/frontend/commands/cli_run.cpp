@@ -19,6 +19,7 @@
 #include "frontend/run/model_session.h"
 #include "frontend/run/requirements.h"
 #include "frontend/text/command_failure.h"
+#include "frontend/text/number_text.h"
 #include "frontend/text/output_file.h"
 #include "frontend/text/text.h"
 

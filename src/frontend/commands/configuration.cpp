@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include "frontend/text/command_failure.h"
+#include "frontend/text/number_text.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -2,8 +2,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include "frontend/text/text.h"
-
 namespace quorva::frontend {
 
 namespace {

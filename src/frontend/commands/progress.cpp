@@ -9,16 +9,11 @@
 #include <cstdio>
 #include <iostream>
 
+#include "frontend/text/number_text.h"
+
 namespace quorva::frontend {
 
 namespace {
-std::string grouped(double value) {
-    std::string digits = std::to_string(static_cast<long long>(std::llround(value)));
-    for (int at = static_cast<int>(digits.size()) - 3; at > 0; at -= 3) {
-        digits.insert(static_cast<std::size_t>(at), ",");
-    }
-    return digits;
-}
 int terminalColumns() {
     winsize size{};
     return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 100;
@@ -33,9 +28,9 @@ std::string progressLine(int done, int planned, double seconds, int columns) {
     std::array<char, 16> percent;
     std::snprintf(percent.data(), percent.size(), "%3d %% ", static_cast<int>(share * 100));
     const std::string bar = "[" + std::string(filled, '#') + std::string(bars - filled, '.') + "] ";
-    const std::string counts = grouped(done) + " of " + grouped(planned);
-    const std::string speed = rate > 0 ? ", " + grouped(rate) + "/s" : "";
-    const std::string left = rate > 0 ? ", " + grouped(std::ceil((planned - done) / rate)) + " s left" : "";
+    const std::string counts = groupedNumber(done) + " of " + groupedNumber(planned);
+    const std::string speed = rate > 0 ? ", " + groupedNumber(rate) + "/s" : "";
+    const std::string left = rate > 0 ? ", " + groupedNumber(std::ceil((planned - done) / rate)) + " s left" : "";
     // The last column stays free: a full line wraps on many terminals.
     const auto room = static_cast<std::size_t>(std::max(columns - 1, 0));
     for (const std::string& line : {percent.data() + bar + counts + speed + left,

@@ -1,7 +1,5 @@
 #include "frontend/reports/html_text.h"
 
-#include "frontend/text/text.h"
-
 namespace quorva::frontend {
 
 std::string escaped(std::string_view text) {

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 
-#include "frontend/text/text.h"
 #include "quorva/catalogue.h"
+
+#include "frontend/text/number_text.h"
 
 namespace quorva::frontend {
 

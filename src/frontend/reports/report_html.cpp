@@ -10,7 +10,8 @@
 #include "frontend/reports/report_assets.h"
 #include "frontend/reports/report_json.h"
 #include "frontend/reports/settings_text.h"
-#include "frontend/text/text.h"
+#include "frontend/text/cell_address.h"
+#include "frontend/text/number_text.h"
 
 namespace quorva::frontend {
 

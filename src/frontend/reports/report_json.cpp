@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "frontend/reports/model_terms.h"
-#include "frontend/text/text.h"
+#include "frontend/text/cell_address.h"
 
 namespace quorva::frontend {
 

@@ -1,7 +1,7 @@
 #include "frontend/reports/report_samples.h"
 
 #include "frontend/text/csv.h"
-#include "frontend/text/text.h"
+#include "frontend/text/number_text.h"
 
 namespace quorva::frontend {
 

@@ -3,7 +3,8 @@
 #include "frontend/reports/model_terms.h"
 #include "frontend/reports/report_xlsx_sheets.h"
 #include "frontend/reports/settings_text.h"
-#include "frontend/text/text.h"
+#include "frontend/text/cell_address.h"
+#include "frontend/text/number_text.h"
 
 namespace quorva::frontend {
 

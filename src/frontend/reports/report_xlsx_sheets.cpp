@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "frontend/reports/model_terms.h"
-#include "frontend/text/text.h"
+#include "frontend/text/number_text.h"
 
 namespace quorva::frontend {
 

@@ -1,6 +1,6 @@
 #include "frontend/reports/settings_text.h"
 
-#include "frontend/text/text.h"
+#include "frontend/text/number_text.h"
 
 namespace quorva::frontend {
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "frontend/text/number_text.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -8,7 +8,8 @@
 #include "frontend/run/missing_numbers.h"
 #include "frontend/run/parallel.h"
 #include "frontend/run/statistics.h"
-#include "frontend/text/text.h"
+#include "frontend/text/cell_address.h"
+#include "frontend/text/number_text.h"
 #include "quorva/front_end.h"
 
 namespace quorva::frontend {

@@ -11,6 +11,7 @@
 #include "frontend/run/run_errors.h"
 #include "frontend/run/statistics.h"
 #include "frontend/run/tornado_pass.h"
+#include "frontend/text/cell_address.h"
 #include "quorva/front_end.h"
 
 namespace quorva::frontend {

@@ -5,8 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "frontend/text/text.h"
 #include "quorva/automation.h"
+
+#include "frontend/text/unicode.h"
 
 namespace quorva::frontend {
 

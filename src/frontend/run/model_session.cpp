@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "frontend/text/cell_address.h"
 #include "frontend/text/command_failure.h"
-#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 

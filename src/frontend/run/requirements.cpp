@@ -7,6 +7,7 @@
 #include "frontend/run/missing_numbers.h"
 #include "frontend/run/statistics.h"
 #include "frontend/text/command_failure.h"
+#include "frontend/text/number_text.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -1,7 +1,7 @@
 #include "frontend/run/run_errors.h"
 
 #include "frontend/run/host_arrays.h"
-#include "frontend/text/text.h"
+#include "frontend/text/cell_address.h"
 #include "quorva/front_end.h"
 
 namespace quorva::frontend {

@@ -8,6 +8,7 @@
 #include "frontend/run/missing_numbers.h"
 #include "frontend/text/command_failure.h"
 #include "frontend/text/csv.h"
+#include "frontend/text/number_text.h"
 #include "frontend/text/text.h"
 
 namespace quorva::frontend {

@@ -4,7 +4,8 @@
 #include <array>
 #include <cmath>
 
-#include "frontend/text/text.h"
+#include "frontend/text/cell_address.h"
+#include "frontend/text/number_text.h"
 
 namespace quorva::frontend {
 

@@ -1,56 +1,12 @@
 #include "frontend/text/text.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cmath>
-#include <cstdint>
-#include <cstdio>
+
+#include "frontend/text/unicode.h"
 
 namespace quorva::frontend {
 
 namespace {
-constexpr char32_t replacement = 0xFFFD;
-
-void appendUtf8(std::string& out, char32_t c) {
-    if (c < 0x80) {
-        out += static_cast<char>(c);
-    } else if (c < 0x800) {
-        out += static_cast<char>(0xC0 | (c >> 6));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += static_cast<char>(0xE0 | (c >> 12));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (c >> 18));
-        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-}
-
-/// The code point at `position`, which moves behind it.
-char32_t nextCodePoint(std::string_view text, std::size_t& position) {
-    const auto first = static_cast<unsigned char>(text[position++]);
-    if (first < 0x80) {
-        return first;
-    }
-    const int following = first >= 0xF0 && first < 0xF5 ? 3 : first >= 0xE0 ? 2 : first >= 0xC2 ? 1 : 0;
-    if (following == 0 || first >= 0xF5) {
-        return replacement;
-    }
-    char32_t c = first & (0x3F >> following);
-    for (int i = 0; i < following; ++i) {
-        if (position >= text.size() || (static_cast<unsigned char>(text[position]) & 0xC0) != 0x80) {
-            return replacement;
-        }
-        c = (c << 6) | (static_cast<unsigned char>(text[position++]) & 0x3F);
-    }
-    const bool overlong = (following == 2 && c < 0x800) || (following == 3 && c < 0x10000);
-    return overlong || c > 0x10FFFF || (c >= 0xD800 && c < 0xE000) ? replacement : c;
-}
-
 struct CodeRange {
     char32_t first, last;
 };
@@ -72,14 +28,6 @@ std::size_t columnsOf(char32_t c) {
                                                                           : 1;
 }
 
-std::u32string codePoints(std::string_view text) {
-    std::u32string points;
-    for (std::size_t i = 0; i < text.size();) {
-        points += nextCodePoint(text, i);
-    }
-    return points;
-}
-
 std::size_t editDistance(const std::u32string& a, const std::u32string& b) {
     std::vector<std::size_t> row(b.size() + 1);
     for (std::size_t j = 0; j <= b.size(); ++j) {
@@ -97,123 +45,6 @@ std::size_t editDistance(const std::u32string& a, const std::u32string& b) {
     return row[b.size()];
 }
 }  // namespace
-
-std::string toUtf8(std::u16string_view text) {
-    std::string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char32_t unit = text[i];
-        const bool high = unit >= 0xD800 && unit < 0xDC00;
-        if (high && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000) {
-            appendUtf8(out, 0x10000 + ((unit - 0xD800) << 10) + (text[++i] - 0xDC00u));
-        } else {
-            appendUtf8(out, unit >= 0xD800 && unit < 0xE000 ? replacement : unit);
-        }
-    }
-    return out;
-}
-
-std::u16string toUtf16(std::string_view text) {
-    std::u16string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size();) {
-        const char32_t c = nextCodePoint(text, i);
-        if (c < 0x10000) {
-            out += static_cast<char16_t>(c);
-        } else {
-            out += static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
-            out += static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
-        }
-    }
-    return out;
-}
-
-std::string exactNumber(double value) {
-    if (!std::isfinite(value)) {
-        return {};
-    }
-    std::array<char, 32> buffer;
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-    return {buffer.data(), end.ptr};
-}
-
-std::string readableNumber(double value, int digits) {
-    if (!std::isfinite(value)) {
-        return "-";
-    }
-    if (value == 0) {
-        return "0";
-    }
-    std::array<char, 64> buffer;
-    const double magnitude = std::fabs(value);
-    if (magnitude >= 1e15 || magnitude < 1e-6) {
-        std::snprintf(buffer.data(), buffer.size(), "%.*e", std::max(digits - 1, 1), value);
-        std::string text = buffer.data();
-        const std::size_t exponent = text.find('e');
-        const std::size_t last = text.find_last_not_of('0', exponent - 1);
-        return text.erase(last + (text[last] == '.' ? 0 : 1), exponent - last - (text[last] == '.' ? 0 : 1));
-    }
-    const int whole = static_cast<int>(std::floor(std::log10(magnitude))) + 1;
-    std::snprintf(buffer.data(), buffer.size(), "%.*f", std::clamp(digits - whole, 0, 12), value);
-    std::string text = buffer.data();
-    if (text.find('.') != std::string::npos) {
-        text.erase(text.find_last_not_of('0') + 1);
-        if (text.back() == '.') {
-            text.pop_back();
-        }
-    }
-    return text;
-}
-
-std::optional<double> parseNumber(std::string_view text) {
-    text = trimmed(text);
-    if (!text.empty() && text.front() == '+') {
-        text.remove_prefix(1);
-        if (!text.empty() && text.front() == '-') {
-            return std::nullopt;
-        }
-    }
-    double value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc{} || end != text.data() + text.size() || !std::isfinite(value)) {
-        return std::nullopt;
-    }
-    return value;
-}
-
-std::string cellAddress(int row, int column) {
-    std::string letters;
-    for (int c = column; c >= 0; c = c / 26 - 1) {
-        letters.insert(letters.begin(), static_cast<char>('A' + c % 26));
-    }
-    return letters + std::to_string(row + 1);
-}
-
-std::string cellAddress(std::string_view sheet, int row, int column) {
-    if (sheet.empty()) {
-        return cellAddress(row, column);
-    }
-    const auto plain = [](unsigned char c) { return std::isalnum(c) || c == '_' || c == '.' || c >= 0x80; };
-    const bool digitFirst = std::isdigit(static_cast<unsigned char>(sheet.front())) != 0;
-    std::string name(sheet);
-    if (digitFirst || !std::all_of(sheet.begin(), sheet.end(), plain)) {
-        name = "'";
-        for (const char c : sheet) {
-            name += c;
-            if (c == '\'') {
-                name += c;
-            }
-        }
-        name += "'";
-    }
-    return name + "!" + cellAddress(row, column);
-}
-
-std::string sheetOfHostName(std::string_view hostName) {
-    const auto bracket = hostName.find(']');
-    return std::string(hostName.starts_with('[') && bracket != std::string_view::npos ? hostName.substr(bracket + 1)
-                                                                                      : hostName);
-}
 
 std::string_view trimmed(std::string_view text) {
     constexpr std::string_view blanks = " \t\r\n";

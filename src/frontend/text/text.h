@@ -1,32 +1,12 @@
-// Text as the front end reads and writes it: UTF-8 inside, UTF-16 at the module's edge, numbers, cell addresses.
+// Pieces of UTF-8 text: trimmed, fitted to a terminal, joined, compared.
 #pragma once
 
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace quorva::frontend {
-
-/// UTF-8 from 16-bit code units; a lone surrogate becomes the replacement character.
-std::string toUtf8(std::u16string_view text);
-/// 16-bit code units from UTF-8; a malformed byte becomes the replacement character.
-std::u16string toUtf16(std::string_view text);
-
-/// The shortest text that reads back as the same double (at most 17 significant digits); empty when not finite.
-std::string exactNumber(double value);
-/// A number for people: at most `digits` significant digits, no needless exponent; "-" when it does not exist.
-std::string readableNumber(double value, int digits = 6);
-/// The number that the whole text is (decimal point, optional sign, exponent), surrounding blanks allowed.
-std::optional<double> parseNumber(std::string_view text);
-
-/// "B7" of a 0-based row and column.
-std::string cellAddress(int row, int column);
-/// "Costs!B7", the sheet in quotes where its name needs them.
-std::string cellAddress(std::string_view sheet, int row, int column);
-/// "Sheet" of the host's "[Book]Sheet".
-std::string sheetOfHostName(std::string_view hostName);
 
 std::string_view trimmed(std::string_view text);
 std::string lowerCase(std::string_view text);
