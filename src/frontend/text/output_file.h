@@ -35,7 +35,8 @@ struct Output {
 };
 
 /// The outputs of a command and the rules that protect files: each is tested before the run, written to a temporary
-/// file beside its target and renamed at the end; devices are written to, never replaced; an input is never an output.
+/// file beside its target and renamed when all are written; devices are written to, never replaced; an input is never
+/// an output.
 class Outputs {
 public:
     /// `inputs` are the files that the command reads.
@@ -44,7 +45,9 @@ public:
     /// Throws CommandFailure (Usage) when the path cannot be written.
     void reserve(const std::filesystem::path& path);
 
-    /// Writes every output; when one fails, the targets of all are as they were. Throws CommandFailure (Internal).
+    /// Writes the temporary files, then the devices; only then are the files renamed, in their order. When writing one
+    /// fails, every file is as it was; what a device took before cannot be taken back. When a renaming fails, the files
+    /// renamed before it are the new ones and the others as they were. Throws CommandFailure (Internal).
     static void commit(const std::vector<Output>& outputs);
 
 private:

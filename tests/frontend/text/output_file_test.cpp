@@ -72,6 +72,19 @@ TEST_F(OutputFile, AFailureLeavesEveryPreviousFileUntouched) {
     EXPECT_EQ(files(), 2u);
 }
 
+TEST_F(OutputFile, ARenamingThatFailsLeavesTheFilesBeforeItNewAndTheOthersOld) {
+    put("a.txt", "old a");
+    put("c.txt", "old c");
+    // A folder that appears under the second name while the outputs are written is not replaced.
+    const Output hindered{file("b.txt"), [&](Sink&) { fs::create_directory(file("b.txt")); }};
+    EXPECT_THROW(Outputs::commit({text(file("a.txt"), "new a"), hindered, text(file("c.txt"), "new c")}),
+                 CommandFailure);
+    EXPECT_EQ(read("a.txt"), "new a");
+    EXPECT_TRUE(fs::is_directory(file("b.txt")));
+    EXPECT_EQ(read("c.txt"), "old c");
+    EXPECT_EQ(files(), 3u);
+}
+
 TEST_F(OutputFile, KeepsPermissionsAndFollowsLinks) {
     put("real.txt", "old");
     fs::permissions(file("real.txt"), fs::perms::owner_read | fs::perms::owner_write);
