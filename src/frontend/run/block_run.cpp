@@ -39,7 +39,7 @@ void refuse(const RunSettings& settings, const std::vector<Field>& fields) {
     }
 }
 
-/// A block at work: its memory, its process while it runs, and how often it was started.
+/// A block at work: its memory, its process while it runs, how often it was started, and whether it will be no more.
 struct Work {
     Block block;
     BlockMemory memory;
@@ -78,10 +78,7 @@ public:
             }
             int running = 0;
             for (Work& work : work_) {
-                collect(work);
-                if (!work.over && work.process == 0 && interrupted) {
-                    work.over = true;
-                }
+                collect(work, interrupted);
                 running += work.process != 0;
             }
             for (Work& work : work_) {
@@ -122,14 +119,19 @@ private:
         work.process = startWorker(work.block, settings_, fields_, host_, observer_, work.memory);
     }
 
-    void collect(Work& work) {
+    /// Once interrupted, a block that has no process gets none.
+    void collect(Work& work, bool interrupted) {
         int state = 0;
-        if (work.process == 0 || waitpid(work.process, &state, WNOHANG) == 0) {
+        if (work.process == 0) {
+            work.over = work.over || interrupted;
+            return;
+        }
+        if (waitpid(work.process, &state, WNOHANG) == 0) {
             return;
         }
         work.process = 0;
         const bool ended = WIFEXITED(state) && WEXITSTATUS(state) == 0;
-        work.over = ended || work.starts > 1;
+        work.over = ended || work.starts > 1 || interrupted;
         if (!ended) {
             const auto number = std::to_string(&work - work_.data() + 1) + " of " + std::to_string(work_.size());
             const std::string cause = WIFSIGNALED(state) ? "signal " + std::to_string(WTERMSIG(state))

@@ -21,7 +21,8 @@ std::vector<Block> blocksOf(int iterations, int seed);
 
 /// As runModel, by at most `jobs` processes at a time. Throws CommandFailure (Usage) for what needs all iterations in
 /// one process: statistic fields, whose values depend on the iterations before, and stopping at convergence. A process
-/// that dies is reported and its block run once more; a block that is lost twice is missing from the results.
+/// that dies is reported and its block run once more, unless the run has been interrupted; a block that is not run
+/// again or lost twice is missing from the results.
 RunResults runModelInBlocks(const RunSettings& settings, const std::vector<Field>& fields, const Host& host,
                             const Observer& observer, int jobs);
 

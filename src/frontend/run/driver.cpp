@@ -12,6 +12,7 @@
 #include "frontend/run/statistics.h"
 #include "frontend/run/tornado_pass.h"
 #include "frontend/text/cell_address.h"
+#include "frontend/text/number_text.h"
 #include "quorva/front_end.h"
 
 namespace quorva::frontend {
@@ -273,11 +274,12 @@ std::vector<std::size_t> watchedResults(const RunSettings& settings, const std::
 void checkSize(const RunSettings& settings, std::size_t fields) {
     const auto cells = static_cast<std::int64_t>(settings.iterations) * static_cast<std::int64_t>(fields);
     if (cells > limit::sampleCells) {
-        throw CommandFailure(
-            ExitStatus::Usage,
-            std::to_string(settings.iterations) + " iterations of " + std::to_string(fields) + " fields are " +
-                std::to_string(cells) + " values; at most 64,000,000 fit: ask for at most " +
-                std::to_string(limit::sampleCells / static_cast<std::int64_t>(fields)) + " iterations");
+        throw CommandFailure(ExitStatus::Usage,
+                             std::to_string(settings.iterations) + " iterations of " + std::to_string(fields) +
+                                 " fields are " + std::to_string(cells) + " values; at most " +
+                                 groupedNumber(limit::sampleCells) + " fit: ask for at most " +
+                                 std::to_string(limit::sampleCells / static_cast<std::int64_t>(fields)) +
+                                 " iterations");
     }
 }
 

@@ -46,7 +46,7 @@ struct RunRecord {
     std::optional<LabelledMatrix> repaired;
     SampleTable samples;
     std::vector<Tornado> tornado;
-    std::vector<std::string> incidents;  ///< blocks of a run on several processors that went wrong
+    std::vector<std::string> incidents;  ///< a sentence for each process of a run in blocks that died
     bool incomplete = false;             ///< a block is missing
 };
 

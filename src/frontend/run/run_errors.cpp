@@ -2,6 +2,7 @@
 
 #include "frontend/run/host_arrays.h"
 #include "frontend/text/cell_address.h"
+#include "frontend/text/number_text.h"
 #include "quorva/front_end.h"
 
 namespace quorva::frontend {
@@ -63,13 +64,15 @@ std::string sentence(int code, const ErrorRecord& first, const std::vector<Field
                    "must not appear or vanish during a run, as it does when an argument is an error or a text "
                    "before the run, with every input at its default value, and a number later";
         case runerror::tooManyFields:
-            return where + ": more than 10,000 fields";
+            return where + ": more than " + groupedNumber(limit::fields) + " fields";
         case runerror::noDrawInBounds:
             return where + ": no draw fell within the truncation bounds; widen them or check their order";
         case runerror::cellBeyondGrid:
-            return where + " lies beyond row 65,000 or column 255 (IU), where model functions cannot stand";
+            return where + " lies outside A1:" + cellAddress(limit::gridRows - 1, limit::gridColumns - 1) +
+                   ", where model functions have to stand";
         case runerror::tooManySheets:
-            return where + ": model functions on more than 10 sheets, or on a sheet that is not part of the model";
+            return where + ": model functions on more than " + std::to_string(limit::sheets) +
+                   " sheets, or on a sheet that is not part of the model";
         case runerror::duplicateName: {
             const ErrorRecord second = readError(true);
             const std::string name = second.texts.size() > 1 ? second.texts[1] : "";
@@ -98,7 +101,8 @@ CommandFailure runError(int code, const std::vector<Field>& fields) {
         case callcode::nothingRegistered:
             return {ExitStatus::Model, nothingToSimulate()};
         case callcode::tooManyCells:
-            return {ExitStatus::Usage, "more than 64,000,000 values (iterations x fields); ask for fewer iterations"};
+            return {ExitStatus::Usage, "more than " + groupedNumber(limit::sampleCells) +
+                                           " values (iterations x fields); ask for fewer iterations"};
         default:
             return {ExitStatus::Internal, "the module answered with code " + std::to_string(code)};
     }
