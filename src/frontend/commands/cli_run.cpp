@@ -226,9 +226,6 @@ ExitStatus finish(const RunOptions& options, RunResults& results, const std::vec
     return passed ? ExitStatus::Done : ExitStatus::RequirementFailed;
 }
 
-/// A sheet of the .xlsx report holds a header and at most this many iterations.
-constexpr int mostSheetIterations = 1'048'575;
-
 void warnOfCutSamples(const RunOptions& options, RunResults& results) {
     if (options.samplesSheet && results.iterations > mostSheetIterations) {
         results.warnings.push_back("a sheet of the .xlsx report holds only the first " +

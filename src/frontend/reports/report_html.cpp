@@ -20,7 +20,7 @@ using Json = nlohmann::ordered_json;
 
 std::string shown(double value) { return readableNumber(value); }
 
-/// Everything of one result, found by its name.
+/// Everything of one result; the lists of results are in the order of the fields.
 struct ResultView {
     std::size_t index;
     const ResultCharts& charts;
@@ -53,14 +53,6 @@ bool hasSensitivity(const ResultView& view) {
 }
 bool hasTrace(const ResultView& view) { return view.charts.trace.iterations.size() > 1; }
 
-Json numbers(const std::vector<double>& values) {
-    Json list = Json::array();
-    for (const double value : values) {
-        list.push_back(std::isfinite(value) ? Json(value) : Json(nullptr));
-    }
-    return list;
-}
-
 Json chartData(const RunResults& results) {
     const Json run = runJson(results);
     Json list = Json::array();
@@ -68,9 +60,9 @@ Json chartData(const RunResults& results) {
         const ResultCharts& charts = view.charts;
         Json entry{{"name", charts.name}};
         if (!charts.histogram.counts.empty()) {
-            entry["histogram"] = {{"edges", numbers(charts.histogram.edges)},
+            entry["histogram"] = {{"edges", numbersJson(charts.histogram.edges)},
                                   {"counts", charts.histogram.counts},
-                                  {"cumulative", numbers(charts.histogram.cumulative)}};
+                                  {"cumulative", numbersJson(charts.histogram.cumulative)}};
         }
         if (view.tornado) {
             entry["tornado"] = run["tornado"][view.index];
@@ -80,13 +72,14 @@ Json chartData(const RunResults& results) {
         }
         if (hasTrace(view)) {
             entry["trace"] = {{"iterations", charts.trace.iterations},
-                              {"mean", numbers(charts.trace.mean)},
-                              {"lower", numbers(charts.trace.lower)},
-                              {"upper", numbers(charts.trace.upper)}};
+                              {"mean", numbersJson(charts.trace.mean)},
+                              {"lower", numbersJson(charts.trace.lower)},
+                              {"upper", numbersJson(charts.trace.upper)}};
         }
         if (!charts.scatter.x.empty()) {
-            entry["scatter"] = {
-                {"input", charts.scatter.input}, {"x", numbers(charts.scatter.x)}, {"y", numbers(charts.scatter.y)}};
+            entry["scatter"] = {{"input", charts.scatter.input},
+                                {"x", numbersJson(charts.scatter.x)},
+                                {"y", numbersJson(charts.scatter.y)}};
         }
         list.push_back(std::move(entry));
     }
@@ -339,12 +332,7 @@ std::string requirementsSection(const RunResults& results) {
 }
 
 HtmlTable convergenceTable(const Convergence& convergence) {
-    HtmlTable table{
-        "Criterion " + convergence.criterion +
-            (convergence.converged ? ", converged at iteration " + std::to_string(convergence.at) : ", not converged"),
-        {"Iteration", "Result", "Lower", "Upper", "Movement, %"},
-        {},
-        2};
+    HtmlTable table{convergenceText(convergence), {"Iteration", "Result", "Lower", "Upper", "Movement, %"}, {}, 2};
     constexpr std::size_t most = 20;
     table.caption += convergence.checks.size() > most ? "; the last " + std::to_string(most) + " checks" : "";
     const std::size_t first = convergence.checks.size() > most ? convergence.checks.size() - most : 0;
@@ -367,16 +355,6 @@ std::string messages(const RunResults& results) {
     }
     return out.empty() ? "" : "<ul class=\"warnings\">" + out + "</ul>\n";
 }
-
-std::string headText(const RunResults& results) {
-    const RunSettings& settings = results.settings;
-    std::string text = std::to_string(results.iterations) + " iterations";
-    text += results.iterations < settings.iterations ? " of " + std::to_string(settings.iterations) : "";
-    text += settings.effectiveStrata() > 0
-                ? ", Latin hypercube with " + std::to_string(settings.effectiveStrata()) + " strata"
-                : ", plain random sampling";
-    return text + ", seed " + std::to_string(settings.seed);
-}
 }  // namespace
 
 std::string htmlReport(const RunResults& results) {
@@ -389,7 +367,7 @@ std::string htmlReport(const RunResults& results) {
         escaped(results.workbook) + "</title>\n<style>\n";
     out += reportStyle();
     out += "</style></head>\n<body><header><h1>Simulation of " + escaped(results.workbook) + "</h1><p class=\"lead\">" +
-           escaped(headText(results)) +
+           escaped(samplingText(results)) +
            "</p>\n<nav aria-label=\"Contents\"><ul><li><a href=\"#summary\">Summary</a></li>";
     for (const ResultView& view : views) {
         out += "<li><a href=\"#result-" + std::to_string(view.index) + "\">" + escaped(view.charts.name) + "</a></li>";

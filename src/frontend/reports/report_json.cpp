@@ -1,5 +1,7 @@
 #include "frontend/reports/report_json.h"
 
+#include <cmath>
+
 #include <nlohmann/json.hpp>
 
 #include "frontend/reports/model_terms.h"
@@ -10,16 +12,7 @@ namespace quorva::frontend {
 namespace {
 using Json = nlohmann::ordered_json;
 
-/// Numbers that do not exist are null.
 Json number(double value) { return std::isfinite(value) ? Json(value) : Json(nullptr); }
-
-Json numbers(const std::vector<double>& values) {
-    Json list = Json::array();
-    for (const double value : values) {
-        list.push_back(number(value));
-    }
-    return list;
-}
 
 Json rows(const LabelledMatrix& matrix) {
     Json table = Json::array();
@@ -112,7 +105,7 @@ Json tornadoJson(const std::vector<Tornado>& tornados) {
                               {"low", number(input.low)},
                               {"high", number(input.high)},
                               {"swing", number(input.swing)},
-                              {"values", numbers(input.values)}});
+                              {"values", numbersJson(input.values)}});
         }
         list.push_back({{"result", tornado.result},
                         {"base", number(tornado.base)},
@@ -171,6 +164,14 @@ Json requirementsJson(const std::vector<RequirementOutcome>& requirements) {
     return list;
 }
 }  // namespace
+
+Json numbersJson(const std::vector<double>& values) {
+    Json list = Json::array();
+    for (const double value : values) {
+        list.push_back(number(value));
+    }
+    return list;
+}
 
 Json fieldsJson(const std::vector<Field>& fields) {
     Json list = Json::array();

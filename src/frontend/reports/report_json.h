@@ -10,6 +10,7 @@
 
 namespace quorva::frontend {
 
+nlohmann::ordered_json numbersJson(const std::vector<double>& values);
 /// Fields as `inspect --json` and the run report show them.
 nlohmann::ordered_json fieldsJson(const std::vector<Field>& fields);
 nlohmann::ordered_json runJson(const RunResults& results);

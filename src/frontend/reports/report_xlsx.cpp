@@ -9,8 +9,6 @@
 namespace quorva::frontend {
 
 namespace {
-constexpr int mostRows = 1'048'576;
-
 void titledNumber(XlsxSheet& sheet, int& row, const std::string& title, double value, lxw_format* format = nullptr) {
     sheet.text(row, 0, title, sheet.formats().text);
     sheet.number(row++, 1, value, format);
@@ -33,11 +31,8 @@ void writeSummary(XlsxSheet sheet, const RunResults& results) {
             continue;
         }
         sheet.text(row, 0, summary.name);
-        const double values[] = {summary.mean,           summary.stdev,          summary.minimum,
-                                 summary.percentiles[1], summary.percentiles[4], summary.percentiles[7],
-                                 summary.maximum};
         int column = 1;
-        for (const double value : values) {
+        for (const double value : keyFigures(summary)) {
             sheet.number(row, column++, value);
         }
         sheet.number(row++, column, static_cast<double>(summary.errors), formats.whole);
@@ -69,7 +64,7 @@ void writeSamples(XlsxSheet sheet, const RunResults& results) {
         titles.push_back(field.name);
     }
     sheet.header(0, 0, titles);
-    const int rows = std::min(results.iterations, mostRows - 1);
+    const int rows = std::min(results.iterations, mostSheetIterations);
     for (int k = 0; k < rows; ++k) {
         sheet.number(k + 1, 0, k + 1, sheet.formats().whole);
         for (std::size_t i = 0; i < results.fields.size(); ++i) {

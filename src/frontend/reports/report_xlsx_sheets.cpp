@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "frontend/reports/model_terms.h"
+#include "frontend/reports/settings_text.h"
 #include "frontend/text/number_text.h"
 
 namespace quorva::frontend {
@@ -225,10 +226,7 @@ void writeConvergenceSheet(XlsxBook& book, XlsxSheet sheet, const RunResults& re
     int row = 0;
     if (results.convergence) {
         const Convergence& convergence = *results.convergence;
-        sheet.text(row++, 0,
-                   "Criterion " + convergence.criterion +
-                       (convergence.converged ? ", converged at iteration " + std::to_string(convergence.at)
-                                              : ", not converged"));
+        sheet.text(row++, 0, convergenceText(convergence));
         sheet.header(row++, 0, {"Result", "Iteration", "Lower", "Upper", "Movement, %"});
         for (std::size_t i = 0; i < convergence.watched.size(); ++i) {
             for (const ConvergenceCheck& check : convergence.checks) {

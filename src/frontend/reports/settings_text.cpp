@@ -37,4 +37,19 @@ std::vector<SettingText> settingTexts(const RunResults& results) {
     return texts;
 }
 
+std::string samplingText(const RunResults& results) {
+    const RunSettings& settings = results.settings;
+    std::string text = std::to_string(results.iterations) + " iterations";
+    text += results.iterations < settings.iterations ? " of " + std::to_string(settings.iterations) : "";
+    text += settings.effectiveStrata() > 0
+                ? ", Latin hypercube with " + std::to_string(settings.effectiveStrata()) + " strata"
+                : ", plain random sampling";
+    return text + ", seed " + std::to_string(settings.seed);
+}
+
+std::string convergenceText(const Convergence& convergence) {
+    return "Criterion " + convergence.criterion +
+           (convergence.converged ? ", converged at iteration " + std::to_string(convergence.at) : ", not converged");
+}
+
 }  // namespace quorva::frontend

@@ -1,4 +1,4 @@
-// The settings of a run as reports list them.
+// The settings of a run, and what became of them, as reports show them.
 #pragma once
 
 #include <string>
@@ -14,5 +14,10 @@ struct SettingText {
     std::string value;
 };
 std::vector<SettingText> settingTexts(const RunResults& results);
+
+/// "10000 iterations, Latin hypercube with 10000 strata, seed 7".
+std::string samplingText(const RunResults& results);
+/// "Criterion mean, converged at iteration 1200", or that it did not.
+std::string convergenceText(const Convergence& convergence);
 
 }  // namespace quorva::frontend

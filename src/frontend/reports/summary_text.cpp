@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "frontend/reports/settings_text.h"
 #include "frontend/text/number_text.h"
 #include "frontend/text/text.h"
 
@@ -78,6 +79,7 @@ std::string wrapped(const std::string& text, const std::string& first, const std
 
 std::string summaryTable(const RunResults& results, FieldKind kind, const std::string& title) {
     std::vector<std::string> names;
+    // The titles of keyFigures.
     std::vector<Column> columns{{"mean", {}}, {"stdev", {}}, {"min", {}}, {"P5", {}},
                                 {"P50", {}},  {"P95", {}},   {"max", {}}};
     for (const Summary& summary : results.summary) {
@@ -85,11 +87,9 @@ std::string summaryTable(const RunResults& results, FieldKind kind, const std::s
             continue;
         }
         names.push_back(summary.name);
-        const double values[] = {summary.mean,           summary.stdev,          summary.minimum,
-                                 summary.percentiles[1], summary.percentiles[4], summary.percentiles[7],
-                                 summary.maximum};
-        for (std::size_t c = 0; c < columns.size(); ++c) {
-            columns[c].cells.push_back(readableNumber(values[c]));
+        std::size_t c = 0;
+        for (const double value : keyFigures(summary)) {
+            columns[c++].cells.push_back(readableNumber(value));
         }
     }
     return names.empty() ? "" : table(title, names, columns) + "\n";
@@ -162,16 +162,8 @@ std::string requirementsText(const RunResults& results) {
 }  // namespace
 
 std::string summaryText(const RunResults& results) {
-    const RunSettings& settings = results.settings;
     std::string out = wrapped(results.workbook, "", "");
-    std::string head = std::to_string(results.iterations) + " iterations";
-    if (results.iterations != settings.iterations) {
-        head += " of " + std::to_string(settings.iterations);
-    }
-    head += settings.effectiveStrata() > 0
-                ? ", Latin hypercube with " + std::to_string(settings.effectiveStrata()) + " strata"
-                : ", plain random sampling";
-    out += wrapped(head + ", seed " + std::to_string(settings.seed), "", "") + "\n";
+    out += wrapped(samplingText(results), "", "") + "\n";
     out += summaryTable(results, FieldKind::Result, "Results");
     out += summaryTable(results, FieldKind::Distribution, "Inputs");
     out += summaryTable(results, FieldKind::ScenarioVariable, "Scenario variables");

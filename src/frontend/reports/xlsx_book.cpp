@@ -124,7 +124,6 @@ XlsxBook::XlsxBook() : file_(temporaryName()), book_(workbook_new(file_.c_str())
     formats_.text = format(nullptr);
     formats_.leftNumber = format(nullptr);
     format_set_align(formats_.leftNumber, LXW_ALIGN_LEFT);
-    formats_.wrapped = format(nullptr);
     formats_.good = format(nullptr);
     formats_.bad = format(nullptr);
     format_set_bold(formats_.title);
@@ -135,8 +134,6 @@ XlsxBook::XlsxBook() : file_(temporaryName()), book_(workbook_new(file_.c_str())
         format_set_font_color(header, LXW_COLOR_WHITE);
     }
     format_set_align(formats_.numberHeader, LXW_ALIGN_RIGHT);
-    format_set_text_wrap(formats_.wrapped);
-    format_set_align(formats_.wrapped, LXW_ALIGN_VERTICAL_TOP);
     format_set_font_color(formats_.good, 0x1E6B34);
     format_set_font_color(formats_.bad, 0xB00020);
     format_set_bold(formats_.bad);

@@ -20,7 +20,6 @@ struct XlsxFormats {
     lxw_format* percent;
     lxw_format* text;
     lxw_format* leftNumber;  ///< among texts
-    lxw_format* wrapped;
     lxw_format* good;
     lxw_format* bad;
 };
@@ -78,8 +77,6 @@ public:
     void lineOver() { combined_.push_back(charts_); }
     /// The finished file's bytes.
     std::string finish();
-
-    const XlsxFormats& formats() const { return formats_; }
 
 private:
     std::string file_;

@@ -1,6 +1,7 @@
 // What a run found, as plain structures from which every report is written. Numbers that do not exist are NaN.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string>
@@ -55,7 +56,19 @@ struct Summary {
     double kurtosis = 0;  ///< excess, Fisher (G2)
     double minimum = 0, maximum = 0;
     std::array<double, reportedPercentiles.size()> percentiles{};
+
+    /// One of reportedPercentiles.
+    double percentile(int percent) const {
+        const auto* found = std::find(reportedPercentiles.begin(), reportedPercentiles.end(), percent);
+        return percentiles[static_cast<std::size_t>(found - reportedPercentiles.begin())];
+    }
 };
+
+/// What a short table shows of a field: mean, standard deviation, minimum, P5, P50, P95, maximum.
+inline std::array<double, 7> keyFigures(const Summary& summary) {
+    return {summary.mean,           summary.stdev,          summary.minimum, summary.percentile(5),
+            summary.percentile(50), summary.percentile(95), summary.maximum};
+}
 
 /// Central interval of a field; the tails have the probability of RunSettings::tail.
 struct Interval {

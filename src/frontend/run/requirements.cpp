@@ -232,7 +232,7 @@ double measured(const Requirement& requirement, const RunResults& results) {
             case Measure::Stdev:
                 return summary.stdev;
             case Measure::Median:
-                return summary.percentiles[4];
+                return summary.percentile(50);
             case Measure::Minimum:
                 return summary.minimum;
             case Measure::Maximum:
