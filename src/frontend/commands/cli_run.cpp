@@ -192,11 +192,8 @@ void printSummary(const RunOptions& options, const RunResults& results) {
 
 void noteWatched(RunResults& results) {
     if (results.convergence) {
-        const bool marked =
-            std::any_of(results.fields.begin(), results.fields.end(), [](const Field& field) { return field.watched; });
-        const bool all = !marked || results.settings.convergence->allResults;
-        results.notes.push_back("--converge watches " + std::string(all ? "every result: " : "the marked results: ") +
-                                joined(results.convergence->watched, ", "));
+        const std::string which = results.convergence->watchesEvery ? "every result: " : "the marked results: ";
+        results.notes.push_back("--converge watches " + which + joined(results.convergence->watched, ", "));
     }
 }
 

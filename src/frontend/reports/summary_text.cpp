@@ -137,15 +137,18 @@ std::string tornadoText(const RunResults& results) {
 
 std::string capabilityText(const RunResults& results) {
     std::vector<std::string> names;
-    std::vector<Column> columns{{"LSL", {}}, {"USL", {}}, {"Cp", {}},       {"Cpl", {}},
-                                {"Cpu", {}}, {"Cpk", {}}, {"PPM total", {}}};
+    std::vector<Column> columns{{"LSL", {}}, {"USL", {}}};
+    std::vector<int> indices;
+    for (const std::string_view key : {"cp", "cpl", "cpu", "cpk", "ppm_total"}) {
+        indices.push_back(*capabilityIndex(key));
+        columns.push_back({capabilityNames[indices.back()].label, {}});
+    }
     for (const Capability& capability : results.capability) {
         names.push_back(capability.limits.name);
-        const double values[] = {capability.limits.lower, capability.limits.upper, capability.indices[0],
-                                 capability.indices[1],   capability.indices[2],   capability.indices[3],
-                                 capability.indices[22]};
-        for (std::size_t c = 0; c < columns.size(); ++c) {
-            columns[c].cells.push_back(readableNumber(values[c], 4));
+        columns[0].cells.push_back(readableNumber(capability.limits.lower, 4));
+        columns[1].cells.push_back(readableNumber(capability.limits.upper, 4));
+        for (std::size_t i = 0; i < indices.size(); ++i) {
+            columns[i + 2].cells.push_back(readableNumber(capability.indices[indices[i]], 4));
         }
     }
     return names.empty() ? "" : table("Capability", names, columns) + "\n";

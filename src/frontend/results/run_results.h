@@ -5,6 +5,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "frontend/results/settings.h"
@@ -42,6 +43,25 @@ struct Field {
         return {lower, upper, type != static_cast<double>(ScenarioMode::Quantitative), step};
     }
 };
+
+/// Names of the fields, or of those of one kind.
+inline std::vector<std::string> fieldNames(const std::vector<Field>& fields,
+                                           std::optional<FieldKind> kind = std::nullopt) {
+    std::vector<std::string> names;
+    for (const Field& field : fields) {
+        if (!kind || field.kind == *kind) {
+            names.push_back(field.name);
+        }
+    }
+    return names;
+}
+
+/// Index of the field with a name; as many as there are fields when there is none.
+inline std::size_t fieldIndex(const std::vector<Field>& fields, std::string_view name) {
+    const auto found =
+        std::find_if(fields.begin(), fields.end(), [&](const Field& field) { return field.name == name; });
+    return static_cast<std::size_t>(found - fields.begin());
+}
 
 /// Probabilities of the reported percentiles, in percent.
 constexpr std::array<int, 9> reportedPercentiles{1, 5, 10, 25, 50, 75, 90, 95, 99};
@@ -129,7 +149,8 @@ struct ConvergenceCheck {
 struct Convergence {
     std::string criterion;  ///< "mean", "stdev" or "percentile=P"
     bool converged = false;
-    int at = 0;  ///< iteration of convergence; 0 when not reached
+    int at = 0;                 ///< iteration of convergence; 0 when not reached
+    bool watchesEvery = false;  ///< every result, not only the marked ones
     std::vector<std::string> watched;
     std::vector<ConvergenceCheck> checks;
 };
@@ -177,6 +198,16 @@ constexpr std::array<CapabilityName, capabilityIndices> capabilityNames{{
     {"ppm_above", "PPM above"},
     {"ppm_total", "PPM total"},
 }};
+
+/// Index from 0 of a key; nothing when it is none.
+inline std::optional<int> capabilityIndex(std::string_view key) {
+    for (int i = 0; i < capabilityIndices; ++i) {
+        if (key == capabilityNames[i].key) {
+            return i;
+        }
+    }
+    return std::nullopt;
+}
 
 struct Capability {
     SpecificationLimits limits;

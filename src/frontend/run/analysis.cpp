@@ -114,7 +114,8 @@ std::string criterionText(const ConvergenceSettings& settings) {
 /// The intervals that the checks compared, from the samples with the module's formulas.
 Convergence convergenceOf(const ConvergenceSettings& settings, const std::vector<Field>& fields,
                           const RunRecord& record) {
-    Convergence convergence{criterionText(settings), record.convergedAt > 0, record.convergedAt, {}, {}};
+    Convergence convergence{
+        criterionText(settings), record.convergedAt > 0, record.convergedAt, record.watchesEvery, {}, {}};
     for (const std::size_t i : record.watched) {
         convergence.watched.push_back(fields[i].name);
     }
@@ -137,10 +138,8 @@ Convergence convergenceOf(const ConvergenceSettings& settings, const std::vector
             }
             if (!convergence.checks.empty()) {
                 const ConvergenceBound& old = convergence.checks.back().bounds[check.bounds.size()];
-                const auto movement = [](double now, double before) {
-                    return before == 0 ? 0.0 : std::fabs((now - before) / before) * 100;
-                };
-                bound.movement = std::max(movement(bound.lower, old.lower), movement(bound.upper, old.upper));
+                bound.movement =
+                    std::max(movementPercent(bound.lower, old.lower), movementPercent(bound.upper, old.upper));
             }
             check.bounds.push_back(std::move(bound));
         }
@@ -156,9 +155,7 @@ Scatter scatterOf(const Sensitivity& sensitivity, std::size_t result, const std:
         return {};
     }
     Scatter scatter{sensitivity.inputs[0].name, {}, {}};
-    const auto input =
-        std::find_if(fields.begin(), fields.end(), [&](const Field& f) { return f.name == scatter.input; });
-    const auto& x = samples.columns[input - fields.begin()];
+    const auto& x = samples.columns[fieldIndex(fields, scatter.input)];
     const auto& y = samples.columns[result];
     const std::size_t step = std::max<std::size_t>(1, (x.size() + most - 1) / most);
     for (std::size_t k = 0; k < x.size(); k += step) {
@@ -233,6 +230,46 @@ void warnOfRun(const RunSettings& settings, RunResults& results) {
                                    std::to_string(settings.iterations) + " iterations");
     }
 }
+
+/// What each column tells by itself. Sorting the columns is most of the work; they do not depend on each other.
+struct ColumnResults {
+    std::vector<Summary> summary;
+    std::vector<Interval> intervals;
+    std::vector<std::vector<double>> ranks;  ///< of distributions and results
+    std::vector<Histogram> histograms;       ///< of results
+};
+
+ColumnResults analyseColumns(const RunSettings& settings, const std::vector<Field>& fields,
+                             const SampleTable& samples) {
+    const std::size_t n = fields.size();
+    ColumnResults found{std::vector<Summary>(n), std::vector<Interval>(n), std::vector<std::vector<double>>(n),
+                        std::vector<Histogram>(n)};
+    forEachIndex(n, [&](std::size_t i) {
+        const auto& column = samples.columns[i];
+        const SortedColumn sorted = sortColumn(column);
+        found.summary[i] = summarise(fields[i], column, sorted);
+        found.intervals[i] = centralInterval(fields[i], sorted, settings.tail);
+        if (fields[i].kind == FieldKind::Distribution || fields[i].kind == FieldKind::Result) {
+            found.ranks[i] = ranksOf(column, sorted);
+        }
+        if (fields[i].kind == FieldKind::Result) {
+            found.histograms[i] = histogramOf(sorted);
+        }
+    });
+    return found;
+}
+
+std::vector<ResultCharts> chartsOf(const std::vector<Field>& fields, const SampleTable& samples,
+                                   const std::vector<Sensitivity>& sensitivity, std::vector<Histogram> histograms) {
+    std::vector<ResultCharts> charts;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (fields[i].kind == FieldKind::Result) {
+            charts.push_back({fields[i].name, std::move(histograms[i]), traceOf(samples.columns[i]),
+                              scatterOf(sensitivity[charts.size()], i, fields, samples)});
+        }
+    }
+    return charts;
+}
 }  // namespace
 
 RunResults analyseRun(const RunSettings& settings, const std::vector<Field>& fields, RunRecord& record) {
@@ -244,28 +281,14 @@ RunResults analyseRun(const RunSettings& settings, const std::vector<Field>& fie
     results.fields = fields;
     // One after the other: a large run leaves room for one more copy of its values.
     results.correlations.linear = correlationOf(fields, record.samples.columns);
-    std::vector<std::vector<double>> ranks(fields.size());
-    std::vector<Histogram> histograms(fields.size());
-    results.summary.resize(fields.size());
-    results.intervals.resize(fields.size());
-    // Sorting the columns is most of the work; they do not depend on each other.
-    forEachIndex(fields.size(), [&](std::size_t i) {
-        const auto& column = record.samples.columns[i];
-        const SortedColumn sorted = sortColumn(column);
-        results.summary[i] = summarise(fields[i], column, sorted);
-        results.intervals[i] = centralInterval(fields[i], sorted, settings.tail);
-        if (fields[i].kind == FieldKind::Distribution || fields[i].kind == FieldKind::Result) {
-            ranks[i] = ranksOf(column, sorted);
-        }
-        if (fields[i].kind == FieldKind::Result) {
-            histograms[i] = histogramOf(sorted);
-        }
-    });
+    ColumnResults columns = analyseColumns(settings, fields, record.samples);
+    results.summary = std::move(columns.summary);
+    results.intervals = std::move(columns.intervals);
     for (std::size_t i = 0; i < fields.size(); ++i) {
         warnOfValues(fields[i], results.summary[i], record.iterations, results.warnings);
     }
     results.warnings.insert(results.warnings.end(), record.incidents.begin(), record.incidents.end());
-    results.correlations.rank = correlationOf(fields, std::move(ranks));
+    results.correlations.rank = correlationOf(fields, std::move(columns.ranks));
     results.correlations.names = results.correlations.rank.names;
     results.correlations.requested = settings.correlation;
     results.correlations.repaired = record.repaired;
@@ -277,18 +300,10 @@ RunResults analyseRun(const RunSettings& settings, const std::vector<Field>& fie
         results.convergence = convergenceOf(*settings.convergence, fields, record);
     }
     for (const SpecificationLimits& limits : settings.capability) {
-        const auto field =
-            std::find_if(fields.begin(), fields.end(), [&](const Field& f) { return f.name == limits.name; });
-        results.capability.push_back(
-            capabilityOf(limits, record.samples.columns[field - fields.begin()], settings.capabilityConfidence));
+        const auto& column = record.samples.columns[fieldIndex(fields, limits.name)];
+        results.capability.push_back(capabilityOf(limits, column, settings.capabilityConfidence));
     }
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        if (fields[i].kind == FieldKind::Result) {
-            const Sensitivity& sensitivity = results.sensitivity[results.charts.size()];
-            results.charts.push_back({fields[i].name, std::move(histograms[i]), traceOf(record.samples.columns[i]),
-                                      scatterOf(sensitivity, i, fields, record.samples)});
-        }
-    }
+    results.charts = chartsOf(fields, record.samples, results.sensitivity, std::move(columns.histograms));
     results.tornado = std::move(record.tornado);
     warnOfRun(settings, results);
     results.samples = std::move(record.samples);

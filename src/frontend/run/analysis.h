@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "frontend/run/driver.h"
-#include "frontend/run/requirements.h"
 
 namespace quorva::frontend {
 

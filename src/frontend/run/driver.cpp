@@ -164,8 +164,7 @@ public:
             stdevInterval(values, settings_.confidence, bounds[0], bounds[1]);
             for (std::size_t k = 0; k < 2; ++k) {
                 const double old = std::exchange(bounds_[2 * i + k], bounds[k]);
-                const double movement = old == 0 ? 0 : std::fabs(bounds[k] - old) / old;
-                settled = settled && std::fabs(movement * 100) <= settings_.tolerancePercent;
+                settled = settled && movementPercent(bounds[k], old) <= settings_.tolerancePercent;
             }
         }
         return settled && !first;
@@ -256,17 +255,15 @@ void takeIntervals(const RunSettings& settings, const std::vector<Field>& fields
 }
 
 namespace {
-std::vector<std::size_t> watchedResults(const RunSettings& settings, const std::vector<Field>& fields,
-                                        bool& everyResult) {
+/// Decides which results convergence watches.
+void chooseWatched(const RunSettings& settings, const std::vector<Field>& fields, RunRecord& record) {
     const bool marked = std::any_of(fields.begin(), fields.end(), [](const Field& f) { return f.watched; });
-    everyResult = !marked || (settings.convergence && settings.convergence->allResults);
-    std::vector<std::size_t> watched;
+    record.watchesEvery = !marked || (settings.convergence && settings.convergence->allResults);
     for (std::size_t i = 0; i < fields.size(); ++i) {
-        if (fields[i].kind == FieldKind::Result && (everyResult || fields[i].watched)) {
-            watched.push_back(i);
+        if (fields[i].kind == FieldKind::Result && (record.watchesEvery || fields[i].watched)) {
+            record.watched.push_back(i);
         }
     }
-    return watched;
 }
 
 }  // namespace
@@ -321,11 +318,10 @@ RunRecord drawRun(const RunSettings& settings, const std::vector<Field>& fields,
         }
         record.repaired = correlation;
     }
-    bool everyResult = false;
-    record.watched = watchedResults(settings, fields, everyResult);
+    chooseWatched(settings, fields, record);
     const bool monitored =
         settings.convergence && settings.convergence->criterion != ConvergenceCriterion::StandardDeviation;
-    const Counts counts = begin(settings, monitored, everyResult, fields);
+    const Counts counts = begin(settings, monitored, record.watchesEvery, fields);
     if (counts.fields != static_cast<int>(fields.size())) {
         throw CommandFailure(ExitStatus::Model, "the number of fields changes from one recalculation to the next");
     }

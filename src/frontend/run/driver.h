@@ -41,6 +41,7 @@ struct RunRecord {
     bool interrupted = false;
     int convergedAt = 0;
     std::vector<int> checks;           ///< iterations at which convergence was looked at
+    bool watchesEvery = false;         ///< convergence watches every result, not only the marked ones
     std::vector<std::size_t> watched;  ///< indices of the results that convergence watches
     std::vector<double> intervals;     ///< a row per field, the columns of intervalcolumn
     std::optional<LabelledMatrix> repaired;

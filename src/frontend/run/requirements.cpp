@@ -95,7 +95,7 @@ private:
                        std::find_if(std::begin(words), std::end(words), [&](const Word& w) { return w.text == word; });
                    found != std::end(words)) {
             requirement.measure = found->measure;
-        } else if (const auto index = capabilityIndex(word)) {
+        } else if (const auto index = capabilityIndex(word == "ppm" ? "ppm_total" : word)) {
             requirement.measure = Measure::Capability;
             requirement.capabilityIndex = *index;
         } else if (const auto percent = word.starts_with('p') ? parseNumber(word.substr(1)) : std::nullopt;
@@ -106,16 +106,6 @@ private:
             fail(wanted);
         }
         at_ = open;
-    }
-
-    static std::optional<int> capabilityIndex(const std::string& word) {
-        const std::string key = word == "ppm" ? "ppm_total" : word;
-        for (int i = 0; i < capabilityIndices; ++i) {
-            if (key == capabilityNames[i].key) {
-                return i;
-            }
-        }
-        return std::nullopt;
     }
 
     std::string name(bool beforeComparison) {
@@ -217,37 +207,33 @@ double capabilityValue(const Requirement& requirement, const RunResults& results
 }
 
 double measured(const Requirement& requirement, const RunResults& results) {
-    if (requirement.measure == Measure::Capability) {
-        return capabilityValue(requirement, results);
+    const std::size_t i = fieldIndex(results.fields, requirement.name);
+    if (i == results.fields.size()) {
+        return noNumber;
     }
-    for (std::size_t i = 0; i < results.fields.size(); ++i) {
-        if (results.fields[i].name != requirement.name) {
-            continue;
+    const Summary& summary = results.summary[i];
+    const auto& column = results.samples.columns[i];
+    switch (requirement.measure) {
+        case Measure::Mean:
+            return summary.mean;
+        case Measure::Stdev:
+            return summary.stdev;
+        case Measure::Median:
+            return summary.percentile(50);
+        case Measure::Minimum:
+            return summary.minimum;
+        case Measure::Maximum:
+            return summary.maximum;
+        case Measure::Percentile:
+            return quantileOfSorted(sortColumn(column).values, requirement.percentile / 100);
+        case Measure::Probability: {
+            const auto count = std::count_if(column.begin(), column.end(), [&](double x) {
+                return !std::isnan(x) && holds(x, requirement.inner, requirement.threshold);
+            });
+            return static_cast<double>(count) / static_cast<double>(summary.count);
         }
-        const Summary& summary = results.summary[i];
-        const auto& column = results.samples.columns[i];
-        switch (requirement.measure) {
-            case Measure::Mean:
-                return summary.mean;
-            case Measure::Stdev:
-                return summary.stdev;
-            case Measure::Median:
-                return summary.percentile(50);
-            case Measure::Minimum:
-                return summary.minimum;
-            case Measure::Maximum:
-                return summary.maximum;
-            case Measure::Percentile:
-                return quantileOfSorted(sortColumn(column).values, requirement.percentile / 100);
-            case Measure::Probability: {
-                const auto count = std::count_if(column.begin(), column.end(), [&](double x) {
-                    return !std::isnan(x) && holds(x, requirement.inner, requirement.threshold);
-                });
-                return static_cast<double>(count) / static_cast<double>(summary.count);
-            }
-            case Measure::Capability:
-                break;
-        }
+        case Measure::Capability:
+            return capabilityValue(requirement, results);
     }
     return noNumber;
 }
@@ -257,14 +243,10 @@ Requirement parseRequirement(std::string_view expression) { return Parser(expres
 
 void checkRequirement(const Requirement& requirement, const std::vector<Field>& fields,
                       const std::vector<SpecificationLimits>& limits) {
-    std::vector<std::string> names;
-    for (const Field& field : fields) {
-        names.push_back(field.name);
-    }
-    if (std::find(names.begin(), names.end(), requirement.name) == names.end()) {
+    if (fieldIndex(fields, requirement.name) == fields.size()) {
         throw CommandFailure(ExitStatus::Model, "requirement \"" + requirement.expression +
                                                     "\": the model has no field named '" + requirement.name + "'" +
-                                                    nearestHint(requirement.name, names));
+                                                    nearestHint(requirement.name, fieldNames(fields)));
     }
     const bool limited = std::any_of(limits.begin(), limits.end(),
                                      [&](const SpecificationLimits& limit) { return limit.name == requirement.name; });

@@ -64,16 +64,6 @@ double numberOf(const TableCell& cell, const std::string& source, std::size_t ro
     return *value;
 }
 
-std::vector<std::string> namesOf(const std::vector<Field>& fields, bool distributionsOnly) {
-    std::vector<std::string> names;
-    for (const Field& field : fields) {
-        if (!distributionsOnly || field.kind == FieldKind::Distribution) {
-            names.push_back(field.name);
-        }
-    }
-    return names;
-}
-
 void checkLabels(const std::vector<std::string>& labels, const std::vector<std::string>& known,
                  const std::string& source, const std::string& what) {
     std::set<std::string> seen;
@@ -223,7 +213,7 @@ std::vector<SpecificationLimits> capabilityFromTable(const CellTable& given, con
 }
 
 void checkCorrelationLabels(const LabelledMatrix& matrix, const std::vector<Field>& fields, const std::string& source) {
-    checkLabels(matrix.names, namesOf(fields, true), source, "distribution");
+    checkLabels(matrix.names, fieldNames(fields, FieldKind::Distribution), source, "distribution");
 }
 
 void checkCapabilityLabels(const std::vector<SpecificationLimits>& limits, const std::vector<Field>& fields,
@@ -232,7 +222,7 @@ void checkCapabilityLabels(const std::vector<SpecificationLimits>& limits, const
     for (const SpecificationLimits& limit : limits) {
         labels.push_back(limit.name);
     }
-    checkLabels(labels, namesOf(fields, false), source, "field");
+    checkLabels(labels, fieldNames(fields), source, "field");
 }
 
 }  // namespace quorva::frontend

@@ -314,6 +314,8 @@ void percentileInterval(std::span<const double> values, double p, double confide
     }
 }
 
+double movementPercent(double now, double before) { return before == 0 ? 0 : std::fabs((now - before) / before) * 100; }
+
 Trace traceOf(std::span<const double> column) {
     constexpr std::size_t most = 60;
     Trace trace;

@@ -42,6 +42,9 @@ void meanInterval(std::span<const double> values, double confidence, double& low
 /// Two-sided large-sample interval of the p-quantile.
 void percentileInterval(std::span<const double> values, double p, double confidence, double& lower, double& upper);
 
+/// How far a bound moved from one check to the next, in percent, by the module's rule: a bound of 0 does not move.
+double movementPercent(double now, double before);
+
 /// Running mean with its 95 % interval at up to 60 iterations.
 Trace traceOf(std::span<const double> column);
 
