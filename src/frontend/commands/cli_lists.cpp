@@ -30,13 +30,14 @@ int show(const ListOptions& options, const Json& json, const std::vector<std::st
 int lawsCommand(const ListOptions& options) {
     Json json = Json::array();
     std::vector<std::vector<std::string>> rows;
+    const auto add = [&](int law, std::string_view function, const std::vector<std::string>& parameters) {
+        rows.push_back({std::to_string(law), std::string(function), joined(parameters, ", ")});
+        json.push_back({{"law", law}, {"function", function}, {"parameters", parameters}});
+    };
     for (const LawEntry& law : lawTable) {
-        std::vector<std::string> parameters(law.parameterNames.begin(), law.parameterNames.begin() + law.parameters);
-        rows.push_back({std::to_string(law.law), std::string(law.wrapper), joined(parameters, ", ")});
-        json.push_back({{"law", law.law}, {"function", law.wrapper}, {"parameters", parameters}});
+        add(law.law, law.wrapper, {law.parameterNames.begin(), law.parameterNames.begin() + law.parameters});
     }
-    rows.push_back({std::to_string(empiricLaw), "QUORVA_SimEmpiricUniform", "values"});
-    json.push_back({{"law", empiricLaw}, {"function", "QUORVA_SimEmpiricUniform"}, {"parameters", {"values"}}});
+    add(empiricLaw, "QUORVA_SimEmpiricUniform", {"values"});
     return show(options, json, {"law", "function", "parameters"}, rows);
 }
 

@@ -1,10 +1,7 @@
 #include "frontend/commands/cli_run.h"
 
-#include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <random>
-#include <sstream>
 
 #include <nlohmann/json.hpp>
 
@@ -16,9 +13,11 @@
 #include "frontend/reports/report_xlsx.h"
 #include "frontend/reports/summary_text.h"
 #include "frontend/run/block_run.h"
+#include "frontend/run/convergence_criterion.h"
 #include "frontend/run/model_session.h"
 #include "frontend/run/requirements.h"
 #include "frontend/text/command_failure.h"
+#include "frontend/text/input_file.h"
 #include "frontend/text/number_text.h"
 #include "frontend/text/output_file.h"
 #include "frontend/text/text.h"
@@ -46,12 +45,7 @@ int drawnSeed() {
 
 ConvergenceSettings convergenceSettings(const RunOptions& options) {
     ConvergenceSettings settings;
-    if (options.converge == "stdev") {
-        settings.criterion = ConvergenceCriterion::StandardDeviation;
-    } else if (options.converge.starts_with("percentile=")) {
-        settings.criterion = ConvergenceCriterion::Percentile;
-        settings.percentile = parseNumber(options.converge.substr(11)).value_or(50);
-    }
+    readCriterion(options.converge, settings);
     settings.tolerancePercent = options.tolerance;
     settings.confidence = options.confidence;
     settings.checkEvery = options.checkEvery;
@@ -80,21 +74,6 @@ RunSettings settingsOf(const RunOptions& options) {
     return settings;
 }
 
-bool isFile(const std::string& name) {
-    std::error_code error;
-    return std::filesystem::is_regular_file(name, error);
-}
-
-std::string contents(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    if (!in) {
-        throw CommandFailure(ExitStatus::Usage, "'" + file + "' cannot be read");
-    }
-    return text.str();
-}
-
 struct SettingTable {
     CellTable cells;
     std::string source;  ///< for messages
@@ -116,7 +95,7 @@ std::optional<SettingTable> settingTable(const std::string& option, const std::s
         return SettingTable{std::move(*cells), source};
     }
     if (isFile(given)) {
-        return SettingTable{tableFromCsv(contents(given)), source};
+        return SettingTable{tableFromCsv(fileContents(given)), source};
     }
     throw CommandFailure(ExitStatus::Usage, source + ": neither a range or defined name of the workbook nor a file");
 }
@@ -232,7 +211,7 @@ void warnOfCutSamples(const RunOptions& options, RunResults& results) {
 
 void stopIfInterrupted() {
     if (interruptionRequested()) {
-        throw CommandFailure(ExitStatus::Interrupted, "interrupted before the first iteration");
+        throw interruptedTooEarly();
     }
 }
 }  // namespace
@@ -262,7 +241,7 @@ int runCommand(const RunOptions& options) {
     RunResults results = options.jobs ? runModelInBlocks(settings, fields, host, observer, *options.jobs)
                                       : runModel(settings, fields, host, observer);
     bar.clear();
-    results.workbook = std::filesystem::path(options.workbook).filename().string();
+    results.workbook = fileName(options.workbook);
     results.notes = std::move(notes);
     noteWatched(results);
     warnOfCutSamples(options, results);

@@ -12,6 +12,7 @@
 #include "frontend/text/cell_address.h"
 #include "frontend/text/command_failure.h"
 #include "frontend/text/csv.h"
+#include "frontend/text/input_file.h"
 #include "frontend/text/number_text.h"
 #include "frontend/text/output_file.h"
 #include "frontend/text/text.h"
@@ -36,8 +37,6 @@ void commit(const std::string& file, const Json& json) {
         Outputs::commit({{file, [&](Sink& sink) { sink.write(jsonText(json)); }}});
     }
 }
-
-std::string fileName(const std::string& path) { return std::filesystem::path(path).filename().string(); }
 
 std::string verificationText(const Verification& verification, bool list) {
     std::vector<std::vector<std::string>> rows;
@@ -98,7 +97,6 @@ std::string valueLine(const Book& book, const workbook::CellAddress& cell, const
     std::string type = "n", text = exactNumber(value.number);
     switch (value.type) {
         case CellValue::Type::Blank:
-            break;
         case CellValue::Type::Number:
             break;
         case CellValue::Type::Text:
@@ -130,7 +128,7 @@ int inspectCommand(const ModelOptions& options) {
     if (options.json != "-") {
         std::vector<std::vector<std::string>> rows;
         for (const Field& field : fields) {
-            rows.push_back({std::to_string(field.number), field.name, cellAddress(field.sheet, field.row, field.column),
+            rows.push_back({std::to_string(field.number), field.name, cellAddress(field),
                             std::string(kindName(field.kind)), readableNumber(field.defaultValue),
                             fieldDescription(field)});
         }

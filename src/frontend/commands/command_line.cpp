@@ -8,6 +8,7 @@
 #include <CLI/Formatter.hpp>
 
 #include "frontend/results/settings.h"
+#include "frontend/run/convergence_criterion.h"
 
 namespace quorva::frontend {
 
@@ -46,11 +47,8 @@ CLI::Validator wholeNumber(int low, int high) {
 CLI::Validator convergenceCriterion() {
     return CLI::Validator(
         [](std::string& input) -> std::string {
-            double percentile = 0;
-            const bool known =
-                input == "mean" || input == "stdev" ||
-                (input.starts_with("percentile=") && CLI::detail::lexical_cast(input.substr(11), percentile) &&
-                 percentile > 0 && percentile < 100);
+            ConvergenceSettings settings;
+            const bool known = readCriterion(input, settings);
             return known ? "" : "'" + input + "' is not mean, stdev or percentile=P with P between 0 and 100";
         },
         "", "criterion");
@@ -60,9 +58,14 @@ void addWorkbook(CLI::App& command, std::string& workbook) {
     command.add_option("WORKBOOK", workbook, "The .xlsx or .xlsm file; it is read, never written")->required();
 }
 
-void addJson(CLI::App& command, std::string& json) {
-    command.add_option("--json", json, "Write JSON to FILE; - is standard output, which then holds nothing else")
+CLI::Option* addJson(CLI::App& command, std::string& json) {
+    return command
+        .add_option("--json", json, "Write JSON to FILE; - is standard output, which then holds nothing else")
         ->type_name("FILE");
+}
+
+CLI::Option* addSingleSheet(CLI::App& command, bool& singleSheet) {
+    return command.add_flag("--single-sheet", singleSheet, "All fields stand on one sheet");
 }
 
 void addSampling(CLI::App& run, RunOptions& options) {
@@ -90,7 +93,7 @@ void addSampling(CLI::App& run, RunOptions& options) {
         ->check(wholeNumber(1, 1024))
         ->type_name("J")
         ->group(group);
-    run.add_flag("--single-sheet", options.singleSheet, "All fields stand on one sheet")->group(group);
+    addSingleSheet(run, options.singleSheet)->group(group);
 }
 
 void addSettings(CLI::App& run, RunOptions& options) {
@@ -191,9 +194,7 @@ void addOutputs(CLI::App& run, RunOptions& options) {
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     run.add_flag("--samples-sheet", options.samplesSheet, "Put every value into the .xlsx report too")->group(group);
-    run.add_option("--json", options.json, "Write JSON to FILE; - is standard output, which then holds nothing else")
-        ->type_name("FILE")
-        ->group(group);
+    addJson(run, options.json)->group(group);
     run.add_option("--samples", options.samples, "Write every value to a CSV file")->type_name("FILE")->group(group);
     run.add_flag("--quiet", options.quiet, "No summary and no progress bar; warnings and errors still show")
         ->group(group);
@@ -224,7 +225,7 @@ void addModelCommands(CLI::App& app, CommandOptions& options) {
     CLI::App& inspect =
         *app.add_subcommand("inspect", "List the model: fields, laws, parameters, cells, default values");
     addWorkbook(inspect, options.inspect.workbook);
-    inspect.add_flag("--single-sheet", options.inspect.singleSheet, "All fields stand on one sheet");
+    addSingleSheet(inspect, options.inspect.singleSheet);
     addJson(inspect, options.inspect.json);
     inspect.footer("Examples:\n  quorva inspect model.xlsx\n  quorva inspect model.xlsx --json fields.json");
 

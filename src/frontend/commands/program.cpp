@@ -1,6 +1,5 @@
 #include "frontend/commands/program.h"
 
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,6 +15,7 @@
 #include "frontend/commands/command_line.h"
 #include "frontend/commands/configuration.h"
 #include "frontend/commands/man_page.h"
+#include "frontend/commands/terminal.h"
 #include "frontend/text/command_failure.h"
 #include "frontend/text/output_file.h"
 #include "frontend/text/text.h"
@@ -26,7 +26,8 @@ namespace quorva::frontend {
 namespace {
 void complain(const std::string& sentence) { std::cerr << "quorva: " << printable(sentence) << std::endl; }
 
-const CLI::App& chosen(const CLI::App& app) {
+/// The command that was given, or the program itself.
+const CLI::App& chosenCommand(const CLI::App& app) {
     const auto commands = app.get_subcommands();
     return commands.empty() ? app : *commands.front();
 }
@@ -34,7 +35,7 @@ const CLI::App& chosen(const CLI::App& app) {
 /// The nearest command or option to a word that is neither.
 std::string hintFor(const CLI::App& app, const std::string& word) {
     std::vector<std::string> known;
-    const CLI::App& command = chosen(app);
+    const CLI::App& command = chosenCommand(app);
     for (const CLI::Option* option : command.get_options()) {
         for (const std::string& name : option->get_lnames()) {
             known.push_back("--" + name);
@@ -48,8 +49,7 @@ std::string hintFor(const CLI::App& app, const std::string& word) {
 
 int usageError(const CLI::App& app, const CLI::ParseError& error) {
     std::string message = error.what();
-    if (const auto* extras = dynamic_cast<const CLI::ExtrasError*>(&error)) {
-        (void)extras;
+    if (dynamic_cast<const CLI::ExtrasError*>(&error)) {
         const auto remaining = app.remaining(true);
         if (!remaining.empty()) {
             const bool option = remaining.front().starts_with("-");
@@ -57,7 +57,7 @@ int usageError(const CLI::App& app, const CLI::ParseError& error) {
                       hintFor(app, remaining.front());
         }
     }
-    const CLI::App& command = chosen(app);
+    const CLI::App& command = chosenCommand(app);
     complain(message);
     std::cerr << "see 'quorva" << (&command == &app ? "" : " " + command.get_name()) << " --help'" << std::endl;
     return static_cast<int>(ExitStatus::Usage);
@@ -71,9 +71,8 @@ void parse(CLI::App& app, std::vector<std::string> arguments) {
 
 /// At most 100 columns, and no more than the terminal has unless it is very narrow.
 std::size_t helpWidth() {
-    winsize size{};
-    const bool terminal = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    return terminal ? std::clamp<std::size_t>(size.ws_col, 60, 100) : 100;
+    constexpr int widest = 100;
+    return static_cast<std::size_t>(std::clamp(terminalColumns(STDOUT_FILENO).value_or(widest), 60, widest));
 }
 
 int dispatch(const CLI::App& app, const CommandOptions& options) {
@@ -81,7 +80,7 @@ int dispatch(const CLI::App& app, const CommandOptions& options) {
         printOut(manPage(app));
         return 0;
     }
-    const CLI::App& command = chosen(app);
+    const CLI::App& command = chosenCommand(app);
     const std::string name = &command == &app ? "" : command.get_name();
     if (name == "run")
         return runCommand(options.run);
@@ -109,7 +108,7 @@ int parseAndDispatch(const std::vector<std::string>& arguments) {
         if (!options->run.config.empty()) {
             const std::string file = options->run.config;
             std::vector<std::string> all = arguments;
-            for (std::string& more : configurationArguments(file, chosen(*app))) {
+            for (std::string& more : configurationArguments(file, chosenCommand(*app))) {
                 all.push_back(std::move(more));
             }
             auto again = std::make_unique<CommandOptions>();
@@ -119,7 +118,7 @@ int parseAndDispatch(const std::vector<std::string>& arguments) {
             parse(*app, all);
         }
     } catch (const CLI::CallForHelp&) {
-        printOut(wrappedHelp(chosen(*app).help(&chosen(*app) == app.get() ? "" : "quorva"), helpWidth()));
+        printOut(wrappedHelp(chosenCommand(*app).help(&chosenCommand(*app) == app.get() ? "" : "quorva"), helpWidth()));
         return 0;
     } catch (const CLI::CallForVersion& version) {
         printOut(std::string(version.what()) + "\n");

@@ -1,6 +1,5 @@
 #include "frontend/commands/progress.h"
 
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,16 +8,10 @@
 #include <cstdio>
 #include <iostream>
 
+#include "frontend/commands/terminal.h"
 #include "frontend/text/number_text.h"
 
 namespace quorva::frontend {
-
-namespace {
-int terminalColumns() {
-    winsize size{};
-    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 100;
-}
-}  // namespace
 
 std::string progressLine(int done, int planned, double seconds, int columns) {
     constexpr int bars = 24;
@@ -57,7 +50,8 @@ void ProgressBar::update(int done, int planned) {
     next_ = now + std::chrono::milliseconds(100);
     drawn_ = true;
     std::cerr << "\r\033[K"
-              << progressLine(done, planned, std::chrono::duration<double>(now - start_).count(), terminalColumns())
+              << progressLine(done, planned, std::chrono::duration<double>(now - start_).count(),
+                              terminalColumns(STDERR_FILENO).value_or(100))
               << std::flush;
 }
 

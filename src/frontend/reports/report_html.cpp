@@ -10,7 +10,6 @@
 #include "frontend/reports/report_assets.h"
 #include "frontend/reports/report_json.h"
 #include "frontend/reports/settings_text.h"
-#include "frontend/text/cell_address.h"
 #include "frontend/text/number_text.h"
 
 namespace quorva::frontend {
@@ -242,8 +241,8 @@ std::string summaryTables(const RunResults& results) {
 HtmlTable modelTable(const RunResults& results) {
     HtmlTable table{"", {"Field", "Cell", "Kind", "Definition", "Default"}, {}, 4};
     for (const Field& field : results.fields) {
-        table.rows.push_back({field.name, cellAddress(field.sheet, field.row, field.column),
-                              std::string(kindName(field.kind)), fieldDescription(field), shown(field.defaultValue)});
+        table.rows.push_back({field.name, cellAddress(field), std::string(kindName(field.kind)),
+                              fieldDescription(field), shown(field.defaultValue)});
     }
     return table;
 }

@@ -3,7 +3,6 @@
 #include "frontend/reports/model_terms.h"
 #include "frontend/reports/report_xlsx_sheets.h"
 #include "frontend/reports/settings_text.h"
-#include "frontend/text/cell_address.h"
 #include "frontend/text/number_text.h"
 
 namespace quorva::frontend {
@@ -172,7 +171,7 @@ void writeSettings(XlsxSheet sheet, const RunResults& results) {
     sheet.header(row++, 0, {"Field", "Cell", "Kind", "Definition", "Default"}, 4);
     for (const Field& field : results.fields) {
         sheet.text(row, 0, field.name);
-        sheet.text(row, 1, cellAddress(field.sheet, field.row, field.column));
+        sheet.text(row, 1, cellAddress(field));
         sheet.text(row, 2, std::string(kindName(field.kind)));
         sheet.text(row, 3, fieldDescription(field));
         sheet.number(row++, 4, field.defaultValue);

@@ -6,11 +6,10 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "frontend/reports/xlsx_combination.h"
 #include "frontend/text/command_failure.h"
+#include "frontend/text/input_file.h"
 
 namespace quorva::frontend {
 
@@ -206,10 +205,7 @@ std::string XlsxBook::finish() {
                              std::string("the .xlsx report could not be written: ") + lxw_strerror(error));
     }
     lineOverColumns(file_, combined_, "Cumulative share");
-    std::ifstream in(file_, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return std::move(bytes).str();
+    return fileContents(file_);
 }
 
 }  // namespace quorva::frontend

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "frontend/results/settings.h"
+#include "frontend/text/cell_address.h"
 
 namespace quorva::frontend {
 
@@ -43,6 +44,9 @@ struct Field {
         return {lower, upper, type != static_cast<double>(ScenarioMode::Quantitative), step};
     }
 };
+
+/// "Costs!B7": where a field stands.
+inline std::string cellAddress(const Field& field) { return cellAddress(field.sheet, field.row, field.column); }
 
 /// Names of the fields, or of those of one kind.
 inline std::vector<std::string> fieldNames(const std::vector<Field>& fields,

@@ -5,10 +5,10 @@
 #include <type_traits>
 #include <utility>
 
+#include "frontend/run/convergence_criterion.h"
 #include "frontend/run/missing_numbers.h"
 #include "frontend/run/parallel.h"
 #include "frontend/run/statistics.h"
-#include "frontend/text/cell_address.h"
 #include "frontend/text/number_text.h"
 #include "quorva/front_end.h"
 
@@ -99,18 +99,6 @@ std::vector<Sensitivity> sensitivities(const RunSettings& settings, const std::v
     return all;
 }
 
-std::string criterionText(const ConvergenceSettings& settings) {
-    switch (settings.criterion) {
-        case ConvergenceCriterion::Mean:
-            return "mean";
-        case ConvergenceCriterion::StandardDeviation:
-            return "stdev";
-        case ConvergenceCriterion::Percentile:
-            return "percentile=" + exactNumber(settings.percentile);
-    }
-    return {};
-}
-
 /// The intervals that the checks compared, from the samples with the module's formulas.
 Convergence convergenceOf(const ConvergenceSettings& settings, const std::vector<Field>& fields,
                           const RunRecord& record) {
@@ -167,11 +155,9 @@ Scatter scatterOf(const Sensitivity& sensitivity, std::size_t result, const std:
     return scatter;
 }
 
-std::string cellOf(const Field& field) { return cellAddress(field.sheet, field.row, field.column); }
-
 /// What the values of one field give reason to warn of.
 void warnOfValues(const Field& field, const Summary& summary, int iterations, std::vector<std::string>& warnings) {
-    const std::string who = "'" + field.name + "' (" + cellOf(field) + ")";
+    const std::string who = "'" + field.name + "' (" + cellAddress(field) + ")";
     const std::string errors = std::to_string(summary.errors) + " of " + std::to_string(iterations) + " iterations";
     if (field.kind == FieldKind::Distribution && summary.errors > 0) {
         warnings.push_back("the distribution " + who + " gave no number in " + errors +
@@ -202,10 +188,11 @@ void warnOfSteps(const TornadoSettings& tornado, RunResults& results) {
         const double last = range.lower + (tornado.points - 1) * range.step;
         if (last + range.step <= range.upper) {
             const double steps = std::floor((range.upper - range.lower) / range.step);
-            results.warnings.push_back("the tornado moves '" + field.name + "' (" + cellOf(field) + ") in steps of " +
-                                       readableNumber(range.step) + " from " + readableNumber(range.lower) + " to " +
-                                       readableNumber(last) + " only; --points " + readableNumber(steps + 1) +
-                                       " reaches " + readableNumber(range.lower + steps * range.step));
+            results.warnings.push_back("the tornado moves '" + field.name + "' (" + cellAddress(field) +
+                                       ") in steps of " + readableNumber(range.step) + " from " +
+                                       readableNumber(range.lower) + " to " + readableNumber(last) +
+                                       " only; --points " + readableNumber(steps + 1) + " reaches " +
+                                       readableNumber(range.lower + steps * range.step));
         }
     }
 }

@@ -23,6 +23,7 @@ int blockSeed(int seed, int number) {
     return static_cast<int>((z ^ (z >> 31)) % 2147483647) + 1;
 }
 
+/// Refuses what needs all iterations in one process.
 void refuse(const RunSettings& settings, const std::vector<Field>& fields) {
     if (settings.convergence) {
         throw CommandFailure(
@@ -213,7 +214,7 @@ RunResults runModelInBlocks(const RunSettings& settings, const std::vector<Field
     record.samples = {};
     crew.gather(record);
     if (record.iterations == 0) {
-        throw record.interrupted ? CommandFailure(ExitStatus::Interrupted, "interrupted before the first iteration")
+        throw record.interrupted ? interruptedTooEarly()
                                  : CommandFailure(ExitStatus::Internal, "every block of the run was lost");
     }
     if (shared.tornado) {

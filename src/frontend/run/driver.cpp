@@ -280,6 +280,8 @@ void checkSize(const RunSettings& settings, std::size_t fields) {
     }
 }
 
+CommandFailure interruptedTooEarly() { return {ExitStatus::Interrupted, "interrupted before the first iteration"}; }
+
 IdleAfterwards::~IdleAfterwards() {
     int seed = 1, used = 0;
     Cpp_SimReset(&seed, hostTrue, &used);
@@ -328,7 +330,7 @@ RunRecord drawRun(const RunSettings& settings, const std::vector<Field>& fields,
     Gaps gaps(fields.size());
     iterate(settings, fields, monitored, host, observer, record, gaps);
     if (record.iterations == 0) {
-        throw CommandFailure(ExitStatus::Interrupted, "interrupted before the first iteration");
+        throw interruptedTooEarly();
     }
     record.intervals = end(counts, settings.tail, record.iterations).intervals;
     fetchSamples(fields, gaps, record);

@@ -10,6 +10,7 @@
 
 #include "frontend/results/run_results.h"
 #include "frontend/results/settings.h"
+#include "frontend/text/command_failure.h"
 
 namespace quorva::frontend {
 
@@ -59,6 +60,9 @@ public:
     IdleAfterwards& operator=(const IdleAfterwards&) = delete;
     ~IdleAfterwards();
 };
+
+/// What to throw when a run is interrupted before it has anything to report.
+CommandFailure interruptedTooEarly();
 
 // The steps of a run, for those who need them one by one.
 

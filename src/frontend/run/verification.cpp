@@ -14,11 +14,9 @@ using workbook::CellValue;
 namespace {
 /// Whether a formula calls a function that solves by iteration.
 bool solvesByIteration(std::string_view formula) {
-    constexpr std::array<std::string_view, 4> solvers{"IRR(", "XIRR(", "RATE(", "YIELD("};
-    std::string upper(formula);
-    std::transform(upper.begin(), upper.end(), upper.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return std::any_of(solvers.begin(), solvers.end(), [&](auto name) { return upper.find(name) != upper.npos; });
+    constexpr std::array<std::string_view, 4> solvers{"irr(", "xirr(", "rate(", "yield("};
+    const std::string lower = lowerCase(formula);
+    return std::any_of(solvers.begin(), solvers.end(), [&](auto name) { return lower.find(name) != lower.npos; });
 }
 
 std::string shown(const CellValue& value) {
