@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t longestText = 32767;
 constexpr lxw_color_t headerColour = 0x1F4E79;
 
-/// The writer takes a count of UTF-8 characters up to the sheet's limit.
+/// A cell holds so many characters; as many bytes of UTF-8 are never more.
 std::string limited(const std::string& text) {
     if (text.size() <= longestText) {
         return text;

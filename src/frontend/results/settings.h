@@ -1,4 +1,4 @@
-// What a run is asked to do. Plain values; every front end (command line, macro) fills the same structures.
+// What a run is asked to do, as plain values.
 #pragma once
 
 #include <optional>

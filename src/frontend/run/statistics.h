@@ -19,7 +19,7 @@ SortedColumn sortColumn(std::span<const double> column);
 /// Quantile of ascending values at position 1 + (n - 1) p (Hyndman and Fan 1996, type 7); NaN without values.
 double quantileOfSorted(std::span<const double> sorted, double p);
 
-/// Moments and percentiles; `iterations` less the count of numbers are the errors.
+/// Moments and percentiles of the numbers of a column; its other values are the errors.
 Summary summarise(const Field& field, std::span<const double> column, const SortedColumn& sorted);
 
 Interval centralInterval(const Field& field, const SortedColumn& sorted, double tail);
@@ -34,7 +34,7 @@ std::vector<double> ranksOf(std::span<const double> column, const SortedColumn& 
 /// The columns are used up: large runs have no room for another copy.
 LabelledMatrix correlationMatrix(std::vector<std::string> names, std::vector<std::vector<double>> columns);
 
-/// Two-sided interval of the standard deviation of the first n values: s -+ z s sqrt((b2 - 1) / (4 (n - 1))), b2 the
+/// Two-sided interval of the standard deviation of n values: s -+ z s sqrt((b2 - 1) / (4 (n - 1))), b2 the
 /// Pearson kurtosis and z the standard normal quantile of (1 + confidence) / 2.
 void stdevInterval(std::span<const double> values, double confidence, double& lower, double& upper);
 /// Two-sided normal interval of the mean.
