@@ -6,6 +6,7 @@
 
 #include "frontend/text/cell_address.h"
 #include "frontend/text/number_text.h"
+#include "frontend/text/text.h"
 
 namespace quorva::frontend {
 
