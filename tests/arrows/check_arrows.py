@@ -7,6 +7,7 @@ The picture is the code block that starts with the line "sees". Its lines:
   FOLDER: FOLDER...             the folder sees these, and what those see
   FOLDER => FOLDER...           the folder calls functions of these that include/quorva declares, resolved when the
                                 module is loaded; a name stands for the rooms below it, too
+  FOLDER | HEADER...            these are all that others than the folder's own rooms include of it
 LISTING is what the build says: "folder NAME: FOLDER..." with the folders that a target links, then a line "object FILE"
 for each of its objects. Compared with the picture are the arrows of the build, the includes of every file, and the
 calls: the undefined symbols of a folder's objects that another folder's objects define. NM is the target's nm.
@@ -42,12 +43,16 @@ class Picture:
             raise SystemExit('ARCHITECTURE.md has no code block that starts with "sees"')
         self.arrows = {}
         self.edges = []  # (from, to)
+        self.faces = {}  # the headers that a folder shows to others
         for line in block.group(1).splitlines():
             if not line.strip() or line.startswith("#"):
                 continue
             edge = re.fullmatch(r"(\S+)\s*=>\s*(.+)", line)
             arrow = re.fullmatch(r"([^\s:]+)\s*:\s*(.*)", line)
-            if edge:
+            face = re.fullmatch(r"(\S+)\s*\|\s*(.+)", line)
+            if face:
+                self.faces[face.group(1)] = face.group(2).split()
+            elif edge:
                 self.edges += [(edge.group(1), to) for to in edge.group(2).split()]
             elif arrow:
                 self.arrows[arrow.group(1)] = arrow.group(2).split()
@@ -65,6 +70,11 @@ class Picture:
 
     def may_see(self, folder, other):
         return folder == other or other in self.seen.get(folder, ())
+
+    def hides(self, folder, header):
+        """Whether the header belongs to a folder that does not show it to this one."""
+        return any(within(header, owner) and not within(folder, owner) and header not in shown
+                   for owner, shown in self.faces.items())
 
     def may_call_over_the_edge(self, folder, other):
         return any(within(folder, source) and within(other, target) for source, target in self.edges)
@@ -114,6 +124,9 @@ def check_includes(picture, root):
     for path in files:
         name = path.relative_to(root).as_posix()
         folder = owner_of(name.removeprefix("src/"), picture.arrows) if name.startswith("src/") else "include/quorva"
+        if folder is None and path.name == "main.cpp":  # a program's start, beside the rooms that it is made of
+            folder = max((room for room in picture.arrows if within(room, name.split("/")[1])),
+                         key=lambda room: len(picture.seen[room]), default=None)
         if folder is None:
             problems.append(f"{name}: lies in no folder of the picture")
             continue
@@ -126,6 +139,8 @@ def check_includes(picture, root):
                 problems.append(f'{name}:{number}: "{include.group(1)}" is named by no folder of the picture')
             elif not picture.may_see(folder, other):
                 problems.append(f'{name}:{number}: {folder} includes "{include.group(1)}", but may not see {other}')
+            elif picture.hides(folder, include.group(1)):
+                problems.append(f'{name}:{number}: {folder} includes "{include.group(1)}", which is not for others')
     return problems
 
 
