@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <csignal>
+#include <functional>
 #include <iostream>
+#include <map>
 #include <new>
 
 #include <CLI/CLI.hpp>
@@ -82,20 +84,18 @@ int dispatch(const CLI::App& app, const CommandOptions& options) {
     }
     const CLI::App& command = chosenCommand(app);
     const std::string name = &command == &app ? "" : command.get_name();
-    if (name == "run")
-        return runCommand(options.run);
-    if (name == "inspect")
-        return inspectCommand(options.inspect);
-    if (name == "verify")
-        return verifyCommand(options.verify);
-    if (name == "values")
-        return valuesCommand(options.values);
-    if (name == "laws")
-        return lawsCommand(options.laws);
-    if (name == "functions")
-        return functionsCommand(options.functions);
-    if (name == "statistics")
-        return statisticsCommand(options.statistics);
+    const std::map<std::string, std::function<int()>> commands{
+        {"run", [&] { return runCommand(options.run); }},
+        {"inspect", [&] { return inspectCommand(options.inspect); }},
+        {"verify", [&] { return verifyCommand(options.verify); }},
+        {"values", [&] { return valuesCommand(options.values); }},
+        {"laws", [&] { return lawsCommand(options.laws); }},
+        {"functions", [&] { return functionsCommand(options.functions); }},
+        {"statistics", [&] { return statisticsCommand(options.statistics); }},
+    };
+    if (const auto found = commands.find(name); found != commands.end()) {
+        return found->second();
+    }
     std::cerr << wrappedHelp(app.help(), helpWidth()) << std::flush;
     return static_cast<int>(ExitStatus::Usage);
 }

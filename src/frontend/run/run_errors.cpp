@@ -89,6 +89,10 @@ bool runErrorPending() { return readError(false).code != runerror::none; }
 
 CommandFailure runError(int code, const std::vector<Field>& fields) {
     const ErrorRecord first = readError(false);
+    // Memory that cannot be had has the number of a cell beyond the grid, and no cell.
+    if (first.code == runerror::outOfMemory && first.row < limit::gridRows && first.column < limit::gridColumns) {
+        return {ExitStatus::Internal, "there is not enough memory for this run"};
+    }
     if (first.code != runerror::none) {
         return {ExitStatus::Model, sentence(first.code, first, fields)};
     }
