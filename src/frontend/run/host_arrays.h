@@ -7,7 +7,7 @@
 
 #include "quorva/automation.h"
 
-#include "frontend/text/unicode.h"
+#include "common/unicode.h"
 
 namespace quorva::frontend {
 
@@ -26,7 +26,7 @@ public:
     HostString* data() { return strings_.data(); }
     std::string utf8(std::size_t index) const {
         const HostString text = strings_[index];
-        return text ? toUtf8({text, SysStringLen(text)}) : std::string{};
+        return text ? utf8FromUtf16({text, SysStringLen(text)}) : std::string{};
     }
 
 private:
@@ -40,7 +40,7 @@ public:
     explicit HostLabels(std::span<const std::string> labels)
         : array_(SafeArrayCreateVector(hostStringVariant, 0, static_cast<std::uint32_t>(labels.size()))) {
         for (std::size_t i = 0; i < labels.size(); ++i) {
-            elements()[i] = SysAllocString(toUtf16(labels[i]).c_str());
+            elements()[i] = SysAllocString(utf16FromUtf8(labels[i]).c_str());
         }
     }
     HostLabels(const HostLabels&) = delete;
@@ -56,7 +56,7 @@ public:
         std::vector<std::string> labels;
         for (std::uint32_t i = 0; array_ && i < array_->rgsabound[0].cElements; ++i) {
             const HostString text = elements()[i];
-            labels.push_back(text ? toUtf8({text, SysStringLen(text)}) : std::string{});
+            labels.push_back(text ? utf8FromUtf16({text, SysStringLen(text)}) : std::string{});
         }
         return labels;
     }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "frontend/text/unicode.h"
+#include "common/unicode.h"
 
 namespace quorva::frontend {
 
@@ -26,6 +26,14 @@ std::size_t columnsOf(char32_t c) {
     return std::any_of(std::begin(combining), std::end(combining), holds) ? 0
            : std::any_of(std::begin(wide), std::end(wide), holds)         ? 2
                                                                           : 1;
+}
+
+std::u32string codePoints(std::string_view text) {
+    std::u32string points;
+    for (std::size_t i = 0; i < text.size();) {
+        points += nextCodePoint(text, i);
+    }
+    return points;
 }
 
 std::size_t editDistance(const std::u32string& a, const std::u32string& b) {
