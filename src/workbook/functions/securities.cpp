@@ -28,6 +28,10 @@ struct Coupons {
     double elapsed = 0;  ///< days from the previous coupon to the settlement
     double period = 0;   ///< days of the coupon period
     double toNext = 0;   ///< days from the settlement to the next coupon
+
+    /// The part of the coupon period that is still to come. Not by toNext: of a period of nominal length (ACT/360,
+    /// ACT/365) prices count what has not elapsed.
+    double ahead() const { return (period - elapsed) / period; }
 };
 
 /// The coupon date `steps` periods before the maturity; at the end of the month when the maturity is.
@@ -113,7 +117,7 @@ Value previousCoupon(Call& call, Arguments arguments) {
 double priceOf(const Coupons& paper, double rate, double yield, double redemption) {
     const double coupon = 100 * rate / paper.frequency;
     const double accrued = coupon * paper.elapsed / paper.period;
-    const double first = paper.toNext / paper.period;
+    const double first = paper.ahead();
     if (paper.count == 1) {
         return (coupon + redemption) / (1 + first * yield / paper.frequency) - accrued;
     }
@@ -176,7 +180,7 @@ Value yield(Call& call, Arguments arguments) {
     if (paper->count == 1) {
         const double coupon = rate / paper->frequency;
         const double paid = wanted / 100 + paper->elapsed / paper->period * coupon;
-        return (redemption / 100 + coupon - paid) / paid * paper->frequency * paper->period / paper->toNext;
+        return (redemption / 100 + coupon - paid) / paid * paper->frequency / paper->ahead();
     }
     return yieldForPrice(wanted, paper->frequency, [&](double y) { return priceOf(*paper, rate, y, redemption); });
 }
@@ -195,7 +199,7 @@ Value durationOf(const Call& call, Arguments arguments, bool modified) {
     }
     const double coupon = 100 * rate / paper->frequency;
     const double step = 1 + yieldRate / paper->frequency;
-    const double first = paper->toNext / paper->period;
+    const double first = paper->ahead();
     double total = 0;
     double weighted = 0;
     for (int i = 0; i < paper->count; ++i) {
@@ -308,8 +312,18 @@ Value accruedAtMaturity(Call& call, Arguments arguments) {
     return rate <= 0 || par <= 0 ? Value(ErrorCode::Num) : Value(par * rate * *years);
 }
 
+/// How much of a coupon period counts: its days by the length that the basis gives a period or by its own days, or
+/// every period after the one in which the time begins as a whole.
+enum class Parts : std::uint8_t { ByDays, ByOwnDays, WholeAfterFirst };
+
+double periodLength(double start, double end, int frequency, Basis basis) {
+    return basis == Basis::ActualActual ? end - start : (basis == Basis::Actual365 ? 365.0 : 360.0) / frequency;
+}
+
 /// The coupon periods between two dates, parts of them counted by the basis; one of the coupon dates is given.
-Result<double> periodsBetween(double couponAt, double from, double to, int frequency, Basis basis, bool date1904) {
+Result<double> periodsBetween(double couponAt, double from, double to, int frequency, Basis basis, bool date1904,
+                              Parts parts = Parts::ByDays) {
+    const bool actual = basis == Basis::Actual360 || basis == Basis::Actual365;
     int steps = 0;  // periods before (negative: after) that coupon date at which the current period ends
     for (;; --steps) {
         const auto end = couponDate(couponAt, steps, frequency, date1904);
@@ -328,10 +342,11 @@ Result<double> periodsBetween(double couponAt, double from, double to, int frequ
         }
         const double first = std::max(*start, from);
         const double last = std::min(end, to);
-        if (first < last) {
-            const double length = basis == Basis::ActualActual ? end - *start
-                                  : basis == Basis::Actual365  ? 365.0 / frequency
-                                                               : 360.0 / frequency;
+        if (parts == Parts::WholeAfterFirst && *start > from && last == end) {
+            periods += 1;
+        } else if (first < last) {
+            const double length =
+                parts == Parts::ByOwnDays && actual ? end - *start : periodLength(*start, end, frequency, basis);
             periods += daysBetween(first, last, basis, date1904) / length;
         }
         end = *start;
@@ -358,9 +373,19 @@ Value accruedInterest(Call& call, Arguments arguments) {
     if (!fromIssue && settlement > firstInterest) {
         from = firstInterest;
     }
-    const auto periods =
-        periodsBetween(firstInterest, from, settlement, static_cast<int>(frequency), *basis, call.date1904);
-    return periods ? Value(par * rate / frequency * *periods) : Value(periods.error());
+    const int f = static_cast<int>(frequency);
+    // Up to the first interest the days since the coupon date before it count, backwards too, and the periods from the
+    // issue to that date.
+    const auto previous = couponDate(firstInterest, 1, f, call.date1904);
+    const bool early = previous && settlement < *previous;
+    const auto periods = periodsBetween(firstInterest, from, early ? *previous : settlement, f, *basis, call.date1904);
+    if (!periods) {
+        return periods.error();
+    }
+    const double last = early ? daysBetween(*previous, settlement, *basis, call.date1904) /
+                                    periodLength(*previous, firstInterest, f, *basis)
+                              : 0;
+    return par * rate / frequency * (*periods + last);
 }
 
 // ---- odd first or last periods, per 100 of face value ----
@@ -401,9 +426,12 @@ Result<OddPaper> oddFirst(const Call& call, Arguments arguments) {
         return ErrorCode::Num;
     }
     const int f = regular->frequency;
-    const auto whole = periodsBetween(firstCoupon, issue, firstCoupon, f, regular->basis, call.date1904);
-    const auto past = periodsBetween(firstCoupon, issue, settlement, f, regular->basis, call.date1904);
-    const auto ahead = periodsBetween(firstCoupon, settlement, firstCoupon, f, regular->basis, call.date1904);
+    const auto periods = [&](double from, double to, Parts parts) {
+        return periodsBetween(firstCoupon, from, to, f, regular->basis, call.date1904, parts);
+    };
+    const auto whole = periods(issue, firstCoupon, Parts::WholeAfterFirst);
+    const auto past = periods(issue, settlement, Parts::ByDays);
+    const auto ahead = periods(settlement, firstCoupon, Parts::WholeAfterFirst);
     if (!whole || !past || !ahead) {
         return ErrorCode::Num;
     }
@@ -440,9 +468,12 @@ Result<OddPaper> oddLast(const Call& call, Arguments arguments) {
         return ErrorCode::Num;
     }
     const int f = static_cast<int>(frequency);
-    const auto whole = periodsBetween(lastInterest, lastInterest, maturity, f, *basis, call.date1904);
-    const auto past = periodsBetween(lastInterest, lastInterest, settlement, f, *basis, call.date1904);
-    const auto ahead = periodsBetween(lastInterest, settlement, maturity, f, *basis, call.date1904);
+    const auto periods = [&](double from, double to) {
+        return periodsBetween(lastInterest, from, to, f, *basis, call.date1904, Parts::ByOwnDays);
+    };
+    const auto whole = periods(lastInterest, maturity);
+    const auto past = periods(lastInterest, settlement);
+    const auto ahead = periods(settlement, maturity);
     if (!whole || !past || !ahead) {
         return ErrorCode::Num;
     }
