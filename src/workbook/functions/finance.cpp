@@ -63,9 +63,25 @@ double presentValue(const double* x, int count) {
     return -(future + x[2] * dueFactor(x[0], type) * annuityFactor(x[0], x[1])) / growth(x[0], x[1]);
 }
 double futureValue(const double* x, int count) {
+    if (x[0] == -1 && x[1] < 0) {
+        return nan;  // 0 to a negative power
+    }
     return futureValueOf(x[0], x[1], x[2], optional(x, count, 3), optional(x, count, 4));
 }
+Value futureValueValue(Call&, Arguments arguments) {
+    if (arguments[0].number() == -1 && arguments[1].number() < 0) {
+        return ErrorCode::Div0;
+    }
+    double x[5];
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        x[i] = arguments[i].number();
+    }
+    return futureValue(x, static_cast<int>(arguments.size()));
+}
 double payment(const double* x, int count) {
+    if (x[0] < -1) {
+        return nan;
+    }
     return paymentOf(x[0], x[1], x[2], optional(x, count, 3), optional(x, count, 4));
 }
 double interestPayment(const double* x, int count) {
@@ -334,10 +350,11 @@ Balance discounted(std::span<const double> flows, double rateOfReturn) {
     return result;
 }
 
+/// An error among the flows is #VALUE!; only an argument that is an error itself is passed on.
 Value internalRate(Call& call, Arguments arguments) {
     const auto flows = collectFlows(call, arguments[0]);
     if (!flows) {
-        return flows.error();
+        return arguments[0].value.isError() ? flows.error() : ErrorCode::Value;
     }
     const double guess = numberOr(arguments, 1, 0.1);
     if (!changesSign(*flows)) {
@@ -487,7 +504,13 @@ constexpr FunctionRow table[] = {
     values("DOLLARDE", 2, 2, "N", dollarToDecimal, true),
     values("DOLLARFR", 2, 2, "N", dollarToFraction, true),
     numbers("EFFECT", 2, 2, effectiveRate, true),
-    numbers("FV", 3, 5, futureValue),
+    {.name = "FV",
+     .minArgs = 3,
+     .maxArgs = 5,
+     .kinds = "N",
+     .category = Category::Finance,
+     .function = futureValueValue,
+     .numeric = futureValue},
     values("FVSCHEDULE", 2, 2, "NA", futureValueSchedule, true),
     numbers("IPMT", 4, 6, interestPayment),
     values("IRR", 1, 2, "RN", internalRate),

@@ -91,6 +91,16 @@ NumberMatrix transposed(const NumberMatrix& matrix) {
     return result;
 }
 
+/// The numbers that a curve is fitted to or computed at. An error among them is #VALUE!, as a text is; only an argument
+/// that is an error itself is passed on.
+Result<NumberMatrix> readNumbers(const Call& call, const Argument& argument) {
+    if (argument.value.isError()) {
+        return argument.value.error();
+    }
+    auto numbers = toMatrix(call, argument);
+    return numbers ? std::move(numbers) : ErrorCode::Value;
+}
+
 /// Lays a range of x values out as observations in rows; `like` is the range of y values or of known x values.
 NumberMatrix asObservations(NumberMatrix x, const Observations& shape) {
     if (shape.oneVariable) {
@@ -102,7 +112,7 @@ NumberMatrix asObservations(NumberMatrix x, const Observations& shape) {
 /// Reads (known y, known x, const) of LINEST, TREND ...; y is replaced by its logarithm for the exponential curve.
 Result<Observations> readObservations(const Call& call, Arguments arguments, std::size_t constantAt, bool logarithms) {
     Observations observations;
-    auto y = toMatrix(call, arguments[0]);
+    auto y = readNumbers(call, arguments[0]);
     if (!y) {
         return y.error();
     }
@@ -116,7 +126,7 @@ Result<Observations> readObservations(const Call& call, Arguments arguments, std
     NumberMatrix x{y->rows, y->columns, std::vector<double>(y->cells.size())};
     std::iota(x.cells.begin(), x.cells.end(), 1.0);
     if (present(arguments, 1)) {
-        auto given = toMatrix(call, arguments[1]);
+        auto given = readNumbers(call, arguments[1]);
         if (!given) {
             return given.error();
         }
@@ -190,7 +200,7 @@ Value fittedValues(Call& call, Arguments arguments) {
     NumberMatrix points = observations->x;
     NumberMatrix result{observations->y.rows, observations->y.columns, {}};
     if (present(arguments, 2)) {
-        auto given = toMatrix(call, arguments[2]);
+        auto given = readNumbers(call, arguments[2]);
         if (!given) {
             return given.error();
         }
