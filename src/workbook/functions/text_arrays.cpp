@@ -78,6 +78,11 @@ Value textBeside(const Call& call, Arguments arguments, bool before) {
     if (!delimiters) {
         return delimiters.error();
     }
+    if (!text.empty() && !delimiters->empty() &&
+        std::all_of(delimiters->begin(), delimiters->end(),
+                    [&](const std::string& delimiter) { return utf16Length(delimiter) > utf16Length(text); })) {
+        return ErrorCode::Value;
+    }
     const double instance = arguments.size() > 2 && !arguments[2].missing ? std::trunc(arguments[2].number()) : 1;
     if (instance == 0 || std::fabs(instance) > std::max(utf16Length(text), 1)) {
         return instance == 0 ? ErrorCode::Value : ErrorCode::NA;

@@ -66,8 +66,9 @@ std::size_t parseDateLetters(std::string_view rest, Section& section) {
         }
     }
     const char letter = static_cast<char>(rest[0] >= 'A' && rest[0] <= 'Z' ? rest[0] + 32 : rest[0]);
-    constexpr std::string_view letters = "ymdhse";
-    constexpr std::array kinds{Kind::Year, Kind::MonthOrMinute, Kind::Day, Kind::Hour, Kind::Second, Kind::Year};
+    constexpr std::string_view letters = "ymdhsea";
+    constexpr std::array kinds{Kind::Year,   Kind::MonthOrMinute, Kind::Day, Kind::Hour,
+                               Kind::Second, Kind::Year,          Kind::Day};
     const auto at = letters.find(letter);
     if (at == std::string_view::npos) {
         return 0;
@@ -75,6 +76,9 @@ std::size_t parseDateLetters(std::string_view rest, Section& section) {
     std::size_t count = 1;
     while (count < rest.size() && (rest[count] == letter || rest[count] == letter - 32)) {
         ++count;
+    }
+    if (letter == 'a' && count < 3) {  // aaa and aaaa are the day of the week
+        return 0;
     }
     section.tokens.push_back({kinds[at], letter, letter == 'e' ? 4 : static_cast<int>(count), {}});
     return count;
@@ -102,8 +106,7 @@ std::size_t parsePiece(std::string_view rest, Section& section) {
             literal(section, rest.substr(1, end - 1));
             return std::min(end + 1, rest.size());
         }
-        case '\\':
-        case '!': {
+        case '\\': {
             const std::size_t length = rest.size() > 1 ? characterLength(rest.substr(1)) : 0;
             literal(section, rest.substr(1, length));
             return 1 + length;
@@ -134,7 +137,7 @@ std::size_t parsePiece(std::string_view rest, Section& section) {
         return 7;
     }
     if ((c == 'E' || c == 'e') && rest.size() > 1 && (rest[1] == '+' || rest[1] == '-')) {
-        section.tokens.push_back({Kind::Exponent, rest[1], 0, {}});
+        section.tokens.push_back({Kind::Exponent, rest[1], 0, std::string(1, c)});
         return 2;
     }
     if (const std::size_t length = parseDateLetters(rest, section)) {
@@ -170,6 +173,23 @@ void resolveMonths(Section& section) {
     }
 }
 
+/// Whether placeholders stand on both sides of a slash, or a number behind it; literals may stand between them.
+bool isFraction(const std::vector<Token>& tokens) {
+    const auto slash = std::find_if(tokens.begin(), tokens.end(), [](const Token& t) { return t.kind == Kind::Slash; });
+    const auto notLiteral = [](const Token& t) { return t.kind != Kind::Literal; };
+    const auto numerator = std::find_if(std::make_reverse_iterator(slash), tokens.rend(), notLiteral);
+    if (slash == tokens.end() || numerator == tokens.rend() || numerator->kind != Kind::Digit) {
+        return false;
+    }
+    const auto next = std::next(slash);
+    if (next != tokens.end() && next->kind == Kind::Literal && !next->text.empty() && next->text[0] >= '1' &&
+        next->text[0] <= '9') {
+        return true;
+    }
+    const auto denominator = std::find_if(next, tokens.end(), notLiteral);
+    return denominator != tokens.end() && denominator->kind == Kind::Digit;
+}
+
 /// Turns ".00" after seconds into one token, and says what kind of section this is.
 void finish(Section& section) {
     auto& tokens = section.tokens;
@@ -190,12 +210,15 @@ void finish(Section& section) {
         resolveMonths(section);
         return;
     }
-    const auto slash = std::find_if(tokens.begin(), tokens.end(), [](const Token& t) { return t.kind == Kind::Slash; });
-    section.fraction = slash != tokens.end() && slash != tokens.begin() && std::prev(slash)->kind == Kind::Digit &&
-                       std::next(slash) != tokens.end() &&
-                       (std::next(slash)->kind == Kind::Digit ||
-                        (std::next(slash)->kind == Kind::Literal && !std::next(slash)->text.empty() &&
-                         std::next(slash)->text[0] >= '1' && std::next(slash)->text[0] <= '9'));
+    bool afterDigit = false;
+    for (Token& token : tokens) {  // a comma groups or divides only where it follows digits directly
+        if (token.kind == Kind::Comma && !afterDigit) {
+            token = {Kind::Literal, 0, 0, ","};
+        }
+        afterDigit =
+            token.kind == Kind::Digit || (afterDigit && (token.kind == Kind::Comma || token.kind == Kind::Point));
+    }
+    section.fraction = isFraction(tokens);
 }
 
 }  // namespace
@@ -256,7 +279,8 @@ namespace {
 using format::Condition;
 using format::Section;
 
-/// The section for a number, and whether the format itself stands for the minus sign of a negative one.
+/// The section for a number, null when the only one has a condition that it does not meet, and whether the format
+/// itself stands for the minus sign of a negative one.
 struct Choice {
     const Section* section = nullptr;
     bool ownSign = false;
@@ -284,7 +308,7 @@ Choice chooseSection(const std::vector<Section>& sections, double number) {
             return {&sections[i], negativesOnly};
         }
     }
-    return {&sections[count - 1], false};
+    return {count > 1 ? &sections[count - 1] : nullptr, false};
 }
 
 std::string writeText(const std::vector<Section>& sections, const std::string& text) {
@@ -321,9 +345,6 @@ const std::vector<format::Section>& parsedOnce(std::string_view pattern) {
 }  // namespace
 
 std::optional<std::string> formatValue(const Value& value, std::string_view pattern, bool date1904) {
-    if (value.isBoolean()) {
-        return value.boolean() ? "TRUE" : "FALSE";
-    }
     const std::vector<format::Section>& sections = parsedOnce(pattern);
     if (sections.empty()) {
         return std::nullopt;
@@ -331,13 +352,24 @@ std::optional<std::string> formatValue(const Value& value, std::string_view patt
     if (value.isText()) {
         return writeText(sections, value.text());
     }
+    if (value.isBoolean()) {
+        return writeText(sections, value.boolean() ? "TRUE" : "FALSE");
+    }
     const double number = value.isNumber() ? value.number() : 0;
     const auto [section, ownSign] = chooseSection(sections, number);
-    if (section->date) {
-        return format::writeDate(*section, ownSign ? -number : number, date1904);
+    if (!section) {
+        return formatGeneral(number);
     }
     const std::string sign = number < 0 && !ownSign ? "-" : "";
     const double magnitude = std::fabs(number);
+    if (section->date) {
+        if (!date1904) {
+            return format::writeDate(*section, ownSign ? -number : number, false);
+        }
+        // Only the system of 1904 knows dates and times below 0: those of the magnitude, with a sign.
+        auto shown = format::writeDate(*section, magnitude, true);
+        return shown ? std::optional(sign + *shown) : shown;
+    }
     if (section->fraction) {
         return sign + format::writeFraction(*section, magnitude);
     }

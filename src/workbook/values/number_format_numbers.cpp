@@ -104,13 +104,14 @@ Layout layoutOf(const Tokens& tokens) {
                            tokens.begin() + static_cast<std::ptrdiff_t>(to),
                            [](const Token& t) { return t.kind == Kind::Digit; });
     };
+    const bool scientific = layout.exponent < tokens.size();
     for (std::size_t i = 0; i < layout.exponent; ++i) {
         if (tokens[i].kind != Kind::Comma) {
             continue;
         }
         if (i < layout.point && digitIn(0, i) && digitIn(i, layout.point)) {
             layout.thousands = true;
-        } else if (digitIn(0, i)) {
+        } else if (digitIn(0, i) && !scientific) {
             layout.scale -= 3;
         }
     }
@@ -202,9 +203,13 @@ int exponentFor(Decimal& decimal, const Layout& layout) {
 }
 
 std::string writeExponent(const Tokens& tokens, std::size_t from, int exponent) {
-    std::string text = "E";
+    std::string text = tokens[from].text;
+    auto digits = tokens.begin() + static_cast<std::ptrdiff_t>(from) + 1;
+    for (; digits != tokens.end() && digits->kind == Kind::Literal; ++digits) {  // the sign stands before the digits
+        text += digits->text;
+    }
     text += exponent < 0 ? "-" : tokens[from].code == '+' ? "+" : "";
-    Tokens rest(tokens.begin() + static_cast<std::ptrdiff_t>(from) + 1, tokens.end());
+    const Tokens rest(digits, tokens.end());
     // Digits and what stands between them; literals behind the digits stay where they are.
     return text + writeWhole(rest, rest.size(), exponent == 0 ? "" : std::to_string(std::abs(exponent)), false);
 }
@@ -245,8 +250,9 @@ std::string writeNumber(const Section& section, double magnitude) {
         decimal.round(layout.decimals);
     }
     const bool placeholders = layout.wholeDigits > 0 || layout.hasPoint;
-    std::string text =
-        writeWhole(tokens, layout.point, placeholders ? decimal.whole() : std::string(), layout.thousands);
+    const bool zeroMantissa = scientific && decimal.digits.empty();  // 0 has a mantissa of 0 even where # stands
+    const std::string whole = zeroMantissa ? "0" : decimal.whole();
+    std::string text = writeWhole(tokens, layout.point, placeholders ? whole : std::string(), layout.thousands);
     text += writeDecimals(tokens, layout.point, layout.exponent, decimal.decimals());
     return scientific ? text + writeExponent(tokens, layout.exponent, exponent) : text;
 }
@@ -281,13 +287,25 @@ Ratio convergent(double x, double limit) {
 
 /// Where the parts of a fraction stand among the tokens.
 struct FractionLayout {
-    std::size_t numerator = 0;  ///< its first placeholder
+    std::size_t wholeEnd = 0;      ///< behind the last placeholder of the whole part, 0 when there is none
+    bool optionalWhole = true;     ///< all placeholders of the whole part are #
+    std::size_t numerator = 0;     ///< its first placeholder
+    std::size_t numeratorEnd = 0;  ///< behind its last placeholder
     std::size_t slash = 0;
+    std::size_t denominator = 0;
     std::size_t after = 0;         ///< behind the denominator
     std::size_t placeholders = 0;  ///< of the denominator
     double fixed = 0;              ///< the denominator when it is written as a number
-    bool hasWhole = false;
 };
+
+/// The literals from one token to another.
+std::string between(const Tokens& tokens, std::size_t from, std::size_t to) {
+    std::string text;
+    for (std::size_t i = from; i < to; ++i) {
+        text += tokens[i].text;
+    }
+    return text;
+}
 
 FractionLayout fractionLayout(const Tokens& tokens) {
     FractionLayout layout;
@@ -295,15 +313,25 @@ FractionLayout fractionLayout(const Tokens& tokens) {
     while (tokens[layout.slash].kind != Kind::Slash) {
         ++layout.slash;
     }
-    layout.numerator = layout.slash;
+    layout.numeratorEnd = layout.slash;
+    while (!isDigit(layout.numeratorEnd - 1)) {
+        --layout.numeratorEnd;
+    }
+    layout.numerator = layout.numeratorEnd;
     while (layout.numerator > 0 && isDigit(layout.numerator - 1)) {
         --layout.numerator;
     }
-    layout.after = layout.slash + 1;
+    layout.denominator = layout.slash + 1;
+    const bool number = tokens[layout.denominator].kind == Kind::Literal && !tokens[layout.denominator].text.empty() &&
+                        tokens[layout.denominator].text[0] >= '1' && tokens[layout.denominator].text[0] <= '9';
+    while (!number && !isDigit(layout.denominator)) {
+        ++layout.denominator;
+    }
+    layout.after = layout.denominator;
     while (isDigit(layout.after)) {
         ++layout.after;
     }
-    layout.placeholders = layout.after - layout.slash - 1;
+    layout.placeholders = layout.after - layout.denominator;
     for (; layout.after < tokens.size(); ++layout.after) {  // "8", "100": a 0 in it reads as a placeholder
         const Token& token = tokens[layout.after];
         const bool literal =
@@ -314,7 +342,10 @@ FractionLayout fractionLayout(const Tokens& tokens) {
         layout.fixed = layout.fixed * 10 + (literal ? token.text[0] - '0' : 0);
     }
     for (std::size_t i = 0; i < layout.numerator; ++i) {
-        layout.hasWhole = layout.hasWhole || isDigit(i);
+        if (isDigit(i)) {
+            layout.wholeEnd = i + 1;
+            layout.optionalWhole = layout.optionalWhole && tokens[i].code == '#';
+        }
     }
     return layout;
 }
@@ -336,9 +367,15 @@ std::string writeFraction(const Section& section, double magnitude) {
     }
     const auto digits = [](double x) { return Decimal::of(x).whole(); };
     std::string text;
-    if (layout.hasWhole) {
+    const bool hasWhole = layout.wholeEnd > 0;
+    if (hasWhole) {
         const bool zero = whole == 0 && ratio.numerator == 0;
-        text = writeWhole(tokens, layout.numerator, zero ? "0" : digits(whole), false);
+        text = writeWhole(tokens, layout.wholeEnd, zero ? "0" : digits(whole), false);
+        const std::string separator = between(tokens, layout.wholeEnd, layout.numerator);
+        // Without a whole part nothing but a blank is left of what separates it.
+        if (whole != 0 || zero || !layout.optionalWhole || separator.find_first_not_of(' ') == std::string::npos) {
+            text += separator;
+        }
     } else {
         text = writeWhole(tokens, layout.numerator, "", false);
         ratio.numerator += whole * ratio.denominator;
@@ -348,12 +385,14 @@ std::string writeFraction(const Section& section, double magnitude) {
         below += std::string(layout.placeholders - below.size(), ' ');
     }
     const Tokens upper(tokens.begin() + static_cast<std::ptrdiff_t>(layout.numerator),
-                       tokens.begin() + static_cast<std::ptrdiff_t>(layout.slash));
-    if (layout.hasWhole && ratio.numerator == 0 && upper.back().code != '0') {
-        text += std::string(upper.size() + 1 + below.size(), ' ');
+                       tokens.begin() + static_cast<std::ptrdiff_t>(layout.numeratorEnd));
+    const std::string slash = between(tokens, layout.numeratorEnd, layout.slash) + "/" +
+                              between(tokens, layout.slash + 1, layout.denominator);
+    if (hasWhole && ratio.numerator == 0 && upper.back().code != '0') {
+        text += std::string(upper.size() + slash.size() + below.size(), ' ');
     } else {
-        text +=
-            writeWhole(upper, upper.size(), ratio.numerator == 0 ? "0" : digits(ratio.numerator), false) + "/" + below;
+        text += writeWhole(upper, upper.size(), ratio.numerator == 0 ? "0" : digits(ratio.numerator), false) + slash +
+                below;
     }
     return text + writeDecimals(tokens, layout.after, tokens.size(), "");
 }

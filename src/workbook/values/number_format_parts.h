@@ -13,9 +13,9 @@ struct Token {
         Literal,   ///< text as it is
         Digit,     ///< 0, # or ? in `code`
         Point,     ///< the decimal point
-        Comma,     ///< between digits: thousands; after the last digit: divide by 1000
+        Comma,     ///< after a digit; between digits: thousands; after the last digit: divide by 1000
         Percent,   ///< a percent sign
-        Exponent,  ///< E+ or E-: the sign in `code`
+        Exponent,  ///< E+ or E-: the sign in `code`, the letter in `text`
         Slash,     ///< / between digits: a fraction
         Text,      ///< @
         General,

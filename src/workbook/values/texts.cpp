@@ -160,13 +160,18 @@ struct PatternUnit {
     enum class Kind : std::uint8_t { Literal, One, Many } kind;
 };
 
-std::vector<PatternUnit> parsePattern(std::string_view pattern) {
+/// A ~ at the very end escapes nothing: it stands for itself, or is left out.
+enum class LoneEscape : bool { Kept, Dropped };
+
+std::vector<PatternUnit> parsePattern(std::string_view pattern, LoneEscape loneEscape) {
     std::vector<PatternUnit> parsed;
     const std::u16string units = folded(pattern);
     for (std::size_t i = 0; i < units.size(); ++i) {
         const char16_t c = units[i];
         if (c == '~' && i + 1 < units.size() && (units[i + 1] == '*' || units[i + 1] == '?' || units[i + 1] == '~')) {
             parsed.push_back({units[++i], PatternUnit::Kind::Literal});
+        } else if (c == '~' && i + 1 == units.size() && loneEscape == LoneEscape::Dropped) {
+            break;
         } else if (c == '*') {
             if (parsed.empty() || parsed.back().kind != PatternUnit::Kind::Many) {
                 parsed.push_back({c, PatternUnit::Kind::Many});
@@ -207,12 +212,12 @@ bool matchPattern(std::u16string_view text, const std::vector<PatternUnit>& patt
 }  // namespace
 
 bool matchesWildcard(std::string_view text, std::string_view pattern) {
-    return matchPattern(folded(text), parsePattern(pattern), true);
+    return matchPattern(folded(text), parsePattern(pattern, LoneEscape::Kept), true);
 }
 
 int searchWildcard(std::string_view text, std::string_view pattern, int from) {
     const std::u16string units = folded(text);
-    const auto parsed = parsePattern(pattern);
+    const auto parsed = parsePattern(pattern, LoneEscape::Dropped);
     for (std::size_t i = static_cast<std::size_t>(std::max(from, 0)); i <= units.size(); ++i) {
         if (matchPattern(std::u16string_view(units).substr(i), parsed, false)) {
             return static_cast<int>(i);
