@@ -53,6 +53,15 @@ Value pickIfs(const std::vector<Value>& values) {
     return ErrorCode::NA;
 }
 
+/// Whether SWITCH takes a value for one of its cases: a blank is 0 or "", but not FALSE.
+bool isCase(const Value& value, const Value& candidate) {
+    if (value.type() == candidate.type()) {
+        return equalValues(value, candidate);
+    }
+    const bool blank = value.isBlank() || candidate.isBlank();
+    return blank && !value.isBoolean() && !candidate.isBoolean() && compareValues(value, candidate) == 0;
+}
+
 Value pickSwitch(const std::vector<Value>& values) {
     if (values[0].isError()) {
         return values[0];
@@ -62,9 +71,7 @@ Value pickSwitch(const std::vector<Value>& values) {
         if (values[i].isError()) {
             return values[i];
         }
-        if (values[0].type() == values[i].type()
-                ? equalValues(values[0], values[i])
-                : (values[0].isBlank() || values[i].isBlank()) && compareValues(values[0], values[i]) == 0) {
+        if (isCase(values[0], values[i])) {
             return branchValue(values[i + 1]);
         }
     }
@@ -253,8 +260,7 @@ Value Evaluator::switchFunction(const Node& node) {
             if (candidate.isError()) {
                 return candidate;
             }
-            const std::vector<Value> pair{values[0], candidate, Value(true), Value(false)};
-            if (pickSwitch(pair).boolean()) {
+            if (isCase(values[0], candidate)) {
                 return branchValue(evaluate(node.children[i + 1]));
             }
         }

@@ -123,8 +123,12 @@ double greatestCommonDivisor(double a, double b) {
 
 Value gcd(Call& call, Arguments arguments) {
     double result = 0;
-    const auto error = forEachWhole(call, arguments, [&](double x) { result = greatestCommonDivisor(result, x); });
-    return error ? Value(*error) : Value(result);
+    bool any = false;
+    const auto error = forEachWhole(call, arguments, [&](double x) {
+        result = greatestCommonDivisor(result, x);
+        any = true;
+    });
+    return error ? Value(*error) : any ? Value(result) : Value(ErrorCode::Value);
 }
 
 Value lcm(Call& call, Arguments arguments) {
@@ -137,7 +141,10 @@ Value lcm(Call& call, Arguments arguments) {
     if (error) {
         return *error;
     }
-    return result >= wholeLimit ? Value(ErrorCode::Num) : Value(any ? result : 0);
+    if (!any) {
+        return ErrorCode::Value;
+    }
+    return result >= wholeLimit ? Value(ErrorCode::Num) : Value(result);
 }
 
 /// (a + b + ...)! / (a! b! ...), as a product of binomial coefficients.

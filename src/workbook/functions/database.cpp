@@ -98,6 +98,9 @@ Result<int> fieldColumn(const Call& call, const Grid& table, const Argument& fie
 /// The field's values in the records that meet the conditions; with no field given, one TRUE for each such record.
 Result<std::vector<Value>> selectedValues(const Call& call, Arguments arguments, bool fieldMayBeMissing) {
     const Grid table = arguments[0].grid(call);
+    if (table.rows() < 2) {
+        return ErrorCode::Value;
+    }
     std::optional<int> column;
     if (!(fieldMayBeMissing && arguments[1].missing)) {
         const auto field = fieldColumn(call, table, arguments[1]);

@@ -20,7 +20,12 @@ double numberOr(Arguments arguments, std::size_t index, double otherwise) {
 bool validSerial(double serial, bool date1904) { return bool(dateFromSerial(serial, date1904)); }
 Value fromResult(const Result<double>& result) { return result ? Value(*result) : Value(result.error()); }
 
+/// Months must not carry over into the year 10000, even where days would lead back.
 Value date(Call& call, Arguments arguments) {
+    const double months = std::trunc(arguments[0].number()) * 12 + std::trunc(arguments[1].number());
+    if (months > 9999 * 12 + 12) {
+        return ErrorCode::Num;
+    }
     return fromResult(
         serialFromDate(arguments[0].number(), arguments[1].number(), arguments[2].number(), call.date1904));
 }

@@ -43,10 +43,11 @@ double binomialRange(const double* x, int count) {
     return from > 0 ? cdf(law, to) - cdf(law, from - 1) : cdf(law, to);
 }
 
-/// BINOM.INV(trials, p, alpha): the fewest successes whose cumulative probability reaches alpha.
+/// BINOM.INV(trials, p, alpha): the fewest successes whose cumulative probability reaches alpha, which lies between 0
+/// and 1 and is neither.
 double binomialInverse(const double* x, int) {
     const double trials = std::trunc(x[0]);
-    if (x[0] < 0 || trials >= wholeLimit || !isProbability(x[1]) || !isProbability(x[2])) {
+    if (x[0] < 0 || trials >= wholeLimit || !isProbability(x[1]) || !(x[2] > 0 && x[2] < 1)) {
         return nan;
     }
     const Binomial law(trials, x[1]);

@@ -126,7 +126,7 @@ double betaQuantile(double alpha, double beta, double p) {
 
 double betaInverse(const double* x, int count) {
     const BetaShape shape = betaShape(x, count, 3);
-    if (!shape.valid() || !(x[0] > 0) || !(x[0] <= 1)) {
+    if (!shape.valid() || !(x[0] > 0) || !(x[0] < 1)) {
         return nan;
     }
     return shape.lower + (shape.upper - shape.lower) * betaQuantile(shape.alpha, shape.beta, x[0]);

@@ -94,7 +94,8 @@ Value info(Call& call, Arguments arguments) {
 // ---- logic ----
 
 /// Calls visit(bool) for every truth value of the arguments: in ranges and arrays Booleans and numbers, typed ones also
-/// texts that read TRUE or FALSE. #VALUE! when there is none at all.
+/// texts that read TRUE or FALSE. Typed texts that are empty or read as numbers are left out, as texts in ranges are;
+/// other typed texts are #VALUE!, and so are arguments without any truth value.
 template <class Visit>
 std::optional<ErrorCode> forEachTruth(const Call& call, Arguments arguments, Visit&& visit) {
     std::optional<ErrorCode> error;
@@ -115,7 +116,8 @@ std::optional<ErrorCode> forEachTruth(const Call& call, Arguments arguments, Vis
             }
         } else if (argument.value.isArray()) {
             argument.grid(call).forEach([&](const Value& value, int, int) -> bool { return take(value); });
-        } else {
+        } else if (!argument.value.isText() ||
+                   !(argument.text().empty() || parseNumber(argument.text(), call.date1904))) {
             const auto truth = toBoolean(argument.value);
             take(truth ? Value(*truth) : Value(truth.error()));
         }

@@ -170,16 +170,19 @@ Value tableLookup(const Call& call, Arguments arguments, bool vertical) {
     if (const auto error = keyError(key)) {
         return *error;
     }
-    if (offset < 1) {
-        return ErrorCode::Value;
-    }
     if (offset > (vertical ? table.columns() : table.rows())) {
         return ErrorCode::Ref;
     }
     const bool sorted = arguments.size() < 4 || arguments[3].boolean();
+    if (sorted && offset < 1) {
+        return ErrorCode::Value;
+    }
     const int found = findInTable(vertical ? Line::column(table, 0) : Line::row(table, 0), key, sorted);
     if (found < 0) {
         return ErrorCode::NA;
+    }
+    if (offset < 1) {
+        return ErrorCode::Value;
     }
     const int other = static_cast<int>(offset) - 1;
     return vertical ? table.at(found, other) : table.at(other, found);

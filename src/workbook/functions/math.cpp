@@ -112,6 +112,9 @@ Value seriesSum(Call& call, Arguments arguments) {
     }
     double total = 0;
     for (const double coefficient : coefficients->cells) {
+        if (x == 0 && exponent == 0) {
+            return ErrorCode::Num;
+        }
         total += coefficient * std::pow(x, exponent);
         exponent += arguments[2].number();
     }

@@ -24,7 +24,7 @@ double secant(const double* x, int) { return 1 / std::cos(limitedAngle(x[0])); }
 double hyperbolicSine(const double* x, int) { return std::sinh(x[0]); }
 double hyperbolicCosine(const double* x, int) { return std::cosh(x[0]); }
 double hyperbolicTangent(const double* x, int) { return std::tanh(x[0]); }
-double hyperbolicSecant(const double* x, int) { return std::fabs(x[0]) < angleLimit ? 1 / std::cosh(x[0]) : nan; }
+double hyperbolicSecant(const double* x, int) { return 1 / std::cosh(x[0]); }
 double arcSine(const double* x, int) { return std::asin(x[0]); }
 double arcCosine(const double* x, int) { return std::acos(x[0]); }
 double arcTangent(const double* x, int) { return std::atan(x[0]); }
@@ -52,6 +52,12 @@ Value reciprocal(Call&, Arguments arguments) {
         return ErrorCode::Div0;
     }
     return std::fabs(x) < angleLimit ? Value(1 / f(x)) : Value(ErrorCode::Num);
+}
+/// As reciprocal, for functions of no angle: any number will do.
+template <double (*f)(double)>
+Value hyperbolicReciprocal(Call&, Arguments arguments) {
+    const double x = arguments[0].number();
+    return x == 0 ? Value(ErrorCode::Div0) : Value(1 / f(x));
 }
 double sin1(double x) { return std::sin(x); }
 double tan1(double x) { return std::tan(x); }
@@ -98,9 +104,9 @@ constexpr FunctionRow table[] = {
     numeric("COS", cosine),
     numeric("COSH", hyperbolicCosine),
     general("COT", reciprocal<tan1>),
-    general("COTH", reciprocal<tanh1>),
+    general("COTH", hyperbolicReciprocal<tanh1>),
     general("CSC", reciprocal<sin1>),
-    general("CSCH", reciprocal<sinh1>),
+    general("CSCH", hyperbolicReciprocal<sinh1>),
     numeric("DEGREES", degrees),
     general("PI", piConstant, ""),
     numeric("RADIANS", radians),

@@ -135,6 +135,7 @@ std::optional<double> parsePlainNumber(std::string_view text) {
 }
 
 std::optional<double> parseNumber(std::string_view text, bool date1904) {
+    const std::size_t length = text.size();
     text = trimmed(text);
     if (text.empty()) {
         return std::nullopt;
@@ -163,7 +164,7 @@ std::optional<double> parseNumber(std::string_view text, bool date1904) {
         double result = negative ? -*number : *number;
         return percent ? result / 100 : result;
     }
-    return parseDateOrTime(text, date1904);
+    return text.size() == length ? parseDateOrTime(text, date1904) : parseTimeOfDay(text);
 }
 
 std::string numberToText(double number) {

@@ -11,7 +11,8 @@
 namespace quorva::workbook {
 
 /// Reads "12", " 1,234.5 ", "1e3", "50%", "$5", "(3)", "1 1/2", "1/31/2020", "31-Jan-2020", "12:30 PM" ... as a
-/// number; nothing when the text is none of them. Dates become serial numbers of the date system named.
+/// number; nothing when the text is none of them. Dates become serial numbers of the date system named; with blanks
+/// around it a text is no date.
 std::optional<double> parseNumber(std::string_view text, bool date1904 = false);
 /// Reads a plain decimal number (sign, digits, point, exponent) that takes up the whole text.
 std::optional<double> parsePlainNumber(std::string_view text);

@@ -323,6 +323,11 @@ Result<double> serialFromDate(double year, double month, double day, bool date19
     return serial;
 }
 
+std::optional<double> parseTimeOfDay(std::string_view text) {
+    std::vector<Piece> pieces;
+    return split(text, pieces) ? parseTime(pieces, 0) : std::nullopt;
+}
+
 std::optional<double> parseDateOrTime(std::string_view text, bool date1904) {
     std::vector<Piece> pieces;
     if (!split(text, pieces) || pieces.empty()) {

@@ -27,5 +27,7 @@ int daysInMonth(int year, int month);
 
 /// Reads a date, a time of day or both ("1/31/2020 12:30") as a serial number; nothing when the text is neither.
 std::optional<double> parseDateOrTime(std::string_view text, bool date1904);
+/// Reads a time of day without a date ("12:30", "3 PM") as a fraction of a day.
+std::optional<double> parseTimeOfDay(std::string_view text);
 
 }  // namespace quorva::workbook
