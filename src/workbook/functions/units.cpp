@@ -41,18 +41,20 @@ constexpr double yard = 0.9144;
 constexpr double mile = 1609.344;
 constexpr double nauticalMile = 1852;
 constexpr double lightYear = 9.4607304725808e15;
+constexpr double parsec = 3.08567758128155e16;
 constexpr double surveyFoot = 1200.0 / 3937;
 constexpr double point = inch / 72;
 constexpr double gallon = 231 * inch * inch * inch;
 constexpr double imperialGallon = 4.54609e-3;
 constexpr double pound = 453.59237;
 
-// Factors: the definitions of the units (international foot and pound, U.S. and imperial measures, SI).
+// Factors: the definitions of the units (international foot and pound, U.S. and imperial measures, SI); the parsec and
+// the atomic mass unit are the older values that worksheets keep.
 constexpr Unit units[] = {
     {"g", Measure::Mass, 1, decimal},
     {"sg", Measure::Mass, pound * 9.80665 / foot},
     {"lbm", Measure::Mass, pound},
-    {"u", Measure::Mass, 1.66053906660e-24, decimal},
+    {"u", Measure::Mass, 1.660538782e-24, decimal},
     {"ozm", Measure::Mass, pound / 16},
     {"grain", Measure::Mass, pound / 7000},
     {"cwt", Measure::Mass, pound * 100},
@@ -75,8 +77,8 @@ constexpr Unit units[] = {
     {"ang", Measure::Distance, 1e-10, decimal},
     {"ell", Measure::Distance, 45 * inch},
     {"ly", Measure::Distance, lightYear, decimal},
-    {"parsec", Measure::Distance, 3.08567758149137e16, decimal},
-    {"pc", Measure::Distance, 3.08567758149137e16, decimal},
+    {"parsec", Measure::Distance, parsec, decimal},
+    {"pc", Measure::Distance, parsec, decimal},
     {"Picapt", Measure::Distance, point},
     {"Pica", Measure::Distance, point},
     {"pica", Measure::Distance, inch / 6},
@@ -144,7 +146,7 @@ constexpr Unit units[] = {
     {"cup", Measure::Volume, gallon / 16},
     {"pt", Measure::Volume, gallon / 8},
     {"us_pt", Measure::Volume, gallon / 8},
-    {"uk_pt", Measure::Volume, imperialGallon / 8},
+    {"uk_pt", Measure::Volume, imperialGallon / 8, decimal},
     {"qt", Measure::Volume, gallon / 4},
     {"uk_qt", Measure::Volume, imperialGallon / 4},
     {"gal", Measure::Volume, gallon},
@@ -289,6 +291,11 @@ double convertTemperature(double x, const Scaled& from, const Scaled& to) {
 }
 
 Value convertUnits(Call&, Arguments arguments) {
+    for (const Argument& unit : arguments.subspan(1)) {
+        if (unit.text() == "kmph") {  // taken, but not documented: kilometres an hour or a thousand miles an hour?
+            throw Unsupported{"the unit kmph"};
+        }
+    }
     const Scaled from = findScaled(arguments[1].text());
     const Scaled to = findScaled(arguments[2].text());
     if (!from.unit || !to.unit || from.unit->measure != to.unit->measure) {
