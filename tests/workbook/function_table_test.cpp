@@ -108,7 +108,8 @@ TEST(FunctionTable, FunctionsSurviveArgumentsOfEveryKind) {
             try {
                 callRow(cells, *row, arguments);
             } catch (const Unsupported& unsupported) {
-                EXPECT_TRUE(row->category == Category::Database) << row->name << ": " << unsupported.what;
+                EXPECT_TRUE(row->category == Category::Database || row->name.starts_with("REGEX"))
+                    << row->name << ": " << unsupported.what;
             } catch (...) {
                 ADD_FAILURE() << row->name << " throws with arguments of set " << i;
             }

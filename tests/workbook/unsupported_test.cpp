@@ -16,8 +16,8 @@ std::string reasonOf(const std::string& formula) {
 
 TEST(Unsupported, FunctionsAreNamed) {
     for (const std::string name :
-         {"FORECAST.ETS", "REGEXTEST", "GROUPBY", "PIVOTBY", "CUBEVALUE", "GETPIVOTDATA", "WEBSERVICE", "RTD", "CALL",
-          "TRIMRANGE", "PERCENTOF", "FILTERXML", "EUROCONVERT", "BAHTTEXT", "ASC", "PHONETIC", "OWNFUNCTION"}) {
+         {"FORECAST.ETS", "GROUPBY", "PIVOTBY", "CUBEVALUE", "GETPIVOTDATA", "WEBSERVICE", "RTD", "CALL", "TRIMRANGE",
+          "PERCENTOF", "FILTERXML", "EUROCONVERT", "BAHTTEXT", "ASC", "PHONETIC", "OWNFUNCTION"}) {
         EXPECT_EQ(reasonOf(name + "(A2,1)"), "the function " + name);
     }
 }
@@ -25,6 +25,24 @@ TEST(Unsupported, FunctionsAreNamed) {
 TEST(Unsupported, ComputedConditionsOfDatabaseFunctions) {
     EXPECT_EQ(reasonOf("DSUM(A1:A2,1,B1:B2)"), "a computed condition of a database function");
     EXPECT_EQ(reasonOf("DSUM(A1:A2,1,A1:A2)"), "");
+}
+
+TEST(Unsupported, AUnitWhoseMeaningIsNotDocumented) {
+    EXPECT_EQ(reasonOf("CONVERT(1,\"kmph\",\"m/s\")"), "the unit kmph");
+    EXPECT_EQ(reasonOf("CONVERT(1,\"km/h\",\"m/s\")"), "");
+}
+
+TEST(Unsupported, RegularExpressionsWhoseMatchesAreNotDocumented) {
+    EXPECT_EQ(reasonOf("REGEXEXTRACT(\"ab\",\"x*\",1)"), "a regular expression that extracts empty texts");
+    EXPECT_EQ(reasonOf("REGEXEXTRACT(\"ab\",\"(x)?a\",2)"), "a group of a regular expression that takes no part");
+    EXPECT_EQ(reasonOf("REGEXEXTRACT(\"ab\",\"a\",2)"), "the groups of a regular expression without any");
+    EXPECT_EQ(reasonOf("REGEXTEST(\"\u00e9\",\"\\w\")"), "classes of letters and digits in texts beyond ASCII");
+    EXPECT_EQ(reasonOf("REGEXTEST(\"\U0001F600\",\".\")"), "a regular expression on characters beyond 65535");
+    EXPECT_EQ(reasonOf("REGEXTEST(\"a\",\"\")"), "an empty regular expression");
+    EXPECT_EQ(reasonOf("REGEXREPLACE(\"a\",\"a\",\"\\n\")"), "a replacement with a backslash");
+    EXPECT_EQ(reasonOf("REGEXREPLACE(\"a\",\"a\",\"$2\")"), "a replacement that cannot be read");
+    EXPECT_EQ(reasonOf("REGEXTEST(REPT(\"a\",5000),\"^(a+)+$|b\")"), "");
+    EXPECT_EQ(reasonOf("REGEXTEST(REPT(\"a\",50)&\"b\",\"^(a+)+$\")"), "a regular expression that takes too long");
 }
 
 TEST(Unsupported, ReferencesThatAFunctionCannotTakeApart) {

@@ -19,6 +19,7 @@ const FunctionTable& worksheetFunctions() {
                                      dateFunctions(),
                                      textFunctions(),
                                      textArrayFunctions(),
+                                     regularExpressionFunctions(),
                                      depreciationFunctions(),
                                      securityFunctions(),
                                      engineeringFunctions(),
