@@ -18,8 +18,8 @@ struct EvaluationContext {
     std::function<void(const Area&)> bringUpToDate;
     /// Calls the model function of the node; the arguments are evaluated by it.
     std::function<Value(struct Evaluator&, const Node&)> callModel;
-    /// The text of a cell's formula, null when it has none.
-    std::function<const std::string*(int sheet, int row, int column)> formulaText;
+    /// The formula of a cell as it is typed, with its equals sign; nothing when it has none.
+    std::function<std::optional<std::string>(int sheet, int row, int column)> formulaText;
     /// The cells that the array formula of a cell fills; false when there is none.
     std::function<bool(int sheet, int row, int column, Area& area)> spillOf;
     std::uint64_t random[4] = {0x9E3779B97F4A7C15, 0xBF58476D1CE4E5B9, 0x94D049BB133111EB, 0x2545F4914F6CDD1D};

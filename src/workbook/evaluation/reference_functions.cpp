@@ -406,11 +406,11 @@ Value Evaluator::formulaFunction(const Node& node, bool text) {
         return value.isError() ? value : Value(text ? ErrorCode::NA : ErrorCode::Value);
     }
     const Area& cell = value.areas()[0];
-    const std::string* formula = context.formulaText(cell.sheet, cell.firstRow, cell.firstColumn);
+    const auto formula = context.formulaText(cell.sheet, cell.firstRow, cell.firstColumn);
     if (!text) {
-        return Value(formula != nullptr);
+        return Value(formula.has_value());
     }
-    return formula ? Value("=" + *formula) : Value(ErrorCode::NA);
+    return formula ? Value(*formula) : Value(ErrorCode::NA);
 }
 
 }  // namespace quorva::workbook

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "workbook/formula/parser_pass.h"
+#include "workbook/formula/words.h"
 #include "workbook/values/texts.h"
 
 namespace quorva::workbook {
@@ -11,8 +12,6 @@ namespace {
 /// A name that holds another twice, which holds another twice ... is longer than any memory when it is written out.
 constexpr int mostNames = 5000;
 constexpr int deepestName = 30;
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 }  // namespace
 

@@ -2,64 +2,12 @@
 #include <algorithm>
 
 #include "workbook/formula/parser_pass.h"
+#include "workbook/formula/words.h"
 #include "workbook/values/cell_names.h"
 #include "workbook/values/convert.h"
 #include "workbook/values/texts.h"
 
 namespace quorva::workbook {
-
-namespace {
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
-bool isNamePart(char c) {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == '\\' || c == '?' || c == '$' ||
-           static_cast<unsigned char>(c) >= 128;
-}
-
-struct Part {
-    int position = -1;
-    bool absolute = false;
-};
-
-Part columnPart(std::string_view text) {
-    Part part;
-    if (!text.empty() && text.front() == '$') {
-        part.absolute = true;
-        text.remove_prefix(1);
-    }
-    part.position = columnFromLetters(text);
-    return part;
-}
-
-Part rowPart(std::string_view text) {
-    Part part;
-    if (!text.empty() && text.front() == '$') {
-        part.absolute = true;
-        text.remove_prefix(1);
-    }
-    part.position = rowFromDigits(text);
-    return part;
-}
-
-int shifted(Part part, int shift, int limit) {
-    return part.absolute ? part.position : ((part.position + shift) % limit + limit) % limit;
-}
-
-}  // namespace
-
-std::string_view Parser::withoutPrefix(std::string_view name) {
-    for (bool again = true; again;) {
-        again = false;
-        for (const std::string_view prefix : {"_xlfn.", "_xlws.", "_xll.", "_xludf.", "_xlpm.", "_xlop."}) {
-            if (name.size() > prefix.size() && toLower(name.substr(0, prefix.size())) == prefix) {
-                name.remove_prefix(prefix.size());
-                again = true;
-            }
-        }
-    }
-    return name;
-}
 
 Node Parser::primary() {
     Node node = primaryWithoutPostfix();
@@ -358,12 +306,12 @@ Node Parser::reference(int firstSheet, int lastSheet, Area area, bool explicitSh
 }
 
 Node Parser::wholeRows(int firstSheet, int lastSheet, bool explicitSheet) {
-    const Part first = rowPart(token());
+    const ReferencePart first = rowPart(token());
     if (peek() != ':') {
         fail("a reference cannot be read");
     }
     ++at_;
-    const Part last = rowPart(token());
+    const ReferencePart last = rowPart(token());
     if (first.position < 0 || last.position < 0) {
         fail("a reference to rows cannot be read");
     }
@@ -374,13 +322,13 @@ Node Parser::wholeRows(int firstSheet, int lastSheet, bool explicitSheet) {
 }
 
 bool Parser::wholeColumns(std::string_view word, int firstSheet, int lastSheet, bool explicitSheet, Node& node) {
-    const Part first = columnPart(word);
+    const ReferencePart first = columnPart(word);
     if (first.position < 0 || peek() != ':') {
         return false;
     }
     const std::size_t start = at_;
     ++at_;
-    const Part last = columnPart(token());
+    const ReferencePart last = columnPart(token());
     if (last.position < 0 || peek() == '(' || peek() == '!') {
         at_ = start;
         return false;
@@ -393,17 +341,12 @@ bool Parser::wholeColumns(std::string_view word, int firstSheet, int lastSheet, 
 }
 
 bool Parser::cell(std::string_view word, int firstSheet, int lastSheet, bool explicitSheet, Node& node) {
-    std::size_t split = word.starts_with('$') ? 1 : 0;
-    while (split < word.size() && isLetter(word[split])) {
-        ++split;
-    }
-    const Part column = columnPart(word.substr(0, split));
-    const Part row = rowPart(word.substr(split));
-    if (column.position < 0 || row.position < 0) {
+    const CellParts parts = cellParts(word);
+    if (!parts.valid()) {
         return false;
     }
-    const int r = shifted(row, place_.shiftRows, maxRows);
-    const int c = shifted(column, place_.shiftColumns, maxColumns);
+    const int r = shifted(parts.row, place_.shiftRows, maxRows);
+    const int c = shifted(parts.column, place_.shiftColumns, maxColumns);
     node = reference(firstSheet, lastSheet, {0, r, c, r, c}, explicitSheet);
     return true;
 }

@@ -70,7 +70,6 @@ private:
     Node reference(int firstSheet, int lastSheet, Area area, bool explicitSheet);
     std::string_view token();
     int variable(std::string_view name) const;
-    static std::string_view withoutPrefix(std::string_view name);
 
     // calls.cpp: names, calls, variables
     Node definedName(std::string_view name, int sheet);

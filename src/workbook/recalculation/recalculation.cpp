@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include "workbook/evaluation/stack_room.h"
+#include "workbook/formula/shown_formula.h"
 #include "workbook/functions/families.h"
 #include "workbook/recalculation/module_link.h"
 #include "workbook/recalculation/program.h"
@@ -65,11 +66,7 @@ Recalculation::Recalculation(std::unique_ptr<RawBook> book) : raw(std::move(book
         }
         return callModel(*module, evaluator, node);
     };
-    context.formulaText = [this](int sheet, int row, int column) -> const std::string* {
-        const Slot slot = cells.find(sheet, row, column);
-        const int formula = slot == noSlot ? -1 : formulaAt(slot);
-        return formula < 0 ? nullptr : formulas[static_cast<std::size_t>(formula)].text;
-    };
+    context.formulaText = [this](int sheet, int row, int column) { return typedFormula(sheet, row, column); };
     context.spillOf = [this](int sheet, int row, int column, Area& area) {
         const Slot slot = cells.find(sheet, row, column);
         const int formula = slot == noSlot ? -1 : formulaAt(slot);
@@ -117,6 +114,27 @@ void Recalculation::layCells() {
             cells.set(slot++, cell.value);
         }
     }
+}
+
+/// Every cell of an array formula of the old kind shows it; of one that spills, only the first.
+std::optional<std::string> Recalculation::typedFormula(int sheet, int row, int column) const {
+    const Slot slot = cells.find(sheet, row, column);
+    int index = slot == noSlot ? -1 : formulaAt(slot);
+    if (index < 0 && slot != noSlot && static_cast<std::size_t>(slot) < spillOwner.size()) {
+        const int owner = spillOwner[static_cast<std::size_t>(slot)];
+        index = owner >= 0 && formulas[static_cast<std::size_t>(owner)].kind == FormulaKind::Array ? owner : -1;
+    }
+    if (index < 0) {
+        return std::nullopt;
+    }
+    const Formula& formula = formulas[static_cast<std::size_t>(index)];
+    const Slot first = cells.sheet(formula.cell.sheet).firstSlot;
+    const RawCell& cell =
+        raw->sheets[static_cast<std::size_t>(formula.cell.sheet)].cells[static_cast<std::size_t>(formula.slot - first)];
+    const RawTable* table = symbols->tableAt(formula.cell.sheet, formula.cell.row, formula.cell.column);
+    const std::string text =
+        "=" + shownFormula(cell.formula, cell.shiftRows, cell.shiftColumns, table ? table->name : std::string());
+    return formula.kind == FormulaKind::Array ? "{" + text + "}" : text;
 }
 
 void Recalculation::addFormulas() {

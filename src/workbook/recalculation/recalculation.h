@@ -90,6 +90,7 @@ public:
 
 private:
     void layCells();
+    std::optional<std::string> typedFormula(int sheet, int row, int column) const;
     void addFormulas();
     void connect();
     void sortFormulas();
