@@ -179,5 +179,21 @@ TEST(NumberFormat, WritesGeneral) {
     });
 }
 
+TEST(NumberFormat, RoundsToWhatIsShown) {
+    EXPECT_EQ(roundAsShown(1234.5678, "#,##0.00"), 1234.57);
+    EXPECT_EQ(roundAsShown(-1234.5678, "#,##0.00_);(#,##0.0)"), -1234.6);
+    EXPECT_EQ(roundAsShown(0.12345, "0.0%"), 0.123);
+    EXPECT_EQ(roundAsShown(1250, "0,"), 1000);
+    EXPECT_EQ(roundAsShown(1.2345e-7, "0.00E+00"), 1.23e-7);
+    EXPECT_EQ(roundAsShown(9.996, "0.00E+00"), 10);
+    EXPECT_EQ(roundAsShown(0.3, "# ?/8"), 0.25);
+    EXPECT_EQ(roundAsShown(0.004, "0.00"), 0);
+    EXPECT_EQ(roundAsShown(1.0 / 3, "General"), 1.0 / 3);
+    EXPECT_EQ(roundAsShown(1.0 / 3, "@"), 1.0 / 3);
+    EXPECT_EQ(roundAsShown(1.0 / 3, ";;;"), 1.0 / 3);
+    EXPECT_EQ(roundAsShown(1.23456789, "h:mm"), 1.23456789);
+    EXPECT_EQ(roundAsShown(1.5, "0;0;0;0;0"), 1.5);
+}
+
 }  // namespace
 }  // namespace quorva::workbook

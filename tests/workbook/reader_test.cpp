@@ -93,6 +93,52 @@ TEST(Reader, MovesSharedFormulasToTheirCells) {
     std::filesystem::remove("shared_formula.xlsx");
 }
 
+/// A book with precision as displayed whose cells have the formats of these styles, and its cell B1.
+double displayed(const std::string& formats, const std::string& rows) {
+    Parts parts = minimal(rows);
+    parts["xl/workbook.xml"] =
+        "<workbook xmlns:r=\"r\"><sheets><sheet name=\"Data\" sheetId=\"1\" r:id=\"s1\"/></sheets>"
+        "<calcPr fullPrecision=\"0\"/></workbook>";
+    parts["xl/_rels/workbook.xml.rels"] = "<Relationships><Relationship Id=\"s1\" Type=\"" + relationType +
+                                          "worksheet\" Target=\"/xl/worksheets/sheet1.xml\"/><Relationship "
+                                          "Id=\"s3\" Type=\"" +
+                                          relationType + "styles\" Target=\"styles.xml\"/></Relationships>";
+    parts["xl/styles.xml"] = "<styleSheet>" + formats + "</styleSheet>";
+    std::ofstream("displayed.xlsx", std::ios::binary) << zipped(parts);
+    Book book("displayed.xlsx");
+    std::filesystem::remove("displayed.xlsx");
+    book.recalculateAll();
+    const double whole = book.value({0, 0, 1}).number;
+    book.set({0, 0, 0}, book.value({0, 0, 0}));
+    book.recalculate();
+    EXPECT_EQ(book.value({0, 0, 1}).number, whole);
+    return whole;
+}
+
+TEST(Reader, RoundsFormulasToWhatTheirCellsShowWithPrecisionAsDisplayed) {
+    const std::string formats =
+        "<numFmts><numFmt numFmtId=\"164\" formatCode=\"0.0,\"/></numFmts><cellXfs><xf numFmtId=\"0\"/><xf "
+        "numFmtId=\"2\"/><xf numFmtId=\"9\"/><xf numFmtId=\"164\"/><xf numFmtId=\"14\"/><xf "
+        "numFmtId=\"11\"/></cellXfs>";
+    const auto shown = [&](const std::string& style, const std::string& formula) {
+        return displayed(formats, "<row r=\"1\"><c r=\"A1\"><v>12345.6789</v></c><c r=\"B1\" s=\"" + style + "\"><f>" +
+                                      formula + "</f></c></row>");
+    };
+    EXPECT_EQ(shown("0", "A1/3"), 12345.6789 / 3);
+    EXPECT_EQ(shown("1", "A1"), 12345.68);
+    EXPECT_EQ(shown("1", "-A1"), -12345.68);
+    EXPECT_EQ(shown("1", "ROUND(A1,3)*0"), 0);
+    EXPECT_EQ(shown("2", "A1/10000"), 1.23);
+    EXPECT_EQ(shown("3", "A1"), 12300);
+    EXPECT_EQ(shown("4", "A1"), 12345.6789);
+    EXPECT_EQ(shown("5", "A1"), 12300);
+    // What depends on it sees the rounded number.
+    EXPECT_EQ(displayed(formats,
+                        "<row r=\"1\"><c r=\"A1\"><v>1.005</v></c><c r=\"B1\"><f>C1*1000</f></c><c r=\"C1\" "
+                        "s=\"1\"><f>A1+0.001</f></c></row>"),
+              1010);
+}
+
 /// What the live part of a book with these rows cannot compute.
 std::string liveRefusal(const std::string& rows) {
     Recalculation recalculation(readRows(rows));

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <fstream>
 #include <sstream>
+#include <unordered_map>
 
 #include "workbook/file/sheet_reader.h"
 #include "workbook/values/cell_names.h"
@@ -14,6 +15,37 @@ namespace quorva::workbook {
 namespace {
 
 constexpr std::size_t mostSheets = 10000;
+
+/// The number formats that files name by their number alone (en-US); General for dates, too, which stay as they are.
+std::string_view builtInNumberFormat(int id) {
+    constexpr std::pair<int, std::string_view> formats[] = {
+        {1, "0"},
+        {2, "0.00"},
+        {3, "#,##0"},
+        {4, "#,##0.00"},
+        {5, "$#,##0_);($#,##0)"},
+        {6, "$#,##0_);($#,##0)"},
+        {7, "$#,##0.00_);($#,##0.00)"},
+        {8, "$#,##0.00_);($#,##0.00)"},
+        {9, "0%"},
+        {10, "0.00%"},
+        {11, "0.00E+00"},
+        {12, "# ?/?"},
+        {13, "# ?\?/?\?"},
+        {37, "#,##0_);(#,##0)"},
+        {38, "#,##0_);(#,##0)"},
+        {39, "#,##0.00_);(#,##0.00)"},
+        {40, "#,##0.00_);(#,##0.00)"},
+        {41, "_(* #,##0_);_(* (#,##0);_(* \"-\"_);_(@_)"},
+        {42, "_($* #,##0_);_($* (#,##0);_($* \"-\"_);_(@_)"},
+        {43, "_(* #,##0.00_);_(* (#,##0.00);_(* \"-\"?\?_);_(@_)"},
+        {44, "_($* #,##0.00_);_($* (#,##0.00);_($* \"-\"?\?_);_(@_)"},
+        {48, "##0.0E+0"},
+    };
+    const auto found =
+        std::find_if(std::begin(formats), std::end(formats), [&](const auto& f) { return f.first == id; });
+    return found == std::end(formats) ? "General" : found->second;
+}
 
 struct BookReader {
     const Package& package;
@@ -30,10 +62,14 @@ struct BookReader {
         }
         book.date1904 = isTrue(attribute(child(root, "workbookPr"), "date1904"));
         book.iterative = isTrue(attribute(child(root, "calcPr"), "iterate"));
+        const auto fullPrecision = attribute(child(root, "calcPr"), "fullPrecision");
+        book.precisionAsDisplayed = fullPrecision && !isTrue(fullPrecision);
         const auto relations = package.relationships(main);
         for (const Relationship& relation : relations) {
             if (relation.type == "sharedStrings") {
                 readTexts(relation.target);
+            } else if (relation.type == "styles" && book.precisionAsDisplayed) {
+                readNumberFormats(relation.target);
             }
         }
         std::vector<std::string> parts = listSheets(root, main, relations);
@@ -106,6 +142,22 @@ struct BookReader {
         package.read(part, document);
         forEachChild(child(document, "sst"), "si",
                      [&](pugi::xml_node node) { texts.push_back(Value(richText(node))); });
+    }
+
+    /// The number format of each style of cells.
+    void readNumberFormats(const std::string& part) {
+        pugi::xml_document document;
+        package.read(part, document);
+        const pugi::xml_node styles = child(document, "styleSheet");
+        std::unordered_map<int, std::string> own;
+        forEachChild(child(styles, "numFmts"), "numFmt", [&](pugi::xml_node node) {
+            own[attribute(node, "numFmtId").as_int(-1)] = attribute(node, "formatCode").value();
+        });
+        forEachChild(child(styles, "cellXfs"), "xf", [&](pugi::xml_node node) {
+            const int id = attribute(node, "numFmtId").as_int(0);
+            const auto found = own.find(id);
+            book.numberFormats.push_back(found == own.end() ? std::string(builtInNumberFormat(id)) : found->second);
+        });
     }
 
     void readNames(pugi::xml_node root) {

@@ -69,6 +69,7 @@ struct SheetReader {
         RawCell cell;
         cell.row = row;
         cell.column = column;
+        cell.style = attribute(node, "s").as_int(0);
         readValue(node, cell);
         if (const pugi::xml_node formula = child(node, "f")) {
             readFormula(node, formula, cell);

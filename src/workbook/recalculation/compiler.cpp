@@ -51,7 +51,7 @@ std::unique_ptr<Program> Compiler::compile() {
 bool Compiler::formula(const Formula& one) {
     formula_ = &one;
     temporaries_ = 0;
-    if (!one.spill.single() || one.kind == FormulaKind::Array) {
+    if (!one.spill.single() || one.kind == FormulaKind::Array || recalculation_.raw->precisionAsDisplayed) {
         return false;
     }
     const Compiled result = expression(one.tree);

@@ -10,6 +10,7 @@
 #include "workbook/functions/families.h"
 #include "workbook/recalculation/module_link.h"
 #include "workbook/recalculation/program.h"
+#include "workbook/values/number_format.h"
 
 namespace quorva::workbook {
 
@@ -111,6 +112,9 @@ void Recalculation::layCells() {
         index.filteredRows = raw->sheets[s].filteredRows;
         Slot slot = index.firstSlot;
         for (const RawCell& cell : raw->sheets[s].cells) {
+            if (raw->precisionAsDisplayed) {
+                styleOfSlot_.push_back(cell.style);
+            }
             cells.set(slot++, cell.value);
         }
     }
@@ -192,13 +196,24 @@ void Recalculation::addFormulas() {
     }
 }
 
-void Recalculation::store(Formula& formula, Value value) {
+/// With precision as displayed a number is rounded as its cell shows it.
+Value Recalculation::asDisplayed(Slot slot, Value value) const {
+    if (!raw->precisionAsDisplayed || !value.isNumber()) {
+        return value;
+    }
+    const auto at = static_cast<std::size_t>(slot);
+    const auto style = static_cast<std::size_t>(at < styleOfSlot_.size() ? styleOfSlot_[at] : 0);
+    return style < raw->numberFormats.size() ? Value(roundAsShown(value.number(), raw->numberFormats[style])) : value;
+}
+
+/// Puts a formula's result, or an element of it, into a cell.
+void Recalculation::storeAt(Slot slot, Value value) {
     if (value.isBlank()) {
         value = Value(0.0);
     } else if (value.isLambda()) {
         value = ErrorCode::Calc;
     }
-    cells.set(formula.slot, value);
+    cells.set(slot, asDisplayed(slot, std::move(value)));
 }
 
 /// Spreads an array over the cells of an array formula, or spills it.
@@ -220,7 +235,7 @@ void Recalculation::storeArray(int index, const Value& value) {
             });
         }
         if (blocked) {
-            store(formula, ErrorCode::Spill);
+            storeAt(formula.slot, ErrorCode::Spill);
             target = {formula.cell.sheet, formula.cell.row, formula.cell.column, formula.cell.row, formula.cell.column};
         }
         if (!(target == formula.spill)) {
@@ -241,14 +256,12 @@ void Recalculation::storeArray(int index, const Value& value) {
     cells.allowance().spend(stepsPerSpilledCell * target.rows() * target.columns());
     for (int row = target.firstRow; row <= target.lastRow; ++row) {
         for (int column = target.firstColumn; column <= target.lastColumn; ++column) {
-            Value one = combinedElement(value, row - target.firstRow, column - target.firstColumn);
-            one = one.isBlank() ? Value(0.0) : one.isLambda() ? Value(ErrorCode::Calc) : one;
             const Slot slot = cells.findOrAdd(target.sheet, row, column);
             spillOwner.resize(static_cast<std::size_t>(cells.slotCount()), -1);
             if (slot != formula.slot) {
                 spillOwner[static_cast<std::size_t>(slot)] = index;
             }
-            cells.set(slot, one);
+            storeAt(slot, combinedElement(value, row - target.firstRow, column - target.firstColumn));
         }
     }
 }
@@ -316,11 +329,11 @@ void Recalculation::computeOne(int index) {
             if (value.isArray()) {
                 value = value.arrayCells()[0];
             }
-            store(formula, snapped(formula.tree, cells, std::move(value), evaluator));
+            storeAt(formula.slot, snapped(formula.tree, cells, std::move(value), evaluator));
         } else if (value.isArray() || !formula.spill.single()) {
             storeArray(index, value);
         } else {
-            store(formula, snapped(formula.tree, cells, std::move(value), evaluator));
+            storeAt(formula.slot, snapped(formula.tree, cells, std::move(value), evaluator));
         }
         formula.done = true;
     } catch (const Unsupported& unsupported) {

@@ -98,7 +98,8 @@ private:
     void prepare();
     void computeFixed();
     void computeOne(int formula);
-    void store(Formula& formula, Value value);
+    Value asDisplayed(Slot slot, Value value) const;
+    void storeAt(Slot slot, Value value);
     void storeArray(int index, const Value& value);
     int useArea(const Area& area);
     void collectUses(Formula& formula, const Node& node);
@@ -106,6 +107,7 @@ private:
     void applyEdits();
 
     std::vector<int> formulaOfSlot_;
+    std::vector<int> styleOfSlot_;  ///< with precision as displayed, of the cells that the file has
     std::vector<UsedArea> areas_;
     std::map<std::array<int, 5>, int> areaNumbers_;
     std::vector<int> spillers_;  ///< formulas whose results fill more than a cell

@@ -376,4 +376,16 @@ std::optional<std::string> formatValue(const Value& value, std::string_view patt
     return sign + format::writeNumber(*section, magnitude);
 }
 
+double roundAsShown(double number, std::string_view pattern) {
+    const std::vector<format::Section>& sections = parsedOnce(pattern);
+    if (sections.empty()) {
+        return number;
+    }
+    const Section* section = chooseSection(sections, number).section;
+    if (!section || section->date) {
+        return number;
+    }
+    return std::copysign(format::shownMagnitude(*section, std::fabs(number)), number) + 0.0;
+}
+
 }  // namespace quorva::workbook

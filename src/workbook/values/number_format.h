@@ -13,6 +13,10 @@ namespace quorva::workbook {
 /// shows a date and the number is none.
 std::optional<std::string> formatValue(const Value& value, std::string_view format, bool date1904);
 
+/// The number that a format shows: rounded to the digits or to the fraction that are written. Numbers in General format
+/// and dates stay as they are.
+double roundAsShown(double number, std::string_view format);
+
 /// The number as a cell of usual width in General format shows it: at most 11 characters besides the sign.
 std::string formatGeneral(double number);
 

@@ -233,22 +233,34 @@ std::string writeGeneralSection(const Tokens& tokens, double magnitude) {
 
 }  // namespace
 
+namespace {
+
+bool isGeneral(const Tokens& tokens) {
+    return std::any_of(tokens.begin(), tokens.end(),
+                       [](const Token& t) { return t.kind == Kind::General || t.kind == Kind::Text; });
+}
+
+/// Scales and rounds to the digits that the layout has room for; the exponent to write.
+int arrange(Decimal& decimal, const Layout& layout, bool scientific) {
+    decimal.point += layout.scale;
+    if (scientific) {
+        return exponentFor(decimal, layout);
+    }
+    decimal.round(layout.decimals);
+    return 0;
+}
+
+}  // namespace
+
 std::string writeNumber(const Section& section, double magnitude) {
     const Tokens& tokens = section.tokens;
-    if (std::any_of(tokens.begin(), tokens.end(),
-                    [](const Token& t) { return t.kind == Kind::General || t.kind == Kind::Text; })) {
+    if (isGeneral(tokens)) {
         return writeGeneralSection(tokens, magnitude);
     }
     const Layout layout = layoutOf(tokens);
     Decimal decimal = Decimal::of(magnitude);
-    decimal.point += layout.scale;
     const bool scientific = layout.exponent < tokens.size();
-    int exponent = 0;
-    if (scientific) {
-        exponent = exponentFor(decimal, layout);
-    } else {
-        decimal.round(layout.decimals);
-    }
+    const int exponent = arrange(decimal, layout, scientific);
     const bool placeholders = layout.wholeDigits > 0 || layout.hasPoint;
     const bool zeroMantissa = scientific && decimal.digits.empty();  // 0 has a mantissa of 0 even where # stands
     const std::string whole = zeroMantissa ? "0" : decimal.whole();
@@ -352,9 +364,15 @@ FractionLayout fractionLayout(const Tokens& tokens) {
 
 }  // namespace
 
-std::string writeFraction(const Section& section, double magnitude) {
-    const Tokens& tokens = section.tokens;
-    const FractionLayout layout = fractionLayout(tokens);
+namespace {
+
+/// A whole number and the fraction beside it, in [0, 1).
+struct Mixed {
+    double whole = 0;
+    Ratio ratio;
+};
+
+Mixed mixedNumber(const FractionLayout& layout, double magnitude) {
     double whole = std::floor(magnitude);
     const double fixed = layout.fixed;
     const double limit = std::pow(10.0, static_cast<double>(std::min<std::size_t>(layout.placeholders, 5))) - 1;
@@ -362,9 +380,36 @@ std::string writeFraction(const Section& section, double magnitude) {
         fixed > 0 ? Ratio{std::floor((magnitude - whole) * fixed + 0.5), fixed} : convergent(magnitude - whole, limit);
     if (ratio.numerator >= ratio.denominator) {
         ++whole;
-        ratio.numerator = 0;
-        ratio.denominator = fixed > 0 ? fixed : 1;
+        ratio = {0, fixed > 0 ? fixed : 1};
     }
+    return {whole, ratio};
+}
+
+}  // namespace
+
+double shownMagnitude(const Section& section, double magnitude) {
+    const Tokens& tokens = section.tokens;
+    if (isGeneral(tokens)) {
+        return magnitude;
+    }
+    if (section.fraction) {
+        const Mixed shown = mixedNumber(fractionLayout(tokens), magnitude);
+        return shown.whole + shown.ratio.numerator / shown.ratio.denominator;
+    }
+    const Layout layout = layoutOf(tokens);
+    if (layout.wholeDigits + layout.decimals == 0) {
+        return magnitude;  // nothing of the number is written
+    }
+    Decimal decimal = Decimal::of(magnitude);
+    const int exponent = arrange(decimal, layout, layout.exponent < tokens.size());
+    const std::string digits = "0." + decimal.digits + "e" + std::to_string(decimal.point + exponent - layout.scale);
+    return decimal.digits.empty() ? 0 : std::strtod(digits.c_str(), nullptr);
+}
+
+std::string writeFraction(const Section& section, double magnitude) {
+    const Tokens& tokens = section.tokens;
+    const FractionLayout layout = fractionLayout(tokens);
+    auto [whole, ratio] = mixedNumber(layout, magnitude);
     const auto digits = [](double x) { return Decimal::of(x).whole(); };
     std::string text;
     const bool hasWhole = layout.wholeEnd > 0;

@@ -72,6 +72,8 @@ struct Decimal {
 
 std::string writeNumber(const Section& section, double magnitude);
 std::string writeFraction(const Section& section, double magnitude);
+/// The magnitude whose digits or fraction such a section writes.
+double shownMagnitude(const Section& section, double magnitude);
 /// Nothing when the number is no date.
 std::optional<std::string> writeDate(const Section& section, double serial, bool date1904);
 

@@ -20,7 +20,8 @@ struct RawCell {
     /// A shared formula's text is its first cell's; these many rows and columns further down it stands.
     int shiftRows = 0;
     int shiftColumns = 0;
-    Area spill;  ///< of array formulas: the cells that the file gives them
+    Area spill;     ///< of array formulas: the cells that the file gives them
+    int style = 0;  ///< position in RawBook::numberFormats
 };
 
 struct RawSheet {
@@ -52,6 +53,8 @@ struct RawBook {
     std::vector<RawTable> tables;
     bool date1904 = false;
     bool iterative = false;
+    bool precisionAsDisplayed = false;       ///< numbers of formulas are rounded as their cells show them
+    std::vector<std::string> numberFormats;  ///< by a cell's style; only read for precision as displayed
     std::string fileName;
 };
 
