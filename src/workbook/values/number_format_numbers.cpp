@@ -314,7 +314,7 @@ struct FractionLayout {
 std::string between(const Tokens& tokens, std::size_t from, std::size_t to) {
     std::string text;
     for (std::size_t i = from; i < to; ++i) {
-        text += tokens[i].text;
+        text += tokens[i].kind == Kind::Percent ? "%" : tokens[i].text;
     }
     return text;
 }
