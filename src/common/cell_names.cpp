@@ -1,10 +1,8 @@
-#include "workbook/values/cell_names.h"
+#include "common/cell_names.h"
 
 #include <algorithm>
 
-#include "workbook/values/texts.h"
-
-namespace quorva::workbook {
+namespace quorva {
 
 namespace {
 
@@ -17,9 +15,11 @@ bool isWordByte(char c) {
 /// Whether a sheet's name reads as a cell, such as A1, XFD12 or R1C1, so that it has to be quoted.
 bool looksLikeCell(std::string_view name) {
     const auto letters = std::find_if(name.begin(), name.end(), isDigit) - name.begin();
-    const std::string upper = toUpper(name);
-    if (upper == "R" || upper == "C" || upper == "RC") {
-        return true;
+    for (const std::string_view reference : {"R", "C", "RC"}) {  // the other style of references, without numbers
+        if (std::equal(name.begin(), name.end(), reference.begin(), reference.end(),
+                       [](char a, char b) { return (a & ~32) == b; })) {
+            return true;
+        }
     }
     return letters >= 1 && letters <= 3 && static_cast<std::size_t>(letters) < name.size() &&
            std::all_of(name.begin(), name.begin() + letters,
@@ -94,15 +94,4 @@ bool parseCellName(std::string_view text, int& row, int& column) {
     return true;
 }
 
-bool parseArea(std::string_view text, Area& area) {
-    const auto colon = text.find(':');
-    if (!parseCellName(text.substr(0, colon), area.firstRow, area.firstColumn)) {
-        return false;
-    }
-    area.lastRow = area.firstRow;
-    area.lastColumn = area.firstColumn;
-    return colon == std::string_view::npos || (parseCellName(text.substr(colon + 1), area.lastRow, area.lastColumn) &&
-                                               area.lastRow >= area.firstRow && area.lastColumn >= area.firstColumn);
-}
-
-}  // namespace quorva::workbook
+}  // namespace quorva

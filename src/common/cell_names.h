@@ -1,21 +1,14 @@
-// Cells and sheets by name: "A1", "$B$3:C7", "'My sheet'!".
+// Cells and sheets by name: "A1", "$B$3", "'My sheet'!". Rows and columns count from 0.
 #pragma once
 
-#include <compare>
 #include <string>
 #include <string_view>
 
-#include "workbook/values/value.h"
+namespace quorva {
 
-namespace quorva::workbook {
-
-/// Sheets, rows and columns count from 0.
-struct CellAddress {
-    int sheet = 0;
-    int row = 0;
-    int column = 0;
-    friend auto operator<=>(const CellAddress&, const CellAddress&) = default;
-};
+/// What a sheet of today holds.
+constexpr int maxRows = 1048576;
+constexpr int maxColumns = 16384;
 
 /// "A" for 0.
 std::string columnName(int column);
@@ -30,7 +23,5 @@ int columnFromLetters(std::string_view letters);
 int rowFromDigits(std::string_view digits);
 /// The position a text such as "B3" or "$B$3" means; false when it means none.
 bool parseCellName(std::string_view text, int& row, int& column);
-/// "A1" or "A1:B3"; false when the text is no range. The sheet is left as it is.
-bool parseArea(std::string_view text, Area& area);
 
-}  // namespace quorva::workbook
+}  // namespace quorva

@@ -4,6 +4,7 @@
 #include <random>
 #include <sstream>
 
+#include "common/cell_names.h"
 #include "workbook/recalculation/book.h"
 
 namespace quorva::workbook {

@@ -8,6 +8,7 @@
 #include <iostream>
 #include <map>
 
+#include "common/cell_names.h"
 #include "workbook/recalculation/book.h"
 
 namespace quorva::workbook {

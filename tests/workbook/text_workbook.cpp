@@ -3,8 +3,9 @@
 #include <cmath>
 #include <sstream>
 
+#include "common/cell_names.h"
 #include "workbook/recalculation/book.h"
-#include "workbook/values/cell_names.h"
+#include "workbook/values/areas.h"
 #include "workbook/values/convert.h"
 
 namespace quorva::workbook {

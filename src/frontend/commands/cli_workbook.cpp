@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "common/cell_names.h"
 #include "frontend/reports/model_terms.h"
 #include "frontend/reports/report_json.h"
 #include "frontend/run/model_session.h"
@@ -112,7 +113,7 @@ std::string valueLine(const Book& book, const workbook::CellAddress& cell, const
     if (unsupported) {
         type = "unsupported", text = why;
     }
-    return csvField(book.sheetName(cell.sheet)) + "," + cellAddress(cell.row, cell.column) + "," + type + "," +
+    return csvField(book.sheetName(cell.sheet)) + "," + cellName(cell.row, cell.column) + "," + type + "," +
            csvField(text) + "\n";
 }
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "common/cell_names.h"
 #include "frontend/reports/model_terms.h"
 #include "frontend/text/cell_address.h"
 
@@ -180,7 +181,7 @@ Json fieldsJson(const std::vector<Field>& fields) {
         Json entry{{"number", field.number},
                    {"name", field.name},
                    {"sheet", field.sheet},
-                   {"cell", cellAddress(field.row, field.column)},
+                   {"cell", cellName(field.row, field.column)},
                    {"kind", kindName(field.kind)},
                    {"law", distribution ? Json(lawName(field.law)) : Json(nullptr)},
                    {"parameters", parametersJson(field)},

@@ -1,5 +1,6 @@
 #include "frontend/run/run_errors.h"
 
+#include "common/cell_names.h"
 #include "frontend/run/host_arrays.h"
 #include "frontend/text/cell_address.h"
 #include "frontend/text/number_text.h"
@@ -68,7 +69,7 @@ std::string sentence(int code, const ErrorRecord& first, const std::vector<Field
         case runerror::noDrawInBounds:
             return where + ": no draw fell within the truncation bounds; widen them or check their order";
         case runerror::cellBeyondGrid:
-            return where + " lies outside A1:" + cellAddress(limit::gridRows - 1, limit::gridColumns - 1) +
+            return where + " lies outside A1:" + cellName(limit::gridRows - 1, limit::gridColumns - 1) +
                    ", where model functions have to stand";
         case runerror::tooManySheets:
             return where + ": model functions on more than " + std::to_string(limit::sheets) +

@@ -6,9 +6,7 @@
 
 namespace quorva::frontend {
 
-/// "B7" of a 0-based row and column.
-std::string cellAddress(int row, int column);
-/// "Costs!B7", the sheet in quotes where its name needs them.
+/// "Costs!B7" of a 0-based row and column, the sheet in quotes where its name needs them; "B7" without a sheet.
 std::string cellAddress(std::string_view sheet, int row, int column);
 /// "Sheet" of the host's "[Book]Sheet".
 std::string sheetOfHostName(std::string_view hostName);

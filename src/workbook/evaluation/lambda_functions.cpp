@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "common/cell_names.h"
 #include "workbook/evaluation/evaluator.h"
 
 namespace quorva::workbook {

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "common/cell_names.h"
 #include "workbook/evaluation/evaluator.h"
-#include "workbook/values/cell_names.h"
 
 namespace quorva::workbook {
 

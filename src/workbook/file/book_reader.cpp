@@ -7,7 +7,7 @@
 #include <unordered_map>
 
 #include "workbook/file/sheet_reader.h"
-#include "workbook/values/cell_names.h"
+#include "workbook/values/areas.h"
 #include "workbook/values/failure.h"
 
 namespace quorva::workbook {

@@ -4,7 +4,8 @@
 #include <cmath>
 #include <map>
 
-#include "workbook/values/cell_names.h"
+#include "common/cell_names.h"
+#include "workbook/values/areas.h"
 #include "workbook/values/convert.h"
 #include "workbook/values/texts.h"
 

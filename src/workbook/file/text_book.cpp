@@ -12,7 +12,7 @@
 
 #include <algorithm>
 
-#include "workbook/values/cell_names.h"
+#include "common/cell_names.h"
 #include "workbook/values/convert.h"
 #include "workbook/values/failure.h"
 #include "workbook/values/texts.h"

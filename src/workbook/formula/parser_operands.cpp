@@ -1,9 +1,9 @@
 // The operands of formulas: constants and references, and which of them an identifier is.
 #include <algorithm>
 
+#include "common/cell_names.h"
 #include "workbook/formula/parser_pass.h"
 #include "workbook/formula/words.h"
-#include "workbook/values/cell_names.h"
 #include "workbook/values/convert.h"
 #include "workbook/values/texts.h"
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "common/cell_names.h"
 #include "workbook/formula/words.h"
-#include "workbook/values/cell_names.h"
 #include "workbook/values/texts.h"
 
 namespace quorva::workbook {

@@ -1,6 +1,6 @@
 #include "workbook/formula/words.h"
 
-#include "workbook/values/cell_names.h"
+#include "common/cell_names.h"
 #include "workbook/values/texts.h"
 
 namespace quorva::workbook {

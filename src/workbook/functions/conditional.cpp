@@ -3,6 +3,7 @@
 #include <optional>
 #include <vector>
 
+#include "common/cell_names.h"
 #include "workbook/functions/families.h"
 
 namespace quorva::workbook {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/cell_names.h"
 #include "workbook/file/book_reader.h"
 #include "workbook/file/text_book.h"
 #include "workbook/functions/families.h"

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "workbook/values/cell_names.h"
+#include "workbook/values/areas.h"
 #include "workbook/values/failure.h"
 
 namespace quorva::workbook {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <ctime>
 
+#include "common/cell_names.h"
 #include "workbook/evaluation/stack_room.h"
 #include "workbook/formula/shown_formula.h"
 #include "workbook/functions/families.h"

@@ -51,9 +51,6 @@ struct Area {
     friend bool operator==(const Area&, const Area&) = default;
 };
 
-constexpr int maxRows = 1048576;
-constexpr int maxColumns = 16384;
-
 class Value;
 
 /// Shared, immutable contents of a value; counted without locks (a book belongs to one thread).
