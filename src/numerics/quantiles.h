@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "common/missing_value.h"
+#include "quorva/wire_format.h"
 
 namespace quorva {
 
@@ -28,8 +28,8 @@ double quantileOfOrdered(std::span<const double> ordered, double p);
 /// The rank-th smallest (rank from 1 to the number of values); rearranges the values.
 double orderStatistic(std::vector<double>& values, int rank);
 
-/// The value that comes first under `before`; NaN observations only count when there is nothing else. MissingValue
-/// when every observation is flagged.
+/// The value that comes first under `before`; NaN when no observation is a number, MissingValue when every observation
+/// is flagged.
 template <class Before>
 double extremeOf(const double* values, int n, const short* flags, Before before) {
     double best = MissingValue;

@@ -1,6 +1,11 @@
 // Descriptive statistics of a vector of n values. `flags` excludes an observation where it is not 0 (null: none);
 // `weights` are the observations' weights (null: all 1). What is undefined (too few values, zero variance, a value
 // that the statistic does not admit) is MissingValue.
+//
+// A NaN observation is counted. Quantiles take it for larger than every number; the minimum and the maximum pass it by
+// unless there is nothing else; mean, variance, standard and mean absolute deviation become NaN; skewness, kurtosis,
+// geometric and harmonic mean become MissingValue; V_Freq finds it equal to nothing. Beside numbers that are all equal
+// it leaves mean, variance and standard deviation as they are.
 #pragma once
 
 namespace quorva {

@@ -11,9 +11,10 @@
 #include <string>
 #include <vector>
 
-#include "common/missing_value.h"
 #include "numerics/core.h"
 #include "numerics/laws.h"
+#include "quorva/automation.h"
+#include "quorva/wire_format.h"
 
 namespace quorva {
 namespace {
@@ -97,6 +98,39 @@ TEST(VectorStatistics, NaNObservationsSortLastAndDoNotDerailTheSelection) {
     EXPECT_TRUE(std::isnan(V_QuantileM(values, 5, nullptr, 1)));
     EXPECT_EQ(V_Min(values, 5, nullptr), 1);
     EXPECT_EQ(V_Max(values, 5, nullptr), 3);
+}
+
+TEST(VectorStatistics, ANaNObservationMakesMomentsNaNAndShapesMissing) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double values[] = {3, nan, 1, 2};
+    double mean = 0, stdev = 0, variance = 0, skewnessP = 0, kurtosisP = 0, skewness = 0, kurtosis = 0, error1 = 0,
+           error2 = 0;
+    V_MeanStdev(values, 4, mean, stdev, nullptr, nullptr, hostTrue, 0);
+    EXPECT_TRUE(std::isnan(mean));
+    EXPECT_TRUE(std::isnan(stdev));
+    V_MeanVarSkewPKurtP(values, 4, mean, variance, skewnessP, kurtosisP, skewness, kurtosis, error1, error2, nullptr,
+                        nullptr, 0, 0);
+    EXPECT_TRUE(std::isnan(mean));
+    EXPECT_TRUE(std::isnan(variance));
+    for (const double shape : {skewnessP, kurtosisP, skewness, kurtosis}) {
+        EXPECT_EQ(shape, MissingValue);
+    }
+    V_GMeanGSD(values, 4, nullptr, nullptr, mean, stdev);
+    EXPECT_EQ(mean, MissingValue);
+    EXPECT_EQ(stdev, MissingValue);
+    EXPECT_EQ(V_HarmonicMean(values, 4, nullptr, nullptr), MissingValue);
+    EXPECT_TRUE(std::isnan(V_MeanAbsDev(values, 4, 2, nullptr, nullptr)));
+    EXPECT_EQ(V_Min(values, 4, nullptr), 1.0);
+    EXPECT_EQ(V_Max(values, 4, nullptr), 3.0);
+    EXPECT_EQ(V_Freq(values, 4, nullptr, nan, 0), 0.0);
+
+    const double equal[] = {5, nan, 5};
+    V_MeanStdev(equal, 3, mean, stdev, nullptr, nullptr, hostTrue, 0);
+    EXPECT_EQ(mean, 5.0);
+    EXPECT_EQ(stdev, 0.0);
+    const double none[] = {nan, nan};
+    EXPECT_TRUE(std::isnan(V_Mean2(none, 2)));
+    EXPECT_TRUE(std::isnan(V_Max(none, 2, nullptr)));
 }
 
 TEST(VectorStatistics, MeanAndDeviationWithBothDivisors) {

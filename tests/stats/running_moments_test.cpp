@@ -66,6 +66,18 @@ TEST_F(RunningMoments, AMissingValueTouchesOnlyTheMinimum) {
     EXPECT_EQ(get(momentcolumn::minimum), MissingValue);
 }
 
+TEST_F(RunningMoments, ANaNIsCountedSpoilsTheSumsAndLeavesTheExtremes) {
+    for (const double x : {2.0, std::nan(""), 5.0}) {
+        CalcSimStat(1, x);
+    }
+    EXPECT_EQ(get(momentcolumn::count), 3.0);
+    for (const int column : {momentcolumn::mean, momentcolumn::m2, momentcolumn::m3, momentcolumn::m4}) {
+        EXPECT_TRUE(std::isnan(get(column))) << column;
+    }
+    EXPECT_EQ(get(momentcolumn::minimum), 2.0);
+    EXPECT_EQ(get(momentcolumn::maximum), 5.0);
+}
+
 TEST_F(RunningMoments, AFieldNobodyAsksForKeepsItsStartValues) {
     CalcSimStat(2, 4);
     EXPECT_EQ(get(momentcolumn::minimum, 2), MissingValueTwin);
