@@ -9,11 +9,11 @@
 #include <utility>
 
 #include "../engine/field_by_name.h"
+#include "../engine/uniforms_consumed.h"
 #include "../platform/reported_error.h"
 #include "cells.h"
 #include "common/whole_number.h"
 #include "engine/field_registry.h"
-#include "numerics/uniforms.h"
 #include "stats/running_moments.h"
 
 namespace quorva::testing {
@@ -32,11 +32,7 @@ protected:
 
     static void reset(int seed = 1) {
         run = RunState{};
-        SeedState& state = run.sampling.seed;
-        state.seed = seed;
-        state.initialise = hostTrue;
-        GetSeed(&state.seed, &state.initialise, &state.inUse);
-        GetSeedUpdate(&state.updated);
+        startGenerator(seed);
     }
     /// Ready for the registration pass.
     static void init(bool workbook = false) {

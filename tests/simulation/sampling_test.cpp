@@ -2,9 +2,8 @@
 #include <cmath>
 #include <set>
 
-#include "engine/latin_hypercube.h"
+#include "../engine/uniforms_consumed.h"
 #include "numerics/laws.h"
-#include "numerics/uniforms.h"
 #include "quorva/catalogue.h"
 #include "simulation_test.h"
 
@@ -24,27 +23,6 @@ protected:
         result({fields, 1}, "~", [] { return 0.0; });
         prepare(false, 99);
         ASSERT_EQ(begin(nSim, strata), 0);
-    }
-    static double draw(int stream, double lower = 0.0, double upper = 1.0) {
-        SeedState& s = run.sampling.seed;
-        return getLHSRandom01(0, stream, lower, upper, &s.seed, s.initialise, &s.updated);
-    }
-    /// How many uniforms the generator has given since seed 99 was set, found by comparing with a fresh stream.
-    static int uniformsConsumed(int atMost) {
-        SeedState& s = run.sampling.seed;
-        const double next = GenerateRandom01(&s.seed, s.initialise, &s.updated);
-        int seed = 99;
-        short keep = hostTrue;
-        int out = 0;
-        GetSeed(&seed, &keep, &out);
-        for (int n = 0; n <= atMost; ++n) {
-            const double u = GenerateRandom01(&seed, keep, &out);
-            seed = out;
-            if (u == next) {
-                return n;
-            }
-        }
-        return -1;
     }
     std::vector<std::unique_ptr<std::string>> names;
 };
@@ -79,21 +57,9 @@ TEST_F(Sampling, WithAMultipleOfTheStrataEveryStratumIsUsedEquallyOften) {
     EXPECT_EQ(used, std::vector<int>(8, 5));
 }
 
-TEST_F(Sampling, StrataAreTakenFromTheBottomOfThePermutation) {
-    startUniforms(1, 10, 4);
-    const double first = draw(1);
-    const matrix<double>& table = run.sampling.LhsTable;
-    EXPECT_EQ(table(5, 1), 3.0);
-    EXPECT_EQ(std::floor(first * 4) + 1, table(4, 1));
-    const double second = draw(1);
-    EXPECT_EQ(std::floor(second * 4) + 1, table(3, 1));
-    std::set<double> permutation{table(1, 1), table(2, 1), table(3, 1), table(4, 1)};
-    EXPECT_EQ(permutation, (std::set<double>{1, 2, 3, 4}));
-}
-
 TEST_F(Sampling, EveryRunStartsWithFreshPermutations) {
     startUniforms(2, 10, 4);
-    draw(1);
+    iterate();
     ASSERT_EQ(run.sampling.LhsTable(5, 1), 3.0);
     ASSERT_EQ(begin(10, 4), 0);
     EXPECT_EQ(run.sampling.LhsTable.rows(), 5);
@@ -103,98 +69,20 @@ TEST_F(Sampling, EveryRunStartsWithFreshPermutations) {
     }
 }
 
-TEST_F(Sampling, OneStratumGivesThePlainUniformAfterThePermutationsOwn) {
-    startUniforms(1, 10, 1);
-    std::vector<double> drawn{draw(1), draw(1)};
-    int seed = 99;
-    short keep = hostTrue;
-    int out = 0;
-    GetSeed(&seed, &keep, &out);
-    std::vector<double> stream;
-    for (int i = 0; i < 4; ++i) {
-        stream.push_back(GenerateRandom01(&seed, keep, &out));
-        seed = out;
-    }
-    EXPECT_EQ(drawn[0], stream[1]);
-    EXPECT_EQ(drawn[1], stream[3]);
-}
-
 TEST_F(Sampling, TheNumberOfUniformsConsumedIsPinned) {
     startUniforms(3, 20, 0);
     for (int k = 0; k < 20; ++k) {
         iterate();
         recalculate();  // evaluated again, drawn once
     }
-    EXPECT_EQ(uniformsConsumed(100), 60);
+    EXPECT_EQ(uniformsConsumed(99, 100), 60);
     reset();
     cells.clear();
     startUniforms(3, 20, 20);
     for (int k = 0; k < 20; ++k) {
         iterate();
     }
-    EXPECT_EQ(uniformsConsumed(300), 120) << "20 for each field's permutation, 20 draws each";
-}
-
-TEST_F(Sampling, BoundsOfZeroAndOneNeverRedraw) {
-    startUniforms(1, 10, 0);
-    for (int i = 0; i < 1000; ++i) {
-        draw(1, 0.0, 1.0);
-    }
-    EXPECT_EQ(uniformsConsumed(2000), 1000);
-}
-
-TEST_F(Sampling, AnEmptyIntervalGivesUpAfterTenThousandRedraws) {
-    startUniforms(2, 10, 0);
-    draw(1, 0.5, 0.5);
-    EXPECT_EQ(run.error.flag, hostTrue);
-    EXPECT_EQ(run.error.code, -14);
-    EXPECT_EQ(uniformsConsumed(20'000), 10'002);
-}
-
-TEST_F(Sampling, TheDrawAfterTheLimitIsAnErrorEvenInsideTheBounds) {
-    startUniforms(2, 10, 0);
-    std::vector<double> stream;
-    for (int k = 0; k < 10'002; ++k) {
-        stream.push_back(draw(1));
-    }
-    for (const std::size_t inside : {10'000U, 10'001U}) {
-        reset(99);
-        draw(1, stream[inside], stream[inside]);
-        EXPECT_EQ(run.error.flag, toHostBool(inside == 10'001U)) << inside << " draws outside before";
-    }
-}
-
-TEST_F(Sampling, AnEmptyIntervalGivesUpWithStrataToo) {
-    startUniforms(2, 10, 4);
-    draw(2, 0.3, 0.3);
-    EXPECT_EQ(run.error.code, -14);
-    EXPECT_EQ(uniformsConsumed(30'000), 10'002 + 10'004) << "a rejected draw uses up its stratum";
-}
-
-TEST_F(Sampling, TheErrorNamesTheFieldOfTheStreamButNeverComparesTheLastField) {
-    startUniforms(3, 10, 0);  // fields u0, u1, u2, ~; streams 1, 2, 3
-    run.fields.FieldNames.scratch() = u"scratch";
-    draw(2, 0.5, 0.5);
-    ReportedError error = reportedError();
-    EXPECT_EQ(error.line, 1);
-    EXPECT_EQ(error.column, 0);
-    EXPECT_EQ(error.texts, std::vector<std::u16string>{u"scratch"}) << "column 20 of the names";
-    draw(77, 0.5, 0.5);
-    error = reportedError();
-    EXPECT_EQ(error.line, 3) << "no match: where the scan ends";
-    EXPECT_EQ(error.column, 1);
-}
-
-TEST_F(Sampling, AStreamOfZeroIsAnErrorOnlyWithStrata) {
-    startUniforms(1, 10, 4);
-    draw(0);
-    EXPECT_EQ(run.error.code, -12);
-    EXPECT_EQ(reportedError().line, 0);
-    reset();
-    cells.clear();
-    startUniforms(1, 10, 0);
-    EXPECT_GT(draw(0), 0.0);
-    EXPECT_EQ(run.error.flag, hostFalse);
+    EXPECT_EQ(uniformsConsumed(99, 300), 120) << "20 for each field's permutation, 20 draws each";
 }
 
 TEST_F(Sampling, TruncatedFieldsStayWithinTheirBounds) {
