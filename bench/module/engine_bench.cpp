@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "common/missing_value.h"
 #include "engine/correlated_draw.h"
 #include "engine/latin_hypercube.h"
 #include "engine/run_state.h"
 #include "platform/front_end_arrays.h"
+#include "quorva/automation.h"
 #include "quorva/front_end.h"
 #include "quorva/worksheet.h"
 

@@ -6,11 +6,11 @@
 #include <utility>
 #include <vector>
 
-#include "common/missing_value.h"
 #include "numerics/core.h"
 #include "numerics/laws.h"
 #include "numerics/linear_algebra.h"
 #include "numerics/uniforms.h"
+#include "quorva/automation.h"
 #include "quorva/catalogue.h"
 
 namespace quorva {

@@ -23,10 +23,6 @@ struct ConvergenceSettings {
     double percentile;
 };
 
-bool isKind(int field, FieldKind kind) {
-    return run.fields.FieldTable(field, fieldcolumn::kind) == static_cast<double>(kind);
-}
-
 /// nSim x nFields as the 32-bit product that the limit has always been compared with.
 int sampleCells(int nSim) {
     return static_cast<int>(static_cast<std::uint32_t>(nSim) * static_cast<std::uint32_t>(run.fields.nFields));
@@ -85,7 +81,8 @@ void setUpConvergence(const ConvergenceSettings& settings) {
     convergence.iconf = settings.confidence;
     convergence.iallRes = settings.allResults;
     convergence.inCrit = settings.criterion;
-    convergence.table = matrix<double>(3, std::max(2 * run.fields.nRes, 1));
+    convergence.table =
+        matrix<double>(convergencetable::rows, std::max(convergencecolumn::columns(run.fields.nRes), 1));
     convergence.firstCheck = hostTrue;
 }
 

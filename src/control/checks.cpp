@@ -23,7 +23,7 @@ Pair firstDuplicate() {
     firstWith.reserve(static_cast<std::size_t>(std::max(run.fields.nFields, 0)));
     Pair found;
     for (int field = 1; field <= run.fields.nFields; ++field) {
-        const auto [earlier, fresh] = firstWith.try_emplace(names(field, 1), field);
+        const auto [earlier, fresh] = firstWith.try_emplace(names(field, namecolumn::field), field);
         if (!fresh && (found.first == 0 || earlier->second < found.first)) {
             found = {earlier->second, field};
         }
@@ -34,16 +34,16 @@ Pair firstDuplicate() {
 CellLocation locationOf(int field) {
     const matrix<double>& table = run.fields.FieldTable;
     return {wholeNumber(table(field, fieldcolumn::row)), wholeNumber(table(field, fieldcolumn::column)),
-            run.fields.FieldNames(field, 2)};
+            run.fields.FieldNames(field, namecolumn::sheet)};
 }
 
 /// The first field with that name, of any kind or a distribution only; 0 when there is none.
 int fieldNamed(const std::u16string& name, bool distributionsOnly) {
     for (int field = 1; field <= run.fields.nFields; ++field) {
-        if (distributionsOnly && run.fields.FieldTable(field, fieldcolumn::kind) != 1.0) {
+        if (distributionsOnly && !isKind(field, FieldKind::Distribution)) {
             continue;
         }
-        if (run.fields.FieldNames(field, 1) == name) {
+        if (run.fields.FieldNames(field, namecolumn::field) == name) {
             return field;
         }
     }
@@ -59,7 +59,7 @@ int reportDuplicates() {
     run.error.flag = hostTrue;
     run.error.first = locationOf(pair.first);
     run.error.second = locationOf(pair.second);
-    run.error.extraText = run.fields.FieldNames(pair.first, 1);
+    run.error.extraText = run.fields.FieldNames(pair.first, namecolumn::field);
     return -1;
 }
 
@@ -101,7 +101,7 @@ int checkVarlistSPC() {
         const int field = fieldNamed(run.capability.SpcLabels(label, 1), false);
         if (field != 0) {
             run.fields.FieldTable(field, fieldcolumn::capability) = label;
-            run.capability.SpcTable(label, 1) = field;
+            run.capability.SpcTable(label, capabilitycolumn::field) = field;
         }
     }
     return 0;

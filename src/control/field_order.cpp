@@ -29,11 +29,11 @@ std::vector<int> oldNumbers(const matrix<std::u16string>& sorted) {
     std::unordered_map<FieldName, int, HashOfName> numberOf;
     numberOf.reserve(static_cast<std::size_t>(n));
     for (int j = 1; j <= n; ++j) {
-        numberOf.try_emplace({&names(j, 1), &names(j, 2)}, j);
+        numberOf.try_emplace({&names(j, namecolumn::field), &names(j, namecolumn::sheet)}, j);
     }
     std::vector<int> old(static_cast<std::size_t>(n) + 1);
     for (int r = 1; r <= n; ++r) {
-        old[static_cast<std::size_t>(r)] = numberOf.at({&sorted(r, 1), &sorted(r, 2)});
+        old[static_cast<std::size_t>(r)] = numberOf.at({&sorted(r, namecolumn::field), &sorted(r, namecolumn::sheet)});
     }
     return old;
 }
@@ -43,9 +43,9 @@ std::vector<int> oldNumbers(const matrix<std::u16string>& sorted) {
 void renumberInNameOrder() {
     FieldTables& fields = run.fields;
     const int n = fields.nFields;
-    matrix<std::u16string> sorted(n, 2);
-    copyBlock(fields.FieldNames, 1, n, 1, 2, sorted);
-    SortQMatrixCol(sorted, n, 2, 1, 0, n, false);
+    matrix<std::u16string> sorted(n, namecolumn::columns);
+    copyBlock(fields.FieldNames, 1, n, 1, namecolumn::columns, sorted);
+    SortQMatrixCol(sorted, n, namecolumn::columns, namecolumn::field, 0, n, false);
     const std::vector<int> old = oldNumbers(sorted);
 
     fields.FieldOrder = matrix<double>(n, 1);
@@ -57,8 +57,9 @@ void renumberInNameOrder() {
         for (int column = 1; column <= fieldcolumn::columns; ++column) {
             fields.FieldTable(r, column) = described(j, column);
         }
-        fields.FieldNames(r, 1) = std::move(sorted(r, 1));
-        fields.FieldNames(r, 2) = std::move(sorted(r, 2));
+        for (const int column : {namecolumn::field, namecolumn::sheet}) {
+            fields.FieldNames(r, column) = std::move(sorted(r, column));
+        }
     }
 }
 

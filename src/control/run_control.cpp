@@ -122,8 +122,7 @@ void Cpp_SimError(int* oSimError, int* oEline, int* oEcol, HostStringArray** oES
     }
     guarded([&] {
         *oSimError = run.error.code;
-        // A line of -1 on entry asks for the second cell of a two-cell error.
-        if (*oEline == -1) {
+        if (*oEline == askForSecondCell) {
             handOverSecondLocation(oEline, oEcol, oESheet);
             return;
         }

@@ -57,11 +57,11 @@ void setUpCapability(const double* iLSL, const double* iUSL, const double* itarg
         return;
     }
     state.SpcLabels = fromHostStringArray(labels ? *labels : nullptr, state.inSpc);
-    state.SpcTable = matrix<double>(state.inSpc, 4);
+    state.SpcTable = matrix<double>(state.inSpc, capabilitycolumn::columns);
     for (int i = 1; i <= state.inSpc; ++i) {
-        state.SpcTable(i, 2) = iLSL[i - 1];
-        state.SpcTable(i, 3) = iUSL[i - 1];
-        state.SpcTable(i, 4) = itarget[i - 1];
+        state.SpcTable(i, capabilitycolumn::lowerLimit) = iLSL[i - 1];
+        state.SpcTable(i, capabilitycolumn::upperLimit) = iUSL[i - 1];
+        state.SpcTable(i, capabilitycolumn::target) = itarget[i - 1];
     }
 }
 
@@ -70,7 +70,7 @@ void createFieldTables() {
     fields.registered = std::max(fields.registered, 1);
     fields.FieldTable = matrix<double>(fields.registered, fieldcolumn::columns);
     fields.FieldFlags = matrix<double>(fields.registered, momentcolumn::columns);
-    fields.FieldNames = matrix<std::u16string>(fields.registered, 2);
+    fields.FieldNames = matrix<std::u16string>(fields.registered, namecolumn::columns);
     std::fill_n(fields.FieldFlags.column(momentcolumn::minimum), fields.registered, MissingValueTwin);
     std::fill_n(fields.FieldFlags.column(momentcolumn::maximum), fields.registered, MissingValue);
 }

@@ -1,8 +1,8 @@
 #include "engine/correlation_groups.h"
 
 #include "common/guarded.h"
-#include "common/missing_value.h"
 #include "engine/run_state.h"
+#include "quorva/wire_format.h"
 
 using namespace quorva;
 

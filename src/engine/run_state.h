@@ -8,11 +8,12 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/matrix.h"
-#include "common/missing_value.h"
 #include "engine/random_permutation.h"
+#include "quorva/automation.h"
 #include "quorva/wire_format.h"
 
 namespace quorva {
@@ -44,6 +45,13 @@ constexpr int minimum = 8;
 constexpr int maximum = 9;
 constexpr int columns = 9;
 }  // namespace momentcolumn
+
+/// Rows of the convergence table: those that a front end receives, then the module's own.
+namespace convergencetable {
+using namespace convergencerow;
+constexpr int field = 3;  ///< number of the monitored field
+constexpr int rows = 3;
+}  // namespace convergencetable
 
 /// Columns of CorrGroups, one row per correlation label.
 namespace groupcolumn {
@@ -146,7 +154,7 @@ struct FieldTables {
     int current = 0;                    ///< field number of the field evaluated last
     matrix<double> FieldTable;          ///< registered x 22, see fieldcolumn
     matrix<double> FieldFlags;          ///< registered x 9, see momentcolumn
-    matrix<std::u16string> FieldNames;  ///< registered x 2: field name, sheet name
+    matrix<std::u16string> FieldNames;  ///< registered x 2, see namecolumn
     matrix<double> FieldOrder;          ///< nFields x 1: place of an old field number in name order
 };
 
@@ -196,7 +204,7 @@ struct CapabilityState {
     int inSpc = 0;
     double iSpcConf = 0.0;
     matrix<std::u16string> SpcLabels;
-    matrix<double> SpcTable;  ///< inSpc x 4: field number, LSL, USL, target
+    matrix<double> SpcTable;  ///< inSpc x 4, see capabilitycolumn
 };
 
 struct ConvergenceState {
@@ -207,7 +215,7 @@ struct ConvergenceState {
     int inCrit = 0;
     double ipercentile = 0.0;
     HostBool firstCheck = hostFalse;
-    matrix<double> table;  ///< 3 x max(1, 2 nRes): bounds, movements, field numbers
+    matrix<double> table;  ///< 3 x max(1, 2 nRes), see convergencetable and convergencecolumn
 };
 
 struct TornadoState {
@@ -219,7 +227,7 @@ struct TornadoState {
     int position = 0;          ///< current input position, from 1
     int nextResult = 0;        ///< next result order number, from 1
     int clockField = 0;        ///< the field whose evaluations advance the plan; 0: none yet
-    matrix<double> intervals;  ///< p x 5, as Cpp_SimEnd returns it
+    matrix<double> intervals;  ///< p x 5, see intervalcolumn
     matrix<double> points;     ///< inbrPts x 2p: points, then clamp marks
     matrix<double> store;      ///< (nRes inbrPts) x max(1, nFields)
     matrix<int> resultOrder;   ///< nFields x 1
@@ -239,6 +247,11 @@ struct RunState {
 
 /// The run of this process.
 extern RunState run;
+
+/// Whether a field of the run is of that kind.
+inline bool isKind(int field, FieldKind kind) {
+    return std::as_const(run.fields.FieldTable)(field, fieldcolumn::kind) == static_cast<double>(kind);
+}
 
 /// Sets flag, code and first location.
 void recordError(int code, int line, int column, const std::u16string& sheet);

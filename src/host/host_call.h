@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "common/missing_value.h"
+#include "quorva/automation.h"
 #include "quorva/host_value.h"
 
 namespace quorva {

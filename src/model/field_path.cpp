@@ -63,8 +63,8 @@ int numberField(FieldKind kind, const CallingCell& cell, int slot, const char* n
     table(field, fieldcolumn::column) = cell.column();
     table(field, fieldcolumn::visible) = visible;
     table(field, fieldcolumn::sheetSlot) = slot;
-    fields.FieldNames(field, 1) = wideFromHostText(name, hostFalse);
-    fields.FieldNames(field, 2) = cell.sheetName();
+    fields.FieldNames(field, namecolumn::field) = wideFromHostText(name, hostFalse);
+    fields.FieldNames(field, namecolumn::sheet) = cell.sheetName();
     return field;
 }
 

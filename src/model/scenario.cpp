@@ -8,8 +8,6 @@
 namespace quorva {
 namespace {
 
-constexpr int qualitative = 2;
-
 struct ScenarioVariable {
     const char* name;
     double lower;
@@ -22,7 +20,7 @@ struct ScenarioVariable {
 
 double middleOf(double lower, double upper, int mode) {
     const double middle = (lower + upper) * 0.5;
-    return mode == qualitative ? std::floor(middle) : middle;
+    return mode == static_cast<int>(ScenarioMode::Qualitative) ? std::floor(middle) : middle;
 }
 
 void describe(const ScenarioVariable& variable, int field) {

@@ -45,7 +45,7 @@ ReferencedCell referencedCell(const XLOPER* reference, int own) {
 double computeOnce(const XLOPER* reference, int own, int statistic) {
     const ReferencedCell cell = referencedCell(reference, own);
     if (cell.row >= limit::gridRows || cell.column >= limit::gridColumns) {
-        recordError(runerror::cellBeyondGrid, cell.row, cell.column, run.fields.FieldNames(own, 2));
+        recordError(runerror::cellBeyondGrid, cell.row, cell.column, run.fields.FieldNames(own, namecolumn::sheet));
         return 0.0;
     }
     const int described = static_cast<int>(getFieldInfo(cell.column, cell.row, cell.slot));

@@ -5,13 +5,10 @@
 namespace quorva {
 namespace {
 
-constexpr int upperBoundColumn = 3;
-constexpr int medianColumn = 2;
-
 /// Positions that the plan passes by: fields without an interval, and results.
 bool isSkipped(int position) {
-    return run.tornado.intervals(position, upperBoundColumn) == MissingValue ||
-           run.fields.FieldTable(position, fieldcolumn::kind) == static_cast<double>(FieldKind::Result);
+    return run.tornado.intervals(position, intervalcolumn::upper) == MissingValue ||
+           isKind(position, FieldKind::Result);
 }
 
 void advance() {
@@ -42,8 +39,9 @@ double tornadoInput(int field) {
     if (field == plan.position) {
         return plan.points(plan.point, field);
     }
-    return plan.iDefCase != 0 ? run.fields.FieldTable(field, fieldcolumn::defaultValue)
-                              : plan.intervals(field, medianColumn);
+    return plan.iDefCase != static_cast<int>(TornadoBase::Median)
+               ? run.fields.FieldTable(field, fieldcolumn::defaultValue)
+               : plan.intervals(field, intervalcolumn::median);
 }
 
 void recordTornadoResult(int field, double value) {

@@ -3,9 +3,9 @@
 #include <limits>
 
 #include "common/guarded.h"
-#include "common/missing_value.h"
 #include "numerics/laws.h"
 #include "quorva/catalogue.h"
+#include "quorva/wire_format.h"
 #include "quorva/worksheet.h"
 
 namespace quorva {

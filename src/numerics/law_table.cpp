@@ -6,9 +6,9 @@
 #include <limits>
 
 #include "common/guarded.h"
-#include "common/missing_value.h"
 #include "numerics/laws.h"
 #include "quorva/catalogue.h"
+#include "quorva/wire_format.h"
 
 namespace quorva {
 namespace {

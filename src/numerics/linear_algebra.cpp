@@ -7,8 +7,9 @@
 #include <limits>
 #include <vector>
 
-#include "common/missing_value.h"
 #include "numerics/quantiles.h"
+#include "quorva/automation.h"
+#include "quorva/wire_format.h"
 
 namespace quorva {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "common/missing_value.h"
 #include "numerics/core.h"
+#include "quorva/wire_format.h"
 
 namespace quorva {
 namespace {

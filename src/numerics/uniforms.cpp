@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <random>
 
-#include "common/missing_value.h"
 #include "numerics/mersenne_twister.h"
+#include "quorva/automation.h"
 
 namespace quorva {
 namespace {

@@ -5,8 +5,9 @@
 #include <functional>
 #include <numeric>
 
-#include "common/missing_value.h"
 #include "numerics/quantiles.h"
+#include "quorva/automation.h"
+#include "quorva/wire_format.h"
 
 namespace quorva {
 namespace {

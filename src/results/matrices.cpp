@@ -27,7 +27,7 @@ void packKind(double kind, matrix<double>& values, matrix<std::u16string>& names
             std::copy_n(store.column(field), rows, values.column(next));
         }
         if (names.contains(next, 1)) {
-            names(next, 1) = fieldNames(field, 1);
+            names(next, 1) = fieldNames(field, namecolumn::field);
         }
         ++next;
     }

@@ -13,28 +13,20 @@ namespace quorva {
 
 namespace {
 
-/// Columns of the sensitivity table.
-constexpr int fieldColumn = 1;
-constexpr int associationColumn = 2;
-constexpr int contributionColumn = 3;
-constexpr int sizeColumn = 4;
-constexpr int sensitivityColumns = 4;
-
 /// Writes field number and association with field iField of every distribution; returns the sum of the squares of
 /// the associations that exist. A NaN takes part and makes the sum NaN.
 double readAssociations(const matrix<double>& associations, int iField, int rows, matrix<double>& table) {
     double sum = 0.0;
     int k = 0;
     for (int field = 1; field <= run.fields.nFields; ++field) {
-        if (std::as_const(run.fields.FieldTable)(field, fieldcolumn::kind) !=
-            static_cast<double>(FieldKind::Distribution)) {
+        if (!isKind(field, FieldKind::Distribution)) {
             continue;
         }
         ++k;
         const double c = associations(iField, field);
         if (k <= rows) {
-            table(k, fieldColumn) = field;
-            table(k, associationColumn) = c;
+            table(k, sensitivitycolumn::field) = field;
+            table(k, sensitivitycolumn::association) = c;
         }
         if (c != MissingValue) {
             sum += std::pow(c, 2.0);
@@ -48,12 +40,12 @@ void sensitivity(const matrix<double>& associations, int nFtyp1, int iField, int
     const double sum = readAssociations(associations, iField, rows, table);
     for (int k = 1; k <= rows; ++k) {
         // Intended: a missing association goes through the same formula, overflows and so ranks first.
-        const double c = table(k, associationColumn);
-        table(k, contributionColumn) = sum != 0.0 ? std::abs(c) * c / sum : 0.0;
-        table(k, sizeColumn) = std::abs(table(k, contributionColumn));
+        const double c = table(k, sensitivitycolumn::association);
+        table(k, sensitivitycolumn::contribution) = sum != 0.0 ? std::abs(c) * c / sum : 0.0;
+        table(k, sensitivitycolumn::size) = std::abs(table(k, sensitivitycolumn::contribution));
     }
     if (order == 1 && rows > 0) {
-        SortQMatrixCol(table, rows, sensitivityColumns, sizeColumn, 0, rows, true);
+        SortQMatrixCol(table, rows, sensitivitycolumn::columns, sensitivitycolumn::size, 0, rows, true);
     }
 }
 
@@ -69,7 +61,7 @@ void GetSensitivity(int /*nFields*/, quorva::matrix<double>* VarCovT, int nFtyp1
 void Cpp_GetSensitivity(int nFields, double* VarCovT, int nFtyp1, int iField, int order, double* SensT) {
     quorva::guarded([&] {
         auto associations = quorva::matrix<double>::over(VarCovT, nFields, nFields);
-        const auto caller = quorva::matrix<double>::over(SensT, nFtyp1, quorva::sensitivityColumns);
+        const auto caller = quorva::matrix<double>::over(SensT, nFtyp1, quorva::sensitivitycolumn::columns);
         auto table = caller;
         GetSensitivity(nFields, &associations, nFtyp1, iField, order, &table);
         std::copy_n(table.data(), table.size(), SensT);

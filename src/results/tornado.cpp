@@ -18,18 +18,6 @@ namespace quorva {
 
 namespace {
 
-/// Columns of the interval table.
-constexpr int lowerColumn = 1;
-constexpr int medianColumn = 2;
-constexpr int upperColumn = 3;
-constexpr int minimumColumn = 4;
-constexpr int maximumColumn = 5;
-constexpr int intervalColumns = 5;
-
-/// Columns of the tornado table of one result.
-constexpr int tornadoColumns = 4;
-constexpr int swingColumn = 4;
-
 constexpr double clamped = 1.0;
 
 /// Intended: the clamp marks are looked up for the cases as if every input had five points.
@@ -39,7 +27,6 @@ constexpr int casesPerInput = 5;
 int plannedFields(const TornadoState& plan) { return plan.points.columns() / 2; }
 
 double fieldCell(int field, int column) { return std::as_const(run.fields.FieldTable)(field, column); }
-bool isKind(int field, FieldKind kind) { return fieldCell(field, fieldcolumn::kind) == static_cast<double>(kind); }
 
 /// A table of the plan. What exceeds the room that a run's values may take counts as memory that is not there.
 template <class T>
@@ -52,7 +39,9 @@ matrix<T> planTable(long long rows, long long columns) {
     return matrix<T>(static_cast<int>(rows), static_cast<int>(columns));
 }
 
-/// Two decimals and a percent sign, at most 19 characters.
+bool acrossInterval(const TornadoState& plan) { return plan.iIntMeth == static_cast<int>(TornadoSpread::Interval); }
+
+/// Two decimals and a percent sign, cut to the characters that a label may have.
 std::u16string percentLabel(double percent) {
     char digits[512];
     const auto end = std::isnan(percent)
@@ -60,7 +49,7 @@ std::u16string percentLabel(double percent) {
                          : std::to_chars(digits, digits + sizeof digits, percent, std::chars_format::fixed, 2).ptr;
     std::u16string label(digits, end);
     label += u'%';
-    label.resize(std::min<std::size_t>(label.size(), 19));
+    label.resize(std::min<std::size_t>(label.size(), limit::spiderLabelCharacters));
     return label;
 }
 
@@ -68,8 +57,8 @@ void writeLabels(const TornadoState& plan, matrix<std::u16string>& labels) {
     const double spacing = plan.inbrPts - 1.0;
     const double alpha = plan.ialpha;
     for (int k = 1; k <= std::min(plan.inbrPts, labels.rows()); ++k) {
-        const double percent = plan.iIntMeth == 0 ? alpha * 100.0 + (k - 1) * (1.0 - 2.0 * alpha) * 100.0 / spacing
-                                                  : (k - 1) * (alpha * 200.0 / spacing) - alpha * 100.0;
+        const double percent = acrossInterval(plan) ? alpha * 100.0 + (k - 1) * (1.0 - 2.0 * alpha) * 100.0 / spacing
+                                                    : (k - 1) * (alpha * 200.0 / spacing) - alpha * 100.0;
         labels(k, 1) = percentLabel(percent);
     }
 }
@@ -77,8 +66,8 @@ void writeLabels(const TornadoState& plan, matrix<std::u16string>& labels) {
 /// Intended: evenly in value from the lower to the upper bound of the central interval, although the labels name
 /// positions in probability. No clamping.
 void placeAcrossInterval(TornadoState& plan, int field) {
-    const double lower = plan.intervals(field, lowerColumn);
-    const double step = (plan.intervals(field, upperColumn) - lower) / (plan.inbrPts - 1.0);
+    const double lower = plan.intervals(field, intervalcolumn::lower);
+    const double step = (plan.intervals(field, intervalcolumn::upper) - lower) / (plan.inbrPts - 1.0);
     for (int j = 1; j <= plan.inbrPts; ++j) {
         plan.points(j, field) = lower + (j - 1) * step;
     }
@@ -87,11 +76,11 @@ void placeAcrossInterval(TornadoState& plan, int field) {
 /// A band around the default value, or around the simulated median; a point beyond what was simulated is pulled back
 /// and marked.
 void placeInBand(TornadoState& plan, int field) {
-    const bool aroundMedian = plan.iDefCase == 0;
+    const bool aroundMedian = plan.iDefCase == static_cast<int>(TornadoBase::Median);
     const double base =
-        aroundMedian ? plan.intervals(field, medianColumn) : fieldCell(field, fieldcolumn::defaultValue);
-    const double minimum = plan.intervals(field, minimumColumn);
-    const double maximum = plan.intervals(field, maximumColumn);
+        aroundMedian ? plan.intervals(field, intervalcolumn::median) : fieldCell(field, fieldcolumn::defaultValue);
+    const double minimum = plan.intervals(field, intervalcolumn::minimum);
+    const double maximum = plan.intervals(field, intervalcolumn::maximum);
     const double spacing = plan.inbrPts - 1.0;
     const int markColumn = plannedFields(plan) + field;
     for (int j = 1; j <= plan.inbrPts; ++j) {
@@ -111,20 +100,21 @@ void placeScenario(TornadoState& plan, int field) {
     const double lower = fieldCell(field, fieldcolumn::lowerBound);
     const double width = fieldCell(field, fieldcolumn::upperBound) - lower;
     const double step = fieldCell(field, fieldcolumn::step);
-    const bool quantitative = fieldCell(field, fieldcolumn::stepMode) == 1.0;
+    const bool quantitative =
+        fieldCell(field, fieldcolumn::stepMode) == static_cast<double>(ScenarioMode::Quantitative);
     for (int j = 1; j <= plan.inbrPts; ++j) {
         plan.points(j, field) = lower + (quantitative ? (j - 1) * width / (plan.inbrPts - 1.0) : (j - 1) * step);
     }
 }
 
 void placePoints(TornadoState& plan, int field) {
-    if (plan.intervals(field, upperColumn) == MissingValue) {
+    if (plan.intervals(field, intervalcolumn::upper) == MissingValue) {
         return;
     }
     if (isKind(field, FieldKind::ScenarioVariable)) {
         placeScenario(plan, field);
     } else if (isKind(field, FieldKind::Distribution) || isKind(field, FieldKind::Result)) {
-        plan.iIntMeth == 0 ? placeAcrossInterval(plan, field) : placeInBand(plan, field);
+        acrossInterval(plan) ? placeAcrossInterval(plan, field) : placeInBand(plan, field);
     }
 }
 
@@ -172,18 +162,18 @@ matrix<double> spiderOf(int nFields, int iField, const matrix<double>& TorT, con
 /// nFields x 4: field number, smallest and largest result over the input's points, swing; widest swing first.
 matrix<double> tornadoOf(matrix<double>& spider, const matrix<int>& FieldInd) {
     const int inputs = spider.columns();
-    auto tornado = planTable<double>(inputs, tornadoColumns);
+    auto tornado = planTable<double>(inputs, tornadocolumn::columns);
     auto minima = planTable<double>(inputs, 1);
     auto maxima = planTable<double>(inputs, 1);
     const matrix<short> noneExcluded(spider.rows(), 1);
     M_MinMax(&spider, spider.rows(), inputs, &minima, &maxima, noneExcluded.data(), hostTrue);
     for (int k = 1; k <= inputs; ++k) {
-        tornado(k, 1) = FieldInd(k, 1);
-        tornado(k, 2) = minima(k, 1);
-        tornado(k, 3) = maxima(k, 1);
-        tornado(k, swingColumn) = maxima(k, 1) - minima(k, 1);
+        tornado(k, tornadocolumn::field) = FieldInd(k, 1);
+        tornado(k, tornadocolumn::minimum) = minima(k, 1);
+        tornado(k, tornadocolumn::maximum) = maxima(k, 1);
+        tornado(k, tornadocolumn::swing) = maxima(k, 1) - minima(k, 1);
     }
-    SortQMatrixCol(tornado, inputs, tornadoColumns, swingColumn, 0, inputs, true);
+    SortQMatrixCol(tornado, inputs, tornadocolumn::columns, tornadocolumn::swing, 0, inputs, true);
     return tornado;
 }
 
@@ -239,7 +229,7 @@ void GetTornado(int nCases, int /*nFields*/, quorva::matrix<double>* TorT, quorv
                 (*FieldInd)(k, 1) = field;
             }
             if (FieldName->contains(k, 1)) {
-                (*FieldName)(k, 1) = std::as_const(run.fields.FieldNames)(field, 1);
+                (*FieldName)(k, 1) = std::as_const(run.fields.FieldNames)(field, namecolumn::field);
             }
         }
         copyBlock(run.tornado.resultOrder, 1, run.fields.nFields, 1, 1, *ResInd);
@@ -262,7 +252,7 @@ void Cpp_PrepareTor(int iDefCase, int iIntMeth, double ialpha, int inbrPts, int 
                     quorva::HostString* SpiderLabels) {
     using namespace quorva;
     guarded([&] {
-        auto intervals = matrix<double>::over(IntT, p, intervalColumns);
+        auto intervals = matrix<double>::over(IntT, p, intervalcolumn::columns);
         LentStrings labels(SpiderLabels, inbrPts, 1);
         PrepareTor(iDefCase, iIntMeth, ialpha, inbrPts, p, onCases, &intervals, labels.texts());
         labels.writeBack();
@@ -287,7 +277,7 @@ void Cpp_GetTornadoItem(int nCases, int nFields, int iField, double* TorT, int* 
     guarded([&] {
         auto table = matrix<double>::over(TorT, nCases, nFields);
         auto inputs = matrix<int>::over(FieldInd, nFields, 1);
-        auto tornado = matrix<double>::over(oTornado, nFields, tornadoColumns);
+        auto tornado = matrix<double>::over(oTornado, nFields, tornadocolumn::columns);
         auto spider = matrix<double>::over(oSpider, run.tornado.inbrPts, nFields);
         GetTornadoItem(nCases, nFields, iField, &table, &inputs, &tornado, &spider);
     });

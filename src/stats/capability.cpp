@@ -11,15 +11,6 @@
 
 namespace quorva {
 
-namespace {
-
-/// Columns of SpcTable.
-constexpr int lowerLimit = 2;
-constexpr int upperLimit = 3;
-constexpr int targetValue = 4;
-
-}  // namespace
-
 double capabilityStatistic(int nObs, int field, int statistic) {
     const int row = wholeNumber(std::as_const(run.fields.FieldTable)(field, fieldcolumn::capability));
     if (row < 1 || statistic < statistic::firstCapability || statistic > statistic::lastCapability) {
@@ -31,8 +22,9 @@ double capabilityStatistic(int nObs, int field, int statistic) {
     V_MeanStdev(samples.values(), samples.size(), mean, stdev, nullptr, samples.weights(), -1, 0);
     const auto& limits = std::as_const(run.capability.SpcTable);
     double index = 0.0;
-    calcPcapDescOne(nObs, limits(row, lowerLimit), limits(row, upperLimit), limits(row, targetValue),
-                    run.capability.iSpcConf, stdev, mean, index, statistic - statistic::firstCapability + 1);
+    calcPcapDescOne(nObs, limits(row, capabilitycolumn::lowerLimit), limits(row, capabilitycolumn::upperLimit),
+                    limits(row, capabilitycolumn::target), run.capability.iSpcConf, stdev, mean, index,
+                    statistic - statistic::firstCapability + 1);
     return index;
 }
 

@@ -14,13 +14,6 @@ namespace quorva {
 
 namespace {
 
-enum Criterion : int { Mean = 1, StandardDeviation = 2, Percentile = 3 };
-
-/// Rows of the convergence table.
-constexpr int boundRow = 1;
-constexpr int movementRow = 2;
-constexpr int fieldRow = 3;
-
 struct Interval {
     double lower;
     double upper;
@@ -75,18 +68,18 @@ void recordBounds(int lowerColumn, const Interval& bounds, bool firstCheck) {
     auto& table = run.convergence.table;
     const int upperColumn = lowerColumn + 1;
     if (!firstCheck) {
-        const double oldLower = table(boundRow, lowerColumn);
-        const double oldUpper = table(boundRow, upperColumn);
-        table(movementRow, lowerColumn) = movement(bounds.lower - oldLower, oldLower);
-        table(movementRow, upperColumn) = movement(oldUpper - bounds.upper, oldUpper);
+        const double oldLower = table(convergencetable::bound, lowerColumn);
+        const double oldUpper = table(convergencetable::bound, upperColumn);
+        table(convergencetable::movement, lowerColumn) = movement(bounds.lower - oldLower, oldLower);
+        table(convergencetable::movement, upperColumn) = movement(oldUpper - bounds.upper, oldUpper);
     }
-    table(boundRow, lowerColumn) = bounds.lower;
-    table(boundRow, upperColumn) = bounds.upper;
+    table(convergencetable::bound, lowerColumn) = bounds.lower;
+    table(convergencetable::bound, upperColumn) = bounds.upper;
 }
 
 bool monitored(int field) {
     const auto& table = std::as_const(run.fields.FieldTable);
-    return table(field, fieldcolumn::kind) == static_cast<double>(FieldKind::Result) &&
+    return isKind(field, FieldKind::Result) &&
            (isTrue(run.convergence.iallRes) || !(table(field, fieldcolumn::convergence) <= 0.0));
 }
 
@@ -96,25 +89,25 @@ int updateBounds(bool firstCheck) {
     const double n = run.sampling.iteration;
     Spread spread;
     int k = 0;
-    for (int field = 1; field <= run.fields.nFields && 2 * (k + 1) <= table.columns(); ++field) {
+    for (int field = 1; field <= run.fields.nFields && convergencecolumn::upper(k + 1) <= table.columns(); ++field) {
         if (!monitored(field)) {
             continue;
         }
         ++k;
-        const int lowerColumn = 2 * k - 1;
+        const int lowerColumn = convergencecolumn::lower(k);
         if (firstCheck) {
-            table(fieldRow, lowerColumn) = field;
-            table(fieldRow, lowerColumn + 1) = field;
+            table(convergencetable::field, lowerColumn) = field;
+            table(convergencetable::field, convergencecolumn::upper(k)) = field;
         }
         spread.read(field);
-        switch (run.convergence.inCrit) {
-            case Mean:
+        switch (static_cast<ConvergenceCriterion>(run.convergence.inCrit)) {
+            case ConvergenceCriterion::Mean:
                 recordBounds(lowerColumn, meanBounds(field, spread, n), firstCheck);
                 break;
-            case StandardDeviation:
+            case ConvergenceCriterion::StandardDeviation:
                 recordBounds(lowerColumn, stdevBounds(spread, n), firstCheck);
                 break;
-            case Percentile:
+            case ConvergenceCriterion::Percentile:
                 recordBounds(lowerColumn, percentileBounds(field), firstCheck);
                 break;
             default:
@@ -135,12 +128,12 @@ int checkConvergence() {
         convergence.firstCheck = hostFalse;
         return 0;
     }
-    for (int j = 1; j <= 2 * fields; ++j) {
-        if (convergence.iconvPerc < std::abs(convergence.table(movementRow, j) * 100.0)) {
+    for (int j = 1; j <= convergencecolumn::columns(fields); ++j) {
+        if (convergence.iconvPerc < std::abs(convergence.table(convergencetable::movement, j) * 100.0)) {
             return 0;
         }
     }
-    return 1;
+    return callcode::converged;
 }
 
 }  // namespace

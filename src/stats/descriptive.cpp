@@ -125,8 +125,7 @@ double storedStatistic(int nObs, int field, int statistic) {
 
 double theoreticalStatistic(int field, int statistic) {
     const auto& table = std::as_const(run.fields.FieldTable);
-    if (table(field, fieldcolumn::kind) != static_cast<double>(FieldKind::Distribution) ||
-        statistic > statistic::lastTheoretical) {
+    if (!isKind(field, FieldKind::Distribution) || statistic > statistic::lastTheoretical) {
         return MissingValue;
     }
     return TheoStat(wholeNumber(table(field, fieldcolumn::law)), statistic - statistic::lastOfSamples,

@@ -75,8 +75,7 @@ void SimUpdateStat() {
     matrix<double>& table = run.fields.FieldTable;
     const int fields = std::min(run.fields.nFields, table.rows());
     for (int field = 1; field <= fields; ++field) {
-        if (table(field, fieldcolumn::kind) == static_cast<double>(FieldKind::Statistic) &&
-            table(field, fieldcolumn::done) == 0.0) {
+        if (isKind(field, FieldKind::Statistic) && table(field, fieldcolumn::done) == 0.0) {
             guarded([&] { fillIn(field); });
         }
     }

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "common/missing_value.h"
+#include "quorva/wire_format.h"
 
 namespace quorva {
 

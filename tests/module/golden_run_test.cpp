@@ -12,11 +12,11 @@
 #include <string_view>
 
 #include "common/matrix.h"
-#include "common/missing_value.h"
 #include "exported_routines.h"
 #include "model_sheet.h"
 #include "platform/front_end_arrays.h"
 #include "quorva/catalogue.h"
+#include "quorva/wire_format.h"
 
 namespace {
 

@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "../platform/reported_error.h"
-#include "common/missing_value.h"
 #include "exported_routines.h"
 #include "module_under_test.h"
 #include "platform/front_end_arrays.h"
+#include "quorva/automation.h"
 #include "quorva/front_end.h"
 #include "quorva/worksheet.h"
 

@@ -8,10 +8,10 @@
 #include <utility>
 
 #include "common/matrix.h"
-#include "common/missing_value.h"
 #include "exported_routines.h"
 #include "model_sheet.h"
 #include "quorva/catalogue.h"
+#include "quorva/wire_format.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "common/matrix.h"
-#include "common/missing_value.h"
 #include "model_sheet.h"
 #include "platform/front_end_arrays.h"
+#include "quorva/wire_format.h"
 
 namespace {
 

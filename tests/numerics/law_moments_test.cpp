@@ -3,8 +3,8 @@
 #include <cmath>
 #include <limits>
 
-#include "common/missing_value.h"
 #include "numerics/law_table.h"
+#include "quorva/wire_format.h"
 
 using namespace quorva;
 

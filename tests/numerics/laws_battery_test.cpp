@@ -10,11 +10,12 @@
 #include <utility>
 #include <vector>
 
-#include "common/missing_value.h"
 #include "numerics/core.h"
 #include "numerics/laws.h"
 #include "numerics/uniforms.h"
+#include "quorva/automation.h"
 #include "quorva/catalogue.h"
+#include "quorva/wire_format.h"
 
 namespace quorva {
 namespace {

@@ -8,7 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "common/missing_value.h"
+#include "quorva/automation.h"
+#include "quorva/wire_format.h"
 
 namespace quorva {
 namespace {

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "common/missing_value.h"
+#include "quorva/wire_format.h"
 
 namespace quorva {
 namespace {

@@ -7,8 +7,8 @@
 #include <random>
 #include <vector>
 
-#include "common/missing_value.h"
 #include "numerics/mersenne_twister.h"
+#include "quorva/automation.h"
 
 namespace quorva {
 namespace {

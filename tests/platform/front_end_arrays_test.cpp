@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "common/missing_value.h"
+#include "quorva/automation.h"
 
 namespace quorva {
 namespace {
