@@ -1,11 +1,10 @@
-# quorva_read_exports(LIST CATALOGUE): reads the export list into QUORVA_EXPORTED (names of this target that exist) and
-# QUORVA_DUE (names that are promised), with the worksheet functions' names taken from the catalogue.
+# quorva_read_exports(LIST CATALOGUE): reads the export list into QUORVA_EXPORTED, the names of this target, with the
+# worksheet functions' names taken from the catalogue.
 function(quorva_read_exports list catalogue)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list} ${catalogue})
     file(READ ${catalogue} tables)
     file(STRINGS ${list} lines REGEX "^[^#]")
     set(exported "")
-    set(due "")
     foreach(line IN LISTS lines)
         if(line STREQUAL "[exported]")
             set(section exported)
@@ -14,8 +13,6 @@ function(quorva_read_exports list catalogue)
             if(WIN32)
                 set(section other_target)
             endif()
-        elseif(line STREQUAL "[due]")
-            set(section due)
         elseif(line MATCHES "^worksheet functions of ([A-Za-z]+)$")
             string(REGEX MATCH " ${CMAKE_MATCH_1}{{.*" table "${tables}")
             string(FIND "${table}" "}};" end)
@@ -32,5 +29,4 @@ function(quorva_read_exports list catalogue)
         endif()
     endforeach()
     set(QUORVA_EXPORTED ${exported} PARENT_SCOPE)
-    set(QUORVA_DUE ${due} PARENT_SCOPE)
 endfunction()

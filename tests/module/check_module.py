@@ -3,7 +3,7 @@
 
 usage: check_module.py exports|imports MODULE TOOL SOURCE_FOLDER
 
-exports: exactly the names of the export list, every declared function being in the list or among the promised ones.
+exports: exactly the names of the export list, in which every declared function is.
 imports: Windows: XLCall32.dll by ordinal 3 alone, and otherwise only libraries that every 64-bit Windows has. Linux:
 only the system's libraries, and Excel4v as the one name left to the process. TOOL is the target's objdump.
 """
@@ -31,9 +31,9 @@ def read(folder, name):
 
 
 def export_lists(folder, windows):
-    """(exported on this target, due, every name in the file)"""
+    """(exported on this target, every name in the file)"""
     catalogue = read(folder, "include/quorva/catalogue.h")
-    lists = {"exported": [], "exported on Linux": [], "due": []}
+    lists = {"exported": [], "exported on Linux": []}
     for line in read(folder, "src/module/exports.txt").splitlines():
         if not line or line.startswith("#"):
             continue
@@ -47,7 +47,7 @@ def export_lists(folder, windows):
     names = [name for section in lists.values() for name in section]
     assert len(names) == len(set(names)), "a name is listed twice"
     exported = lists["exported"] + ([] if windows else lists["exported on Linux"])
-    return set(exported), set(lists["due"]), set(names)
+    return set(exported), set(names)
 
 
 def declared(folder):
@@ -74,13 +74,12 @@ def actual_exports(module, tool, windows):
 
 
 def check_exports(module, tool, folder, windows):
-    exported, due, listed = export_lists(folder, windows)
+    exported, listed = export_lists(folder, windows)
     actual = actual_exports(module, tool, windows)
     problems = [f"listed as exported but missing: {name}" for name in sorted(exported - actual)]
-    problems += [f"due, yet exported: {name}" for name in sorted(actual & due)]
-    problems += [f"exported but in no list: {name}" for name in sorted(actual - exported - due)]
+    problems += [f"exported but in no list: {name}" for name in sorted(actual - exported)]
     problems += [f"declared but in no list: {name}" for name in sorted(declared(folder) - listed)]
-    print(f"{len(actual)} exported, {len(due)} due: {', '.join(sorted(due)) or 'none'}")
+    print(f"{len(actual)} exported")
     return problems
 
 
