@@ -1,7 +1,7 @@
 // Distribution fields: cells that draw from a law.
 #include "engine/correlated_draw.h"
 #include "engine/latin_hypercube.h"
-#include "model/field_path.h"
+#include "model/field_evaluation.h"
 #include "model/tornado_plan.h"
 #include "numerics/law_table.h"
 #include "numerics/laws.h"

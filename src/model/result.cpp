@@ -1,5 +1,5 @@
 // Result fields: cells that watch a formula.
-#include "model/field_path.h"
+#include "model/field_evaluation.h"
 #include "model/tornado_plan.h"
 #include "quorva/worksheet.h"
 

@@ -1,7 +1,7 @@
 // Scenario variables: inputs that the user sets and a run holds fixed.
 #include <cmath>
 
-#include "model/field_path.h"
+#include "model/field_evaluation.h"
 #include "model/tornado_plan.h"
 #include "quorva/worksheet.h"
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "engine/field_registry.h"
-#include "model/field_path.h"
+#include "model/field_evaluation.h"
 #include "quorva/worksheet.h"
 #include "stats/descriptive.h"
 

@@ -1,4 +1,4 @@
-#include "model/field_path.h"
+#include "model/field_evaluation.h"
 
 #include "engine/field_registry.h"
 #include "stats/running_moments.h"
