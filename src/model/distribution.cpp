@@ -120,8 +120,8 @@ double evaluate(const Distribution& distribution) {
         return distribution.shown();
     }
     const FieldEvaluation evaluation =
-        followFieldPath(FieldKind::Distribution, distribution.name, distribution.visible,
-                        [&](int field, const CallingCell&, int) { describe(distribution, field); });
+        evaluateField(FieldKind::Distribution, distribution.name, distribution.visible,
+                      [&](int field, const CallingCell&, int) { describe(distribution, field); });
     if (!evaluation.takesPart()) {
         return distribution.shown();
     }

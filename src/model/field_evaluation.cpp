@@ -24,7 +24,7 @@ void report(int code, const CallingCell& cell) { recordError(code, cell.row(), c
 
 }  // namespace
 
-namespace fieldpath {
+namespace fieldevaluation {
 
 void registerField(FieldKind kind, const CallingCell& cell) {
     run.fields.current = ++run.fields.registered;
@@ -77,7 +77,7 @@ int lookUpField(const CallingCell& cell, int slot, bool reported) {
     return field;
 }
 
-}  // namespace fieldpath
+}  // namespace fieldevaluation
 
 void recordValue(int field, double value) {
     matrix<double>& store = run.sampling.SampleStore;

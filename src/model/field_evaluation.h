@@ -1,4 +1,4 @@
-// The way that every evaluation of a model function takes, whatever its kind: the calling cell, its sheet, its
+// What every evaluation of a model function does, whatever its kind: the calling cell, its sheet, its
 // registration or description, its number, and the errors on the way.
 #pragma once
 
@@ -9,8 +9,8 @@
 
 namespace quorva {
 
-/// The parts of the path; followFieldPath puts them in order.
-namespace fieldpath {
+/// The steps of an evaluation; evaluateField puts them in order.
+namespace fieldevaluation {
 
 /// Registration pass: counts the field and claims its cell.
 void registerField(FieldKind kind, const CallingCell& cell);
@@ -26,7 +26,7 @@ int numberField(FieldKind kind, const CallingCell& cell, int slot, const char* n
 /// error, which a cell without a field does not replace.
 int lookUpField(const CallingCell& cell, int slot, bool reported);
 
-}  // namespace fieldpath
+}  // namespace fieldevaluation
 
 /// What an evaluation in a run knows about its field.
 struct FieldEvaluation {
@@ -37,28 +37,28 @@ struct FieldEvaluation {
     bool takesPart() const { return field > 0 && !isTrue(run.error.flag); }
 };
 
-/// Follows the path. `describe(field, cell, slot)` fills what a kind has of its own in the row of FieldTable.
+/// Takes the steps. `describe(field, cell, slot)` fills what a kind has of its own in the row of FieldTable.
 template <class Describe>
-FieldEvaluation followFieldPath(FieldKind kind, const char* name, int visible, Describe&& describe) {
+FieldEvaluation evaluateField(FieldKind kind, const char* name, int visible, Describe&& describe) {
     FieldEvaluation evaluation{run.status.current(), 0};
     const CallingCell cell;
     if (!cell.known()) {
         return evaluation;
     }
     if (evaluation.status == RunStatus::Initialised) {
-        fieldpath::registerField(kind, cell);
+        fieldevaluation::registerField(kind, cell);
         return evaluation;
     }
     int slot = 0;
-    bool reported = !fieldpath::findSlot(cell, slot);
+    bool reported = !fieldevaluation::findSlot(cell, slot);
     if (evaluation.status == RunStatus::Prepared && !reported) {
-        const int numbered = fieldpath::numberField(kind, cell, slot, name, visible);
+        const int numbered = fieldevaluation::numberField(kind, cell, slot, name, visible);
         reported = numbered == 0;
         if (!reported) {
             describe(numbered, cell, slot);
         }
     }
-    evaluation.field = fieldpath::lookUpField(cell, slot, reported);
+    evaluation.field = fieldevaluation::lookUpField(cell, slot, reported);
     return evaluation;
 }
 

@@ -20,7 +20,7 @@ double evaluate(const char* name, double formula, HostBool monitored, int visibl
         return formula;
     }
     const FieldEvaluation evaluation =
-        followFieldPath(FieldKind::Result, name, visible, [&](int field, const CallingCell&, int) {
+        evaluateField(FieldKind::Result, name, visible, [&](int field, const CallingCell&, int) {
             run.fields.FieldTable(field, fieldcolumn::convergence) = isTrue(monitored) ? 1.0 : 0.0;
         });
     if (!evaluation.takesPart()) {

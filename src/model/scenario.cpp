@@ -47,8 +47,8 @@ double evaluate(const ScenarioVariable& variable) {
         return variable.value;
     }
     const FieldEvaluation evaluation =
-        followFieldPath(FieldKind::ScenarioVariable, variable.name, variable.visible,
-                        [&](int field, const CallingCell&, int) { describe(variable, field); });
+        evaluateField(FieldKind::ScenarioVariable, variable.name, variable.visible,
+                      [&](int field, const CallingCell&, int) { describe(variable, field); });
     if (!evaluation.takesPart()) {
         return variable.value;
     }

@@ -19,7 +19,7 @@ void describe(const XLOPER* reference, int statistic, int field, const CallingCe
         return;
     }
     int slot = 0;
-    fieldpath::findSlot(cell, slot);
+    fieldevaluation::findSlot(cell, slot);
     const HostRange& range = reference->value.localReference.range;
     table(field, fieldcolumn::referenceRow) = range.firstRow;
     table(field, fieldcolumn::referenceColumn) = range.firstColumn;
@@ -72,8 +72,8 @@ double evaluate(const char* name, const XLOPER* reference, int statistic, int vi
         return 0.0;
     }
     const FieldEvaluation evaluation =
-        followFieldPath(FieldKind::Statistic, name, visible,
-                        [&](int field, const CallingCell& cell, int) { describe(reference, statistic, field, cell); });
+        evaluateField(FieldKind::Statistic, name, visible,
+                      [&](int field, const CallingCell& cell, int) { describe(reference, statistic, field, cell); });
     const bool computes = evaluation.status == RunStatus::Running && evaluation.takesPart();
     return computes ? computeOnce(reference, evaluation.field, statistic) : 0.0;
 }
