@@ -180,18 +180,6 @@ void Cpp_GetSimMatRed(int nSim, int nFields, double* Res, quorva::HostString* Re
 /// The same for distributions, then results, then statistics: nFields is D + M + S. Kinds are put in order, not values.
 void Cpp_GetSimMatSorted(int nSim, int nFields, double* Res, quorva::HostString* ResStr);
 
-/// How much each distribution contributes to the variability of a field, out of associations that the front end has
-/// computed from the values, of values or of ranks.
-///   nFields  in: N
-///   VarCovT  in: N x N associations, field against field; row iField is read. MissingValue: not known
-///   nFtyp1   in: rows of SensT: D
-///   iField   in: number of the field to explain
-///   order    in: 1 puts the largest contribution first; anything else keeps the order of field numbers
-///   SensT    out: nFtyp1 x 4 (sensitivitycolumn). Contributions are shares of the sum of squared associations, with
-///            the sign of the association; sizes add up to 1. A distribution whose association is not known has an
-///            infinite contribution and is ranked first; a NaN makes every contribution NaN
-void Cpp_GetSensitivity(int nFields, double* VarCovT, int nFtyp1, int iField, int order, double* SensT);
-
 // Tornado and spider: each input (distribution or scenario variable) moves over a few points while the others stay
 
 /// Plans the pass: status Analysing. After Cpp_SimEnd.
@@ -240,6 +228,20 @@ void Cpp_GetTornado(int nCases, int nFields, double* TorT, int* FieldInd, int* R
 ///             back
 void Cpp_GetTornadoItem(int nCases, int nFields, int iField, double* TorT, int* FieldInd, double* oTornado,
                         double* oSpider);
+
+// Sensitivity
+
+/// How much each distribution contributes to the variability of a field, out of associations that the front end has
+/// computed from the values, of values or of ranks. After Cpp_SimEnd.
+///   nFields  in: N
+///   VarCovT  in: N x N associations, field against field; row iField is read. MissingValue: not known
+///   nFtyp1   in: rows of SensT: D
+///   iField   in: number of the field to explain
+///   order    in: 1 puts the largest contribution first; anything else keeps the order of field numbers
+///   SensT    out: nFtyp1 x 4 (sensitivitycolumn). Contributions are shares of the sum of squared associations, with
+///            the sign of the association; sizes add up to 1. A distribution whose association is not known has an
+///            infinite contribution and is ranked first; a NaN makes every contribution NaN
+void Cpp_GetSensitivity(int nFields, double* VarCovT, int nFtyp1, int iField, int order, double* SensT);
 
 // Life cycle of the add-in, called by the host
 
