@@ -74,7 +74,7 @@ int Cpp_SimGetStatus();
 ///    0  success
 ///    2  success, after a matrix that no model can have was replaced by a possible one, which iCorrMat now holds. This
 ///       run multiplies with the matrix itself; a new run with the matrix handed back has a proper factor for it
-///   -2  matrix not symmetric, or beyond repair; status unchanged, but the fields must be counted again
+///   -2  matrix not symmetric, or beyond repair; status unchanged, but the counts are gone
 ///   -3  no distribution or no result was counted; status Idle
 ///  -15  no memory
 /// or the code of the error that the recalculation recorded, with nothing changed.
