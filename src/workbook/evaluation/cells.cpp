@@ -88,26 +88,71 @@ void CellStore::markFormula(Slot slot) {
     formulas_[slot] = true;
 }
 
-std::vector<std::pair<std::uint64_t, Slot>> addedCells(const SheetIndex& index, const Area& area) {
-    std::vector<std::pair<std::uint64_t, Slot>> found;
-    if (static_cast<std::uint64_t>(area.rows()) * static_cast<std::uint64_t>(area.columns()) < index.added.size()) {
-        for (int row = area.firstRow; row <= area.lastRow; ++row) {
-            for (int column = area.firstColumn; column <= area.lastColumn; ++column) {
-                const auto at = index.added.find(cellKey(row, column));
-                if (at != index.added.end()) {
-                    found.emplace_back(*at);
-                }
-            }
+CellCursor::CellCursor(const CellStore& cells, const Area& area)
+    : cells_(&cells),
+      index_(&cells.sheet(area.sheet)),
+      area_(area),
+      rowPosition_(lowerBound(index_->rows, 0, index_->rows.size(), area.firstRow)),
+      added_(index_->added.lower_bound(cellKey(area.firstRow, area.firstColumn))) {
+    enterRow();
+    skipAddedOutside();
+}
+
+/// To the first loaded cell of the area in the rows from rowPosition_ on.
+void CellCursor::enterRow() {
+    const auto& rows = index_->rows;
+    for (; rowPosition_ < rows.size() && rows[rowPosition_] <= area_.lastRow; ++rowPosition_) {
+        cells_->allowance().spend(1);
+        const std::size_t end = index_->rowStart[rowPosition_ + 1];
+        position_ = lowerBound(index_->columns, index_->rowStart[rowPosition_], end, area_.firstColumn);
+        if (position_ < end && index_->columns[position_] <= area_.lastColumn) {
+            return;
         }
-        return found;
     }
-    for (const auto& [key, slot] : index.added) {
-        if (area.contains(static_cast<int>(key >> 14), static_cast<int>(key & 16383))) {
-            found.emplace_back(key, slot);
+    rowPosition_ = rows.size();
+}
+
+/// To the first added cell from added_ on that lies in the area.
+void CellCursor::skipAddedOutside() {
+    const auto& added = index_->added;
+    while (added_ != added.end()) {
+        const int row = static_cast<int>(added_->first >> 14);
+        const int column = static_cast<int>(added_->first & (maxColumns - 1));
+        if (row > area_.lastRow) {
+            added_ = added.end();
+        } else if (column < area_.firstColumn) {
+            added_ = added.lower_bound(cellKey(row, area_.firstColumn));
+        } else if (column > area_.lastColumn) {
+            added_ = added.lower_bound(cellKey(row + 1, area_.firstColumn));
+        } else {
+            return;
         }
     }
-    std::sort(found.begin(), found.end());
-    return found;
+}
+
+bool CellCursor::next() {
+    const bool loaded = rowPosition_ < index_->rows.size();
+    const bool added = added_ != index_->added.end();
+    if (!loaded && !added) {
+        return false;
+    }
+    cells_->allowance().spend(1);
+    const std::uint64_t key = loaded ? cellKey(index_->rows[rowPosition_], index_->columns[position_]) : 0;
+    if (added && (!loaded || added_->first < key)) {
+        key_ = added_->first;
+        slot_ = added_->second;
+        ++added_;
+        skipAddedOutside();
+        return true;
+    }
+    key_ = key;
+    slot_ = index_->firstSlot + static_cast<Slot>(position_);
+    ++position_;
+    if (position_ == index_->rowStart[rowPosition_ + 1] || index_->columns[position_] > area_.lastColumn) {
+        ++rowPosition_;
+        enterRow();
+    }
+    return true;
 }
 
 int Grid::usedRows() const {

@@ -3,8 +3,8 @@
 
 #include <cmath>
 #include <limits>
+#include <map>
 #include <span>
-#include <unordered_map>
 #include <vector>
 
 #include "workbook/evaluation/allowance.h"
@@ -30,8 +30,8 @@ struct SheetIndex {
     int usedColumns = 0;  ///< one past the last column with a cell
     std::vector<bool> hiddenRows;
     std::vector<bool> filteredRows;
-    /// Cells that came into being after loading (an array spilled further than before).
-    std::unordered_map<std::uint64_t, Slot> added;
+    /// Cells that came into being after loading (an array spilled further than before), by key.
+    std::map<std::uint64_t, Slot> added;
 
     /// Hidden by a filter (SUBTOTAL never counts these) or by either means.
     bool filtered(int row) const { return static_cast<std::size_t>(row) < filteredRows.size() && filteredRows[row]; }
@@ -112,12 +112,41 @@ private:
 
 std::size_t lowerBound(const std::vector<int>& sorted, std::size_t from, std::size_t to, int wanted);
 
-/// The added cells of an area, row by row.
-std::vector<std::pair<std::uint64_t, Slot>> addedCells(const SheetIndex& index, const Area& area);
+/// Walks the existing cells of an area row by row, those loaded and those added as one sequence.
+class CellCursor {
+public:
+    CellCursor(const CellStore& cells, const Area& area);
+    /// Goes to the next cell, the first one to begin with; false when there is none left.
+    bool next();
+    int row() const { return static_cast<int>(key_ >> 14); }
+    int column() const { return static_cast<int>(key_ & (maxColumns - 1)); }
+    Slot slot() const { return slot_; }
+
+private:
+    void enterRow();
+    void skipAddedOutside();
+
+    const CellStore* cells_;
+    const SheetIndex* index_;
+    Area area_;
+    std::size_t rowPosition_;   ///< in index_->rows; its size when no loaded cell is left
+    std::size_t position_ = 0;  ///< in index_->columns
+    std::map<std::uint64_t, Slot>::const_iterator added_;
+    std::uint64_t key_ = 0;
+    Slot slot_ = noSlot;
+};
 
 template <class Visit>
 void CellStore::forEachSlot(const Area& area, Visit&& visit) const {
     const SheetIndex& index = sheets_[area.sheet];
+    if (!index.added.empty()) {
+        for (CellCursor cursor(*this, area); cursor.next();) {
+            if (!visited(visit, cursor.row(), cursor.column(), cursor.slot())) {
+                return;
+            }
+        }
+        return;
+    }
     for (std::size_t at = lowerBound(index.rows, 0, index.rows.size(), area.firstRow);
          at < index.rows.size() && index.rows[at] <= area.lastRow; ++at) {
         allowance_.spend(1);
@@ -126,14 +155,6 @@ void CellStore::forEachSlot(const Area& area, Visit&& visit) const {
              i < end && index.columns[i] <= area.lastColumn; ++i) {
             allowance_.spend(1);
             if (!visited(visit, index.rows[at], index.columns[i], index.firstSlot + static_cast<Slot>(i))) {
-                return;
-            }
-        }
-    }
-    if (!index.added.empty()) {
-        for (const auto& [key, slot] : addedCells(index, area)) {
-            allowance_.spend(1);
-            if (!visited(visit, static_cast<int>(key >> 14), static_cast<int>(key & 16383), slot)) {
                 return;
             }
         }
