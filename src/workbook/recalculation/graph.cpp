@@ -1,5 +1,6 @@
 // Which formula depends on which, the order of calculation, cycles, and the part that runs at every recalculation.
 #include <algorithm>
+#include <optional>
 
 #include "workbook/recalculation/recalculation.h"
 
@@ -9,7 +10,7 @@ int Recalculation::useArea(const Area& area) {
     const std::array<int, 5> key{area.sheet, area.firstRow, area.firstColumn, area.lastRow, area.lastColumn};
     const auto [found, added] = areaNumbers_.emplace(key, static_cast<int>(areas_.size()));
     if (added) {
-        areas_.push_back({area, {}});
+        areas_.push_back({area, -1, {}});
     }
     return found->second;
 }
@@ -56,7 +57,7 @@ void Recalculation::collectUses(Formula& formula, const Node& node) {
 void Recalculation::connect() {
     areas_.clear();
     areaNumbers_.clear();
-    spillers_.clear();
+    std::vector<int> spillers;
     anyDynamic_ = false;
     for (std::size_t i = 0; i < formulas.size(); ++i) {
         Formula& formula = formulas[i];
@@ -70,26 +71,21 @@ void Recalculation::connect() {
         std::sort(formula.uses.begin(), formula.uses.end());
         formula.uses.erase(std::unique(formula.uses.begin(), formula.uses.end()), formula.uses.end());
         anyDynamic_ = anyDynamic_ || formula.dynamic;
-        if (!formula.spill.single()) {
-            spillers_.push_back(static_cast<int>(i));
+        if (!formula.spill.single() || !formula.reach.front().single()) {
+            spillers.push_back(static_cast<int>(i));
         }
     }
     for (UsedArea& used : areas_) {
-        if (used.area.sheet >= raw->ownSheets) {
-            continue;
+        if (used.area.single()) {
+            const Slot slot = cells.find(used.area.sheet, used.area.firstRow, used.area.firstColumn);
+            used.only = slot == noSlot ? -1 : formulaAt(slot);
         }
-        cells.forEachSlot(used.area, [&](int, int, Slot slot) {
-            const int formula = formulaAt(slot);
-            if (formula >= 0) {
-                used.formulas.push_back(formula);
-            }
-        });
-        for (const int spiller : spillers_) {
-            const Area& spill = formulas[static_cast<std::size_t>(spiller)].spill;
-            if (spill.sheet == used.area.sheet && spill.firstRow <= used.area.lastRow &&
-                spill.lastRow >= used.area.firstRow && spill.firstColumn <= used.area.lastColumn &&
-                spill.lastColumn >= used.area.firstColumn) {
-                used.formulas.push_back(spiller);
+        for (const int spiller : spillers) {
+            const Formula& formula = formulas[static_cast<std::size_t>(spiller)];
+            if (used.area.overlaps(formula.spill) ||
+                std::any_of(formula.reach.begin(), formula.reach.end(),
+                            [&](const Area& block) { return used.area.overlaps(block); })) {
+                used.spillers.push_back(spiller);
             }
         }
     }
@@ -109,35 +105,55 @@ void Recalculation::sortFormulas() {
     order.reserve(count);
     struct Step {
         int vertex;
-        std::size_t next;
+        std::size_t next = 0;
+        std::optional<CellCursor> cursor{};  ///< of an area
     };
     std::vector<Step> path;
-    const auto edges = [&](int vertex) -> const std::vector<int>& {
-        const auto at = static_cast<std::size_t>(vertex);
-        return at < count ? formulas[at].uses : areas_[at - count].formulas;
+    /// The next vertex that the step's depends on, -1 at the end.
+    const auto nextTarget = [&](Step& step) {
+        const auto at = static_cast<std::size_t>(step.vertex);
+        if (at < count) {
+            const std::vector<int>& uses = formulas[at].uses;
+            return step.next < uses.size() ? uses[step.next++] + static_cast<int>(count) : -1;
+        }
+        const UsedArea& used = areas_[at - count];
+        if (step.next == 0) {
+            if (!used.area.single()) {
+                if (!step.cursor) {
+                    step.cursor.emplace(cells, used.area);
+                }
+                while (step.cursor->next()) {
+                    const int formula = formulaAt(step.cursor->slot());
+                    if (formula >= 0) {
+                        return formula;
+                    }
+                }
+            }
+            ++step.next;
+            if (used.only >= 0) {
+                return used.only;
+            }
+        }
+        return step.next <= used.spillers.size() ? used.spillers[step.next++ - 1] : -1;
     };
     for (std::size_t start = 0; start < count; ++start) {
         if (state[start] != Fresh || formulas[start].removed) {
             continue;
         }
-        path.push_back({static_cast<int>(start), 0});
+        path.push_back({static_cast<int>(start)});
         state[start] = Open;
         while (!path.empty()) {
             Step& step = path.back();
-            const auto& targets = edges(step.vertex);
-            if (step.next == targets.size()) {
+            const int target = nextTarget(step);
+            if (target < 0) {
                 state[static_cast<std::size_t>(step.vertex)] = Closed;
                 if (static_cast<std::size_t>(step.vertex) < count) {
                     order.push_back(step.vertex);
                 }
                 path.pop_back();
-                continue;
-            }
-            const bool fromFormula = static_cast<std::size_t>(step.vertex) < count;
-            const int target = targets[step.next++] + (fromFormula ? static_cast<int>(count) : 0);
-            if (state[static_cast<std::size_t>(target)] == Fresh) {
+            } else if (state[static_cast<std::size_t>(target)] == Fresh) {
                 state[static_cast<std::size_t>(target)] = Open;
-                path.push_back({target, 0});
+                path.push_back({target});
             } else if (state[static_cast<std::size_t>(target)] == Open) {
                 std::vector<int> vertices;
                 for (const Step& on : path) {
@@ -170,29 +186,55 @@ void Recalculation::describeCircle(const std::vector<int>& path, int from) {
     }
 }
 
-void Recalculation::markLive() {
-    std::vector<bool> liveArea(areas_.size());
-    std::vector<std::vector<int>> containing(formulas.size());
-    for (std::size_t i = 0; i < areas_.size(); ++i) {
-        for (const int formula : areas_[i].formulas) {
-            containing[static_cast<std::size_t>(formula)].push_back(static_cast<int>(i));
+/// In the order of calculation: marks the formulas for which `starts` holds, and those that use an area for which
+/// `changed` holds or in which a marked formula has its cell or its spill.
+std::vector<bool> Recalculation::downstream(const std::function<bool(const Formula&)>& starts,
+                                            const std::function<bool(const UsedArea&)>& changed) const {
+    std::vector<bool> marked(formulas.size());
+    enum : char { Unknown, No, Yes };
+    std::vector<char> known(areas_.size(), Unknown);
+    const auto holdsMarked = [&](const UsedArea& used) {
+        const auto isMarked = [&](int formula) { return formula >= 0 && marked[static_cast<std::size_t>(formula)]; };
+        if (isMarked(used.only) || std::any_of(used.spillers.begin(), used.spillers.end(), isMarked)) {
+            return true;
         }
+        if (!used.area.single()) {
+            for (CellCursor cursor(cells, used.area); cursor.next();) {
+                if (isMarked(formulaAt(cursor.slot()))) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    };
+    for (const int index : order) {
+        const Formula& formula = formulas[static_cast<std::size_t>(index)];
+        // What lies in an area comes before what uses it, so that one look at the area tells.
+        marked[static_cast<std::size_t>(index)] =
+            starts(formula) || std::any_of(formula.uses.begin(), formula.uses.end(), [&](int use) {
+                const auto at = static_cast<std::size_t>(use);
+                if (known[at] == Unknown) {
+                    known[at] = changed(areas_[at]) || holdsMarked(areas_[at]) ? Yes : No;
+                }
+                return known[at] == Yes;
+            });
     }
+    return marked;
+}
+
+void Recalculation::markLive() {
     // What cannot be read may refer to anything: where something changes, its saved value cannot be relied on.
     const bool changing = std::any_of(formulas.begin(), formulas.end(), [](const Formula& formula) {
         return formula.volatileItself || formula.callsModel ||
                (formula.unread && !formula.removed && toUpper(*formula.text).find("QUORVA_") != std::string::npos);
     });
+    const std::vector<bool> live = downstream(
+        [&](const Formula& formula) {
+            return formula.volatileItself || formula.callsModel || (formula.unread && changing);
+        },
+        [](const UsedArea&) { return false; });
     for (const int index : order) {
-        Formula& formula = formulas[static_cast<std::size_t>(index)];
-        formula.live = formula.volatileItself || formula.callsModel || (formula.unread && changing) ||
-                       std::any_of(formula.uses.begin(), formula.uses.end(),
-                                   [&](int use) { return liveArea[static_cast<std::size_t>(use)]; });
-        if (formula.live) {
-            for (const int area : containing[static_cast<std::size_t>(index)]) {
-                liveArea[static_cast<std::size_t>(area)] = true;
-            }
-        }
+        formulas[static_cast<std::size_t>(index)].live = live[static_cast<std::size_t>(index)];
     }
 }
 

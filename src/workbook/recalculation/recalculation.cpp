@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cmath>
 #include <ctime>
+#include <utility>
 
 #include "common/cell_names.h"
 #include "workbook/evaluation/stack_room.h"
@@ -37,8 +38,26 @@ Value snapped(const Node& tree, const CellStore&, Value value, Evaluator& evalua
     return compareNumbers(left, other) == 0 ? Value(0.0) : value;
 }
 
+constexpr std::string_view unsettled = "spilled arrays that change each other without coming to rest";
+/// Each computes anew what arrays of unexpected size have made out of date; a chain of such arrays takes one for each.
+constexpr int mostRounds = 50;
+
 /// Laying out a cell takes about as long as reading so many.
 constexpr std::int64_t stepsPerSpilledCell = 16;
+
+Area ownCell(const Formula& formula) {
+    return {formula.cell.sheet, formula.cell.row, formula.cell.column, formula.cell.row, formula.cell.column};
+}
+
+/// Of two blocks that begin at one cell.
+bool inside(const Area& inner, const Area& outer) {
+    return inner.lastRow <= outer.lastRow && inner.lastColumn <= outer.lastColumn;
+}
+
+bool reaches(const Formula& formula, const Area& target) {
+    return std::any_of(formula.reach.begin(), formula.reach.end(),
+                       [&](const Area& block) { return inside(target, block); });
+}
 
 double currentSerial(bool date1904) {
     const auto now = std::chrono::system_clock::now();
@@ -160,6 +179,7 @@ void Recalculation::addFormulas() {
             formula.spill =
                 cell.kind == FormulaKind::Normal ? Area{s, cell.row, cell.column, cell.row, cell.column} : cell.spill;
             formula.spill.sheet = s;
+            formula.reach = {ownCell(formula)};
             if (cell.hasValue) {
                 formula.saved = cell.value;
             }
@@ -185,15 +205,20 @@ void Recalculation::addFormulas() {
         }
     }
     for (std::size_t i = 0; i < formulas.size(); ++i) {
-        const Formula& formula = formulas[i];
+        Formula& formula = formulas[i];
         if (formula.spill.single()) {
             continue;
         }
+        std::int64_t existing = 0;
         cells.forEachSlot(formula.spill, [&](int, int, Slot slot) {
+            ++existing;
             if (formulaOfSlot_[static_cast<std::size_t>(slot)] < 0) {
                 spillOwner[static_cast<std::size_t>(slot)] = static_cast<int>(i);
             }
         });
+        if (existing == static_cast<std::int64_t>(formula.spill.rows()) * formula.spill.columns()) {
+            formula.reach = {formula.spill};
+        }
     }
 }
 
@@ -217,40 +242,76 @@ void Recalculation::storeAt(Slot slot, Value value) {
     cells.set(slot, asDisplayed(slot, std::move(value)));
 }
 
+bool Recalculation::blocked(int index, const Area& target) const {
+    bool taken = target.lastRow >= maxRows || target.lastColumn >= maxColumns;
+    if (!taken) {
+        cells.forEachSlot(target, [&](int, int, Slot slot) {
+            const auto at = static_cast<std::size_t>(slot);
+            const bool own = slot == formulas[static_cast<std::size_t>(index)].slot ||
+                             (at < spillOwner.size() && spillOwner[at] == index);
+            taken = taken || (!own && (formulaAt(slot) >= 0 || !cells.get(slot).isBlank()));
+        });
+    }
+    return taken;
+}
+
+/// Empties the cells that the formula filled, except those in `kept`.
+void Recalculation::leaveSpill(int index, const Area& kept) {
+    Formula& formula = formulas[static_cast<std::size_t>(index)];
+    cells.forEachSlot(formula.spill, [&](int row, int column, Slot slot) {
+        if (slot != formula.slot && !kept.contains(row, column) &&
+            spillOwner[static_cast<std::size_t>(slot)] == index) {
+            cells.set(slot, Value());
+            spillOwner[static_cast<std::size_t>(slot)] = -1;
+        }
+    });
+    changes_.push_back({formula.spill, ++clock_, false});
+    formula.spill = kept;
+}
+
+/// Remembers that the formula has filled a block.
+void Recalculation::reachInto(Formula& formula, const Area& target) {
+    const bool known = reaches(formula, target);
+    changes_.push_back({target, ++clock_, !known});
+    if (!known) {
+        std::erase_if(formula.reach, [&](const Area& block) { return inside(block, target); });
+        formula.reach.push_back(target);
+        outgrown_ = true;
+        connected_ = prepared_ = false;
+    }
+}
+
+/// What arrays filled before an edit says nothing about what they fill after it.
+void Recalculation::forgetReach() {
+    for (Formula& formula : formulas) {
+        if ((formula.reach.size() > 1 || !(formula.reach.front() == formula.spill)) &&
+            reaches(formula, formula.spill)) {
+            formula.reach = {formula.spill};
+            connected_ = false;
+        }
+    }
+}
+
 /// Spreads an array over the cells of an array formula, or spills it.
 void Recalculation::storeArray(int index, const Value& value) {
     Formula& formula = formulas[static_cast<std::size_t>(index)];
     Area target = formula.spill;
+    bool changed = !reaches(formula, target);
     if (formula.kind == FormulaKind::Dynamic) {
-        target = {formula.cell.sheet, formula.cell.row, formula.cell.column, formula.cell.row, formula.cell.column};
+        target = ownCell(formula);
         if (value.isArray()) {
             target.lastRow += value.arrayRows() - 1;
             target.lastColumn += value.arrayColumns() - 1;
         }
-        bool blocked = target.lastRow >= maxRows || target.lastColumn >= maxColumns;
-        if (!blocked) {
-            cells.forEachSlot(target, [&](int, int, Slot slot) {
-                const auto at = static_cast<std::size_t>(slot);
-                const bool own = slot == formula.slot || (at < spillOwner.size() && spillOwner[at] == index);
-                blocked = blocked || (!own && (formulaAt(slot) >= 0 || !cells.get(slot).isBlank()));
-            });
+        const bool taken = blocked(index, target);
+        const Area kept = taken ? ownCell(formula) : target;
+        changed = changed || !(kept == formula.spill);
+        if (!(kept == formula.spill)) {
+            leaveSpill(index, kept);
         }
-        if (blocked) {
+        if (taken) {
             storeAt(formula.slot, ErrorCode::Spill);
-            target = {formula.cell.sheet, formula.cell.row, formula.cell.column, formula.cell.row, formula.cell.column};
-        }
-        if (!(target == formula.spill)) {
-            cells.forEachSlot(formula.spill, [&](int row, int column, Slot slot) {
-                if (slot != formula.slot && !target.contains(row, column) &&
-                    spillOwner[static_cast<std::size_t>(slot)] == index) {
-                    cells.set(slot, Value());
-                    spillOwner[static_cast<std::size_t>(slot)] = -1;
-                }
-            });
-            formula.spill = target;
-            spillsChanged_ = true;
-        }
-        if (blocked) {
+            noteFound(formula, target);  // it may become free
             return;
         }
     }
@@ -265,6 +326,9 @@ void Recalculation::storeArray(int index, const Value& value) {
             storeAt(slot, combinedElement(value, row - target.firstRow, column - target.firstColumn));
         }
     }
+    if (changed) {
+        reachInto(formula, target);
+    }
 }
 
 namespace {
@@ -278,7 +342,7 @@ struct Postponed {
 
 void Recalculation::compute(int index) {
     if (computing_) {
-        computeOne(index);
+        computeOne(index, true);
         return;
     }
     // Chains of references made while evaluating (INDIRECT, OFFSET) may be longer than the stack is deep: then the
@@ -301,7 +365,7 @@ void Recalculation::compute(int index) {
         Formula& formula = formulas[static_cast<std::size_t>(waiting.back())];
         formula.waiting = true;
         try {
-            computeOne(waiting.back());
+            computeOne(waiting.back(), waiting.size() > 1);
             formula.waiting = false;
             waiting.pop_back();
         } catch (const Postponed& postponed) {
@@ -310,7 +374,8 @@ void Recalculation::compute(int index) {
     }
 }
 
-void Recalculation::computeOne(int index) {
+/// `early`: another formula found it before its turn, so that what it refers to may be due as well.
+void Recalculation::computeOne(int index, bool early) {
     Formula& formula = formulas[static_cast<std::size_t>(index)];
     formula.pass = pass_;
     if (formula.removed) {
@@ -319,12 +384,25 @@ void Recalculation::computeOne(int index) {
     if (formula.circular) {
         return;
     }
+    struct Current {
+        Current(int& place, int now) : current(place), outer(std::exchange(place, now)) {}
+        ~Current() { current = outer; }
+        int& current;
+        const int outer;
+    } const current(current_, index);
     formula.why.clear();
-    formula.modelCalls = 0;
-    const Allowance::Grant grant(cells.allowance(), context.stepLimit);
-    Evaluator evaluator(context, formula.cell.sheet, formula.cell.row, formula.cell.column,
-                        formula.kind != FormulaKind::Normal);
+    formula.found.clear();
     try {
+        if (early) {
+            const Allowance::Grant unlimited(cells.allowance(), Allowance::unlimited);
+            for (const int use : formula.uses) {
+                computeDue(areas_[static_cast<std::size_t>(use)].area);
+            }
+        }
+        formula.begun = ++clock_;
+        const Allowance::Grant grant(cells.allowance(), context.stepLimit);
+        Evaluator evaluator(context, formula.cell.sheet, formula.cell.row, formula.cell.column,
+                            formula.kind != FormulaKind::Normal);
         Value value = evaluator.evaluateOperand(formula.tree);
         if (formula.kind == FormulaKind::Normal) {
             if (value.isArray()) {
@@ -338,16 +416,17 @@ void Recalculation::computeOne(int index) {
         }
         formula.done = true;
     } catch (const Unsupported& unsupported) {
-        formula.why = unsupported.what;
-        if (formula.saved) {
-            cells.set(formula.slot, *formula.saved);
-        } else {
-            cells.set(formula.slot, ErrorCode::Name);
-        }
+        giveUp(formula, unsupported.what);
     } catch (const Postponed&) {
         formula.pass = pass_ - 1;
         throw;
     }
+}
+
+/// Leaves an unsupported formula with what the file saved.
+void Recalculation::giveUp(Formula& formula, std::string why) {
+    formula.why = std::move(why);
+    cells.set(formula.slot, formula.saved ? *formula.saved : Value(ErrorCode::Name));
 }
 
 void Recalculation::computeLive(int index, bool again) {
@@ -357,15 +436,32 @@ void Recalculation::computeLive(int index, bool again) {
     }
     compute(index);
     if (!formula.why.empty()) {
-        throw Failure(Failure::Kind::Unsupported,
-                      "Cell " + formulaName(index) + " uses " + formula.why + ", which is not supported.");
+        refuseUnsupported(index);
     }
+}
+
+void Recalculation::refuseUnsupported(int index) const {
+    throw Failure(Failure::Kind::Unsupported, "Cell " + formulaName(index) + " uses " +
+                                                  formulas[static_cast<std::size_t>(index)].why +
+                                                  ", which is not supported.");
 }
 
 void Recalculation::bringUpToDate(const Area& area) {
     if (!anyDynamic_) {
         return;
     }
+    computeDue(area);
+    if (current_ >= 0) {
+        noteFound(formulas[static_cast<std::size_t>(current_)], area);
+    }
+}
+
+void Recalculation::noteFound(Formula& formula, const Area& area) {
+    formula.found.push_back({area, clock_});
+    anyFound_ = true;
+}
+
+void Recalculation::computeDue(const Area& area) {
     std::vector<int> late;
     cells.forEachSlot(area, [&](int, int, Slot slot) {
         int formula = formulaAt(slot);
@@ -394,68 +490,125 @@ std::string Recalculation::formulaName(int formula) const {
     return raw->sheets[static_cast<std::size_t>(cell.sheet)].name + "!" + cellName(cell.row, cell.column);
 }
 
-void Recalculation::computeAll() {
-    for (int round = 0; round < 8; ++round) {
-        if (!connected_ || spillsChanged_) {
-            connect();
+void Recalculation::beginPass() {
+    ++pass_;
+    changes_.clear();
+    outgrown_ = false;
+}
+
+/// Computes what the pass has not computed yet.
+void Recalculation::computeRest(Part part) {
+    for (const int index : order) {
+        const Formula& formula = formulas[static_cast<std::size_t>(index)];
+        const bool belongs = part == Part::All || (part == Part::Live ? formula.live : !formula.live && !formula.done);
+        if (!belongs || formula.pass == pass_) {
+            continue;
         }
-        spillsChanged_ = false;
-        ++pass_;
-        for (Formula& formula : formulas) {
-            formula.done = false;
-        }
-        for (const int index : order) {
-            if (formulas[static_cast<std::size_t>(index)].pass != pass_) {
-                compute(index);
-            }
-        }
-        if (!spillsChanged_) {
-            break;
+        if (part == Part::Live) {
+            computeLive(index, false);
+        } else {
+            compute(index);
         }
     }
+}
+
+/// Computes again what used cells before an array filled or left them in the same pass, until nothing does. What arrays
+/// have filled stays known (`Formula::reach`), so that the next pass has the right order from the start.
+void Recalculation::settle(Part part) {
+    for (int round = 0; !changes_.empty(); ++round) {
+        const std::vector<SpillChange> changes = std::exchange(changes_, {});
+        if (!connected_) {
+            connect();
+            if (part == Part::Live) {
+                listLive();
+            }
+        } else if (!anyFound_) {
+            continue;  // all that use the cells came after the arrays
+        }
+        std::vector<int> again;
+        const std::vector<bool> late = outdated(changes);
+        for (const int index : order) {
+            Formula& formula = formulas[static_cast<std::size_t>(index)];
+            if (late[static_cast<std::size_t>(index)] && !(part == Part::Fixed && formula.live)) {
+                again.push_back(index);
+                formula.done = false;
+                formula.pass = pass_ - 1;
+            }
+        }
+        for (const int index : again) {
+            if (round == mostRounds) {
+                giveUp(formulas[static_cast<std::size_t>(index)], std::string(unsettled));
+            }
+            if (part == Part::Live && round == mostRounds) {
+                refuseUnsupported(index);
+            }
+            if (round < mostRounds && formulas[static_cast<std::size_t>(index)].pass != pass_) {
+                part == Part::Live ? computeLive(index, false) : compute(index);
+            }
+        }
+    }
+}
+
+/// The formulas that used cells before one of the changes, and what depends on them.
+std::vector<bool> Recalculation::outdated(const std::vector<SpillChange>& changes) const {
+    std::vector<std::uint64_t> covered(areas_.size());
+    for (const SpillChange& change : changes) {
+        for (std::size_t i = 0; change.outgrown && i < areas_.size(); ++i) {
+            if (areas_[i].area.overlaps(change.cells)) {
+                covered[i] = std::max(covered[i], change.when);
+            }
+        }
+    }
+    return downstream(
+        [&](const Formula& formula) {
+            return std::any_of(formula.uses.begin(), formula.uses.end(),
+                               [&](int use) { return covered[static_cast<std::size_t>(use)] > formula.begun; }) ||
+                   std::any_of(formula.found.begin(), formula.found.end(), [&](const AreaFound& found) {
+                       return std::any_of(changes.begin(), changes.end(), [&](const SpillChange& change) {
+                           return change.when > found.when && change.cells.overlaps(found.area);
+                       });
+                   });
+        },
+        [](const UsedArea&) { return false; });
+}
+
+void Recalculation::computeAll() {
+    forgetReach();
+    relate();
+    beginPass();
+    anyFound_ = false;
+    for (Formula& formula : formulas) {
+        formula.done = false;
+    }
+    computeRest(Part::All);
+    settle(Part::All);
     edits_.clear();
     prepared_ = false;
 }
 
-void Recalculation::computeFixed() {
-    for (int round = 0; round < 8; ++round) {
-        if (!connected_ || spillsChanged_) {
-            connect();
+/// Lists what runs at every recalculation; throws Failure when something that it needs cannot be computed.
+void Recalculation::listLive() {
+    liveOrder.clear();
+    for (const int index : order) {
+        const Formula& formula = formulas[static_cast<std::size_t>(index)];
+        if (formula.circular && (formula.live || !formula.saved)) {
+            throw Failure(Failure::Kind::Model, "The workbook has a circular reference: " + formula.why + ".");
         }
-        spillsChanged_ = false;
-        ++pass_;
-        for (const int index : order) {
-            Formula& formula = formulas[static_cast<std::size_t>(index)];
-            if (!formula.live && !formula.done && !formula.removed && formula.pass != pass_) {
-                compute(index);
-            }
+        if (!formula.live && !formula.done && !formula.saved) {
+            refuseUnsupported(index);
         }
-        if (!spillsChanged_) {
-            return;
+        if (formula.live) {
+            liveOrder.push_back(index);
         }
     }
 }
 
 void Recalculation::prepare() {
     relate();
-    computeFixed();
-    liveOrder.clear();
-    for (const int index : order) {
-        const Formula& formula = formulas[static_cast<std::size_t>(index)];
-        if (formula.removed) {
-            continue;
-        }
-        if (formula.circular && (formula.live || !formula.saved)) {
-            throw Failure(Failure::Kind::Model, "The workbook has a circular reference: " + formula.why + ".");
-        }
-        if (!formula.live && !formula.done && !formula.saved) {
-            throw Failure(Failure::Kind::Unsupported,
-                          "Cell " + formulaName(index) + " uses " + formula.why + ", which is not supported.");
-        }
-        if (formula.live) {
-            liveOrder.push_back(index);
-        }
-    }
+    beginPass();
+    computeRest(Part::Fixed);
+    settle(Part::Fixed);
+    listLive();
     if (program && program->scratchEnd == cells.slotCount()) {
         cells.truncate(program->scratch);
     }
@@ -470,20 +623,13 @@ void Recalculation::recalculate() {
     if (!prepared_) {
         prepare();
     }
-    for (int round = 0; round < 8; ++round) {
-        ++pass_;
-        context.now = program->usesClock ? currentSerial(raw->date1904) : context.now;
-        spillsChanged_ = false;
-        runProgram(*this, *program);
-        if (!spillsChanged_) {
-            return;
-        }
-        connect();
-        prepare();
-        if (program->callsModel) {
-            return;  // model cells run once per recalculation
-        }
+    beginPass();
+    context.now = program->usesClock ? currentSerial(raw->date1904) : context.now;
+    runProgram(*this, *program);
+    if (outgrown_) {
+        computeRest(Part::Live);
     }
+    settle(Part::Live);
 }
 
 void Recalculation::set(const CellAddress& cell, const Value& value) {
@@ -501,36 +647,21 @@ void Recalculation::set(const CellAddress& cell, const Value& value) {
 
 /// Formulas downstream of the edited cells have to be computed again.
 void Recalculation::applyEdits() {
-    if (!connected_) {
-        connect();
-    }
-    std::vector<bool> dirtyArea(areas_.size());
-    for (std::size_t i = 0; i < areas_.size(); ++i) {
-        for (const CellAddress& cell : edits_) {
-            dirtyArea[i] =
-                dirtyArea[i] || (areas_[i].area.sheet == cell.sheet && areas_[i].area.contains(cell.row, cell.column));
-        }
-    }
-    std::vector<bool> dirty(formulas.size());
-    std::vector<std::vector<int>> containing(formulas.size());
-    for (std::size_t i = 0; i < areas_.size(); ++i) {
-        for (const int formula : areas_[i].formulas) {
-            containing[static_cast<std::size_t>(formula)].push_back(static_cast<int>(i));
-        }
-    }
+    forgetReach();
+    relate();
+    const std::vector<bool> touched = downstream(
+        [&](const Formula& formula) {
+            // A #SPILL! may be free now.
+            return formula.kind == FormulaKind::Dynamic && cells.get(formula.slot).isError();
+        },
+        [&](const UsedArea& used) {
+            return std::any_of(edits_.begin(), edits_.end(), [&](const CellAddress& cell) {
+                return used.area.sheet == cell.sheet && used.area.contains(cell.row, cell.column);
+            });
+        });
     for (const int index : order) {
-        Formula& formula = formulas[static_cast<std::size_t>(index)];
-        const bool touched =
-            std::any_of(formula.uses.begin(), formula.uses.end(),
-                        [&](int use) { return dirtyArea[static_cast<std::size_t>(use)]; }) ||
-            (formula.kind == FormulaKind::Dynamic && cells.get(formula.slot).isError());  // a #SPILL! may be free now
-        if (!touched) {
-            continue;
-        }
-        dirty[static_cast<std::size_t>(index)] = true;
-        formula.done = false;
-        for (const int area : containing[static_cast<std::size_t>(index)]) {
-            dirtyArea[static_cast<std::size_t>(area)] = true;
+        if (touched[static_cast<std::size_t>(index)]) {
+            formulas[static_cast<std::size_t>(index)].done = false;
         }
     }
     edits_.clear();

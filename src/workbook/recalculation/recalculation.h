@@ -12,6 +12,12 @@
 
 namespace quorva::workbook {
 
+/// Cells that a formula asked for while it was computed, and when.
+struct AreaFound {
+    Area area;
+    std::uint64_t when;
+};
+
 struct Formula {
     CellAddress cell;
     Slot slot = noSlot;
@@ -19,8 +25,12 @@ struct Formula {
     Node tree;
     const std::string* text = nullptr;
     std::optional<Value> saved;
-    Area spill;             ///< cells that the result fills; one cell for ordinary formulas
-    std::vector<int> uses;  ///< numbers of the areas that it refers to
+    Area spill;  ///< cells that the result fills; one cell for ordinary formulas
+    /// Blocks that the result has filled since the last edit, none inside another: it may fill them again at every
+    /// recalculation, so that what refers to them depends on this formula.
+    std::vector<Area> reach;
+    std::vector<int> uses;         ///< numbers of the areas that it refers to
+    std::vector<AreaFound> found;  ///< while it was computed last
     bool volatileItself = false;
     bool callsModel = false;
     bool dynamic = false;  ///< refers to cells found only while evaluating
@@ -31,15 +41,24 @@ struct Formula {
     bool removed = false;  ///< an edit replaced it
     bool waiting = false;  ///< it is computed, or will be when what it needs is
     unsigned pass = 0;
-    std::string why;  ///< what is not supported, or the cycle it is part of
+    std::uint64_t begun = 0;  ///< when the evaluator last began it
+    std::string why;          ///< what is not supported, or the cycle it is part of
     bool circular = false;
-    int modelCalls = 0;  ///< model functions called in the pass
 };
 
-/// A block of cells that formulas refer to, and the formulas whose cells lie in it.
+/// A block of cells that formulas refer to. The formulas whose cells lie in it are found by walking it: lists of them
+/// would take far more room than the formulas (running totals).
 struct UsedArea {
     Area area;
-    std::vector<int> formulas;
+    int only = -1;              ///< the formula of an area of one cell, -1 when there is none
+    std::vector<int> spillers;  ///< formulas whose results reach into it
+};
+
+/// Cells that an array filled or left.
+struct SpillChange {
+    Area cells;
+    std::uint64_t when;
+    bool outgrown;  ///< what depends on them was not known to
 };
 
 struct Program;
@@ -64,6 +83,8 @@ public:
     bool computed(int formula) const { return formulas[static_cast<std::size_t>(formula)].pass == pass_; }
     void markComputed(int formula) { formulas[static_cast<std::size_t>(formula)].pass = pass_; }
     bool anyDynamic() const { return anyDynamic_; }
+    /// Whether an array fills cells that it did not fill before: compiled code does not know of them.
+    bool outgrown() const { return outgrown_; }
     std::string formulaName(int formula) const;
     int formulaAt(Slot slot) const {
         return static_cast<std::size_t>(slot) < formulaOfSlot_.size() ? formulaOfSlot_[slot] : -1;
@@ -89,18 +110,35 @@ public:
     std::unique_ptr<ModuleLink> module;
 
 private:
+    /// What a pass computes: every formula; what does not run at every recalculation and is due; what does.
+    enum class Part { All, Fixed, Live };
+
     void layCells();
     std::optional<std::string> typedFormula(int sheet, int row, int column) const;
     void addFormulas();
     void connect();
     void sortFormulas();
     void markLive();
+    std::vector<bool> downstream(const std::function<bool(const Formula&)>& starts,
+                                 const std::function<bool(const UsedArea&)>& changed) const;
     void prepare();
-    void computeFixed();
-    void computeOne(int formula);
+    void listLive();
+    void beginPass();
+    void computeRest(Part part);
+    void settle(Part part);
+    std::vector<bool> outdated(const std::vector<SpillChange>& changes) const;
+    void computeOne(int formula, bool early);
+    void computeDue(const Area& area);
+    void noteFound(Formula& formula, const Area& area);
+    void giveUp(Formula& formula, std::string why);
+    void refuseUnsupported(int formula) const;
     Value asDisplayed(Slot slot, Value value) const;
     void storeAt(Slot slot, Value value);
     void storeArray(int index, const Value& value);
+    bool blocked(int index, const Area& target) const;
+    void leaveSpill(int index, const Area& kept);
+    void reachInto(Formula& formula, const Area& target);
+    void forgetReach();
     int useArea(const Area& area);
     void collectUses(Formula& formula, const Node& node);
     void describeCircle(const std::vector<int>& path, int from);
@@ -110,10 +148,13 @@ private:
     std::vector<int> styleOfSlot_;  ///< with precision as displayed, of the cells that the file has
     std::vector<UsedArea> areas_;
     std::map<std::array<int, 5>, int> areaNumbers_;
-    std::vector<int> spillers_;  ///< formulas whose results fill more than a cell
     std::vector<CellAddress> edits_;
+    std::vector<SpillChange> changes_;  ///< of this pass, not settled yet
+    std::uint64_t clock_ = 0;           ///< counts computations and changes of spills
     unsigned pass_ = 0;
-    bool spillsChanged_ = false;
+    int current_ = -1;  ///< the formula being computed
+    bool outgrown_ = false;
+    bool anyFound_ = false;  ///< a formula has found areas
     bool anyDynamic_ = false;
     bool connected_ = false;
     bool prepared_ = false;

@@ -48,6 +48,10 @@ struct Area {
     bool contains(int row, int column) const {
         return row >= firstRow && row <= lastRow && column >= firstColumn && column <= lastColumn;
     }
+    bool overlaps(const Area& other) const {
+        return sheet == other.sheet && firstRow <= other.lastRow && lastRow >= other.firstRow &&
+               firstColumn <= other.lastColumn && lastColumn >= other.firstColumn;
+    }
     friend bool operator==(const Area&, const Area&) = default;
 };
 
