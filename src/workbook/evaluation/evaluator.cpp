@@ -63,7 +63,7 @@ Value concatenate(const Value& left, const Value& right) {
 
 double EvaluationContext::nextRandom() {
     const auto rotate = [](std::uint64_t x, int k) { return (x << k) | (x >> (64 - k)); };
-    std::uint64_t* s = random;
+    RandomState& s = random;
     const std::uint64_t result = rotate(s[0] + s[3], 23) + s[0];
     const std::uint64_t t = s[1] << 17;
     s[2] ^= s[0];

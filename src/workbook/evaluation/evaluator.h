@@ -1,6 +1,8 @@
-// Walks a formula's tree. It defines what a formula means; the compiled program only does the same faster.
+// Walks a formula's tree. It defines what a formula means. The compiled program has instructions of its own for the
+// formulas that models are made of; it must give the same numbers to the last bit, or leave the formula to this one.
 #pragma once
 
+#include <array>
 #include <functional>
 #include <memory>
 
@@ -8,6 +10,8 @@
 #include "workbook/formula/parser.h"
 
 namespace quorva::workbook {
+
+using RandomState = std::array<std::uint64_t, 4>;
 
 /// What the evaluator asks the book for.
 struct EvaluationContext {
@@ -22,7 +26,7 @@ struct EvaluationContext {
     std::function<std::optional<std::string>(int sheet, int row, int column)> formulaText;
     /// The cells that the array formula of a cell fills; false when there is none.
     std::function<bool(int sheet, int row, int column, Area& area)> spillOf;
-    std::uint64_t random[4] = {0x9E3779B97F4A7C15, 0xBF58476D1CE4E5B9, 0x94D049BB133111EB, 0x2545F4914F6CDD1D};
+    RandomState random{0x9E3779B97F4A7C15, 0xBF58476D1CE4E5B9, 0x94D049BB133111EB, 0x2545F4914F6CDD1D};
     double now = 0;
     std::int64_t stepLimit = Allowance::usual;  ///< steps that one formula may take
 
@@ -73,7 +77,7 @@ private:
     Value variable(const Node& node);
     Value invokeRow(const FunctionRow& row, std::span<const Value> given);
 
-    // forms.cpp
+    // lazy_functions.cpp
     Value lazyCall(const Node& node);
     Value ifFunction(const Node& node);
     Value ifErrorFunction(const Node& node, bool onlyNA);
@@ -82,7 +86,7 @@ private:
     Value chooseFunction(const Node& node);
     Value letFunction(const Node& node);
 
-    // reference_forms.cpp
+    // reference_functions.cpp
     Value indexFunction(const Node& node);
     Value indexOne(const Value& base, const Value& row, const Value& column, const Value& area, int given);
     Value offsetFunction(const Node& node);
@@ -98,7 +102,7 @@ private:
     Value anchorFunction(const Node& node);
     Value formulaFunction(const Node& node, bool text);
 
-    // lambda_forms.cpp
+    // lambda_functions.cpp
     Value mapFunction(const Node& node);
     Value reduceFunction(const Node& node, bool scan);
     Value byFunction(const Node& node, bool rows);

@@ -1,13 +1,14 @@
 #include "workbook/recalculation/compiler.h"
 
-#include <cmath>
+#include <algorithm>
+#include <bit>
 #include <limits>
 
 namespace quorva::workbook {
 
 namespace {
 constexpr int mostTemporaries = 400;
-constexpr std::size_t longestList = 1 << 20;
+constexpr std::size_t mostOperands = 8;
 
 bool isCall(const Node& node, std::string_view name) {
     return node.kind == Node::Kind::TableCall && node.row->name == name;
@@ -17,25 +18,36 @@ bool isCall(const Node& node, std::string_view name) {
 Compiler::Compiler(Recalculation& recalculation) : recalculation_(recalculation) {
     base_ = recalculation.cells.slotCount();
     scratchValues_.assign(mostTemporaries, std::numeric_limits<double>::quiet_NaN());
+    spilled_.resize(static_cast<std::size_t>(base_));
+    for (const Formula& one : recalculation.formulas) {
+        for (const Area& block : one.reach) {
+            if (one.live && !one.removed && !block.single()) {
+                recalculation.cells.forEachSlot(
+                    block, [&](int, int, Slot slot) { spilled_[static_cast<std::size_t>(slot)] = true; });
+            }
+        }
+    }
 }
 
 std::unique_ptr<Program> Compiler::compile() {
     Program& program = *program_;
     for (const int index : recalculation_.liveOrder) {
         const Formula& one = recalculation_.formulas[static_cast<std::size_t>(index)];
-        program.callsModel = program.callsModel || one.callsModel;
         const auto begin = static_cast<std::int32_t>(program.instructions.size());
         program.cells.push_back({begin, index});
         if (recalculation_.anyDynamic()) {
             program.instructions.push_back({Operation::Skip, {}, 0, 0, index, 0});
         }
+        const std::size_t lists = program.lists.size();
+        const std::size_t calls = program.calls.size();
         const std::size_t sites = program.sites.size();
         if (!formula(one)) {
             program.instructions.resize(static_cast<std::size_t>(begin));
+            program.lists.resize(lists);
+            program.calls.resize(calls);
             program.sites.resize(sites);
             program.instructions.push_back({Operation::Tree, {}, 0, 0, index, 0});
             program.usesClock = true;
-            ++program.trees;
         } else if (recalculation_.anyDynamic()) {
             program.instructions[static_cast<std::size_t>(begin)].b =
                 static_cast<std::int32_t>(program.instructions.size());
@@ -51,11 +63,12 @@ std::unique_ptr<Program> Compiler::compile() {
 bool Compiler::formula(const Formula& one) {
     formula_ = &one;
     temporaries_ = 0;
+    tooManyTemporaries_ = false;
     if (!one.spill.single() || one.kind == FormulaKind::Array || recalculation_.raw->precisionAsDisplayed) {
         return false;
     }
     const Compiled result = expression(one.tree);
-    if (!result || result->boolean) {
+    if (!result || result->boolean || tooManyTemporaries_) {
         return false;
     }
     const bool sumOfTwo = one.tree.kind == Node::Kind::Binary && !one.tree.parenthesised &&
@@ -81,7 +94,14 @@ void Compiler::finish(std::int32_t result, Slot cell, bool sumOfTwo) {
     }
 }
 
-std::int32_t Compiler::temporary() { return base_ + temporaries_++; }
+/// A slot for a result inside the formula. Past the last one the formula cannot be compiled, which formula() sees to.
+std::int32_t Compiler::temporary() {
+    if (temporaries_ == mostTemporaries) {
+        tooManyTemporaries_ = true;
+        return base_;
+    }
+    return base_ + temporaries_++;
+}
 
 Compiler::Operand Compiler::emit(Operation operation, std::int32_t a, std::int32_t b, Operator comparison) {
     const std::int32_t target = temporary();
@@ -90,34 +110,33 @@ Compiler::Operand Compiler::emit(Operation operation, std::int32_t a, std::int32
 }
 
 Compiler::Operand Compiler::constant(double number) {
-    const auto [found, added] = constants_.emplace(number, base_ + static_cast<std::int32_t>(scratchValues_.size()));
+    const auto [found, added] = constants_.emplace(std::bit_cast<std::uint64_t>(number),
+                                                   base_ + static_cast<std::int32_t>(scratchValues_.size()));
     if (added) {
         scratchValues_.push_back(number);
     }
     return {found->second, false};
 }
 
-int Compiler::list(std::vector<std::int32_t> slots) {
-    program_->lists.push_back(std::move(slots));
+int Compiler::list(SlotPacker& slots) {
+    program_->lists.push_back(slots.take());
     return static_cast<int>(program_->lists.size()) - 1;
 }
 
 bool Compiler::liveSlot(Slot slot) const {
-    int formula = recalculation_.formulaAt(slot);
-    if (formula < 0 && static_cast<std::size_t>(slot) < recalculation_.spillOwner.size()) {
-        formula = recalculation_.spillOwner[static_cast<std::size_t>(slot)];
-    }
-    return formula >= 0 && recalculation_.formulas[static_cast<std::size_t>(formula)].live;
+    const int formula = recalculation_.formulaAt(slot);
+    return spilled_[static_cast<std::size_t>(slot)] ||
+           (formula >= 0 && recalculation_.formulas[static_cast<std::size_t>(formula)].live);
 }
 
+/// A number now, or something that is looked at when it is needed.
+bool Compiler::holdsNumber(Slot slot) const { return liveSlot(slot) || recalculation_.cells.isNumber(slot); }
+
 Compiler::Compiled Compiler::expression(const Node& node) {
-    if (temporaries_ > mostTemporaries - 8) {
-        return std::nullopt;
-    }
     switch (node.kind) {
         case Node::Kind::Constant:
             if (node.value.isNumber()) {
-                return constant(node.value.number() == 0 ? 0.0 : node.value.number());
+                return constant(node.value.number());
             }
             if (node.value.isBoolean()) {
                 return Operand{constant(node.value.boolean() ? 1 : 0).slot, true};
@@ -154,7 +173,7 @@ Compiler::Compiled Compiler::reference(const Node& node) {
     if (slot == noSlot) {
         return constant(0);
     }
-    if (liveSlot(slot) || recalculation_.cells.isNumber(slot)) {
+    if (holdsNumber(slot)) {
         return Operand{slot, false};
     }
     const Value& fixed = recalculation_.cells.other(slot);
@@ -220,34 +239,53 @@ Compiler::Compiled Compiler::branch(const Node& node) {
     return Operand{target, yes->boolean};
 }
 
-bool Compiler::numbersOf(const Node& node, std::vector<std::int32_t>& slots, bool keepOthers) {
+/// Adds the slots of the numbers in a written range: cells that can only hold numbers now, and live ones. False when
+/// one of the other cells is an error; with `keepOthers`, unless all of them are blank.
+bool Compiler::numbersOf(const Node& node, SlotPacker& slots, bool keepOthers) {
     if (node.kind != Node::Kind::Reference) {
         return false;
     }
     bool fits = true;
     for (const Area& area : node.value.areas()) {
         recalculation_.cells.forEachSlot(area, [&](int, int, Slot slot) {
-            if (liveSlot(slot) || recalculation_.cells.isNumber(slot)) {
-                slots.push_back(slot);
+            if (holdsNumber(slot)) {
+                slots.add(slot);
             } else {
-                fits = fits && !recalculation_.cells.other(slot).isError() &&
-                       (!keepOthers || recalculation_.cells.other(slot).isBlank());
+                const Value& other = recalculation_.cells.other(slot);
+                fits = !other.isError() && (!keepOthers || other.isBlank());
             }
-            fits = fits && slots.size() < longestList;
+            return fits;
         });
     }
     return fits;
 }
 
+/// Whether the value may be a reference to a cell that never holds a number. In a list such as SUM's it is left out,
+/// where the same value written directly would count.
+bool Compiler::mayReferToOthers(const Node& node) const {
+    if (node.kind == Node::Kind::LazyCall) {
+        return std::any_of(node.children.begin(), node.children.end(),
+                           [&](const Node& child) { return mayReferToOthers(child); });
+    }
+    if (node.kind != Node::Kind::Reference) {
+        return false;
+    }
+    const Area& area = node.value.areas()[0];
+    const Slot slot = recalculation_.cells.find(area.sheet, area.firstRow, area.firstColumn);
+    return slot == noSlot || !holdsNumber(slot);
+}
+
+/// One of the values that SUM, MIN, AND and their kind take, when it is no range.
+Compiler::Compiled Compiler::listed(const Node& node) {
+    return node.kind == Node::Kind::Missing || mayReferToOthers(node) ? std::nullopt : expression(node);
+}
+
 Compiler::Compiled Compiler::call(const Node& node) {
     if (isCall(node, "SUM")) {
-        return folded(node, Operation::Add, Operation::Sum, 0);
+        return sum(node);
     }
-    if (isCall(node, "MIN")) {
-        return folded(node, Operation::Minimum, Operation::Smallest, std::numeric_limits<double>::infinity());
-    }
-    if (isCall(node, "MAX")) {
-        return folded(node, Operation::Maximum, Operation::Largest, -std::numeric_limits<double>::infinity());
+    if (isCall(node, "MIN") || isCall(node, "MAX")) {
+        return extreme(node, isCall(node, "MAX"));
     }
     if (isCall(node, "AVERAGE")) {
         return average(node);
@@ -265,111 +303,131 @@ Compiler::Compiled Compiler::call(const Node& node) {
         return conjunction(node, isCall(node, "AND") ? Operation::And : Operation::Or);
     }
     if (isCall(node, "RAND")) {
-        return emit(Operation::Random);
+        return emit(Operation::Random, recalculation_.formulaAt(formula_->slot));
     }
     if (node.row->kinds.find_first_not_of("N") != std::string_view::npos || node.row->kinds.empty() ||
-        node.children.empty() || node.row->volatility == Volatility::Volatile) {
+        node.children.empty() || node.children.size() > mostOperands || node.row->volatility == Volatility::Volatile) {
         return std::nullopt;
     }
     CompiledCall compiled{node.row, {}};
     for (const Node& child : node.children) {
         const Compiled operand = child.kind == Node::Kind::Missing ? std::nullopt : expression(child);
-        if (!operand) {
-            return std::nullopt;
+        if (!operand || (operand->boolean && node.row->refusesRanges)) {
+            return std::nullopt;  // functions that refuse ranges refuse Booleans too
         }
         compiled.operands.push_back(operand->slot);
-    }
-    if (compiled.operands.size() > 8) {
-        return std::nullopt;
     }
     program_->calls.push_back(std::move(compiled));
     const auto number = static_cast<std::int32_t>(program_->calls.size()) - 1;
     return emit(node.row->numeric ? Operation::Call : Operation::CallRow, number);
 }
 
-/// SUM, MIN and MAX: the arguments one after the other. `start` is where an extreme begins.
-Compiler::Compiled Compiler::folded(const Node& node, Operation scalar, Operation range, double start) {
-    Compiled total;
-    bool any = scalar == Operation::Add;
+/// Numbers are added to the total one by one, from 0 on, as the evaluator does.
+Compiler::Compiled Compiler::sum(const Node& node) {
+    Operand total = constant(0);
+    SlotPacker cells;
+    const auto addCells = [&] {
+        if (cells.size() > 0) {
+            total = emit(Operation::Sum, list(cells), total.slot);
+        }
+    };
     for (const Node& child : node.children) {
-        const bool single =
-            child.kind == Node::Kind::Reference && child.value.areas().size() == 1 && child.value.areas()[0].single();
-        Compiled next;
         if (child.kind == Node::Kind::Reference) {
-            std::vector<std::int32_t> slots;
-            if (!numbersOf(child, slots)) {
+            if (!numbersOf(child, cells)) {
                 return std::nullopt;
             }
-            any = any || !slots.empty();
-            if (single && slots.size() == 1) {
-                next = Operand{slots[0], false};
-            } else if (scalar == Operation::Add && total) {
-                // Numbers are added to the total one by one, as the evaluator does.
-                total = emit(range, list(std::move(slots)), total->slot);
-                continue;
-            } else {
-                next = emit(range, list(std::move(slots)), constant(start).slot);
+            continue;
+        }
+        addCells();
+        const Compiled next = listed(child);
+        if (!next) {
+            return std::nullopt;
+        }
+        total = emit(Operation::Add, total.slot, next->slot);
+    }
+    addCells();
+    return total;
+}
+
+Compiler::Compiled Compiler::extreme(const Node& node, bool largest) {
+    const double start = (largest ? -1 : 1) * std::numeric_limits<double>::infinity();
+    Compiled best;
+    for (const Node& child : node.children) {
+        Compiled next;
+        if (child.kind == Node::Kind::Reference) {
+            SlotPacker cells;
+            if (!numbersOf(child, cells)) {
+                return std::nullopt;
             }
+            if (cells.size() == 0) {
+                continue;
+            }
+            const Slot first = cells.first();
+            next = cells.size() == 1
+                       ? Operand{first, false}
+                       : emit(largest ? Operation::Largest : Operation::Smallest, list(cells), constant(start).slot);
         } else {
-            next = child.kind == Node::Kind::Missing ? std::nullopt : expression(child);
-            any = true;
+            next = listed(child);
         }
         if (!next) {
             return std::nullopt;
         }
-        total = total ? emit(scalar, total->slot, next->slot) : *next;
+        best = best ? emit(largest ? Operation::Maximum : Operation::Minimum, best->slot, next->slot)
+                    : Operand{next->slot, false};
     }
-    return any ? total : std::nullopt;
+    return best;
 }
 
 Compiler::Compiled Compiler::average(const Node& node) {
-    std::vector<std::int32_t> slots;
-    if (node.children.size() != 1 || !numbersOf(node.children[0], slots) || slots.empty()) {
+    SlotPacker cells;
+    if (node.children.size() != 1 || !numbersOf(node.children[0], cells) || cells.size() == 0) {
         return std::nullopt;
     }
-    const double count = static_cast<double>(slots.size());
-    const Operand total = emit(Operation::Sum, list(std::move(slots)), constant(0).slot);
+    const auto count = static_cast<double>(cells.size());
+    const Operand total = emit(Operation::Sum, list(cells), constant(0).slot);
     return emit(Operation::Divide, total.slot, constant(count).slot);
 }
 
 Compiler::Compiled Compiler::sumProduct(const Node& node) {
-    std::vector<std::int32_t> joined;
-    std::size_t length = 0;
+    if (node.children.size() > mostFactors) {
+        return std::nullopt;
+    }
+    int first = 0;
     for (const Node& child : node.children) {
-        std::vector<std::int32_t> slots;
-        if (child.kind != Node::Kind::Reference || child.value.areas().size() != 1 || !numbersOf(child, slots, true)) {
+        SlotPacker cells;
+        if (child.kind != Node::Kind::Reference || child.value.areas().size() != 1 || !numbersOf(child, cells, true)) {
             return std::nullopt;
         }
         const Area& area = child.value.areas()[0];
-        const Area& first = node.children[0].value.areas()[0];
+        const Area& shape = node.children[0].value.areas()[0];
         // Every cell must hold a number, so that the arrays run side by side.
-        if (area.rows() != first.rows() || area.columns() != first.columns() ||
-            slots.size() != static_cast<std::size_t>(area.rows()) * area.columns()) {
+        if (area.rows() != shape.rows() || area.columns() != shape.columns() ||
+            cells.size() != static_cast<std::size_t>(area.rows()) * area.columns()) {
             return std::nullopt;
         }
-        length = slots.size();
-        joined.insert(joined.end(), slots.begin(), slots.end());
+        const int number = list(cells);
+        first = &child == node.children.data() ? number : first;
     }
-    const Operand result = emit(Operation::SumProduct, list(std::move(joined)), static_cast<std::int32_t>(length));
+    const Operand result = emit(Operation::SumProduct, first);
     program_->instructions.back().count = static_cast<std::uint16_t>(node.children.size());
     return result;
 }
 
 Compiler::Compiled Compiler::presentValue(const Node& node) {
-    std::vector<std::int32_t> slots;
-    if (node.children.size() != 2 || !numbersOf(node.children[1], slots)) {
+    SlotPacker cells;
+    if (node.children.size() != 2 || !numbersOf(node.children[1], cells)) {
         return std::nullopt;
     }
     const Compiled rate = expression(node.children[0]);
-    return rate ? Compiled(emit(Operation::PresentValue, list(std::move(slots)), rate->slot)) : std::nullopt;
+    return rate ? Compiled(emit(Operation::PresentValue, list(cells), rate->slot)) : std::nullopt;
 }
 
 /// COUNTIF with a condition such as "<0" that is written in the formula.
 Compiler::Compiled Compiler::countIf(const Node& node) {
     const Value& condition = node.children[1].value;
-    std::vector<std::int32_t> slots;
+    SlotPacker cells;
     if (node.children[1].kind != Node::Kind::Constant || !condition.isText() ||
-        !numbersOf(node.children[0], slots, true)) {
+        !numbersOf(node.children[0], cells, true) || node.children[0].value.areas().size() != 1) {
         return std::nullopt;
     }
     std::string_view text = condition.text();
@@ -390,16 +448,16 @@ Compiler::Compiled Compiler::countIf(const Node& node) {
         return std::nullopt;
     }
     const Operand bound = constant(*number);
-    return emit(Operation::CountIf, list(std::move(slots)), bound.slot, comparison);
+    return emit(Operation::CountIf, list(cells), bound.slot, comparison);
 }
 
 Compiler::Compiled Compiler::conjunction(const Node& node, Operation operation) {
     Compiled total;
     for (const Node& child : node.children) {
-        if (child.kind == Node::Kind::Reference || child.kind == Node::Kind::Missing) {
+        if (child.kind == Node::Kind::Reference) {
             return std::nullopt;  // blanks and texts in cells are left out
         }
-        const Compiled next = expression(child);
+        const Compiled next = listed(child);
         if (!next) {
             return std::nullopt;
         }
@@ -427,7 +485,7 @@ Compiler::Compiled Compiler::model(const Node& node) {
         const char letter = function->types[i + 1];
         const bool fixed = child.kind == Node::Kind::Constant || child.kind == Node::Kind::Missing;
         if (fixed && !child.value.isArray()) {
-            if (!convertArgument(letter, child.value, false, site.arguments[i], site.texts[i])) {
+            if (!convertArgument(letter, child.value, recalculation_.raw->date1904, site.arguments[i], site.texts[i])) {
                 return std::nullopt;
             }
             continue;

@@ -109,7 +109,8 @@ std::uint16_t hostError(ErrorCode code) {
     }
 }
 
-/// Host values that one call passes, with their texts and lists; they live until the next call from the same depth.
+/// Host values that one call passes, with their texts and lists. They end with the call: the module copies what it
+/// keeps.
 struct HostValues {
     std::deque<XLOPER> values;
     std::deque<std::string> texts;
@@ -200,7 +201,7 @@ bool fillMatrix(Evaluator& evaluator, const Value& value, HostArgument& argument
     const int columns = read.isArray() ? read.arrayColumns() : 1;
     for (int row = 0; row < rows; ++row) {
         for (int column = 0; column < columns; ++column) {
-            const auto number = toNumber(combinedElement(read, row, column));
+            const auto number = toNumber(combinedElement(read, row, column), evaluator.call.date1904);
             if (!number || rows > 0xFFFF) {
                 return false;
             }

@@ -40,6 +40,28 @@ struct Machine {
     double* slots;
     Call call;
     const ModelSite* lastSite = nullptr;
+    int drawing = -1;             ///< the formula that drew the last random number
+    RandomState beforeDrawing{};  ///< before its first one
+
+    const std::vector<SlotRun>& list(std::int32_t number) const {
+        return program.lists[static_cast<std::size_t>(number)];
+    }
+
+    /// A formula that the evaluator computes in the end has the random numbers that it began with: a second draw would
+    /// shift the chances of whatever made it give up.
+    void giveBackDraws(int formula) {
+        if (drawing == formula) {
+            recalculation.context.random = beforeDrawing;
+        }
+    }
+
+    void draw(const Instruction& code) {
+        if (drawing != code.a) {
+            drawing = code.a;
+            beforeDrawing = recalculation.context.random;
+        }
+        slots[code.target] = recalculation.context.nextRandom();
+    }
 
     bool callNumeric(const Instruction& code) {
         const CompiledCall& compiled = program.calls[static_cast<std::size_t>(code.a)];
@@ -65,33 +87,64 @@ struct Machine {
                 return false;
             }
         }
-        const Value result = compiled.row->function(call, {arguments, compiled.operands.size()});
-        slots[code.target] = result.number();
-        return result.isNumber();
+        try {
+            const Allowance::Grant grant(recalculation.cells.allowance(), recalculation.context.stepLimit);
+            const Value result = compiled.row->function(call, {arguments, compiled.operands.size()});
+            if (!result.isNumber()) {
+                return false;
+            }
+            slots[code.target] = result.number();
+            return true;
+        } catch (const Unsupported&) {
+            return false;
+        }
+    }
+
+    void sum(const Instruction& code) {
+        double total = slots[code.b];
+        forEachOf(list(code.a), [&](std::ptrdiff_t slot) {
+            total += slots[slot];
+            return true;
+        });
+        slots[code.target] = total;
     }
 
     bool extreme(const Instruction& code, bool largest) {
         double best = slots[code.b];
-        for (const std::int32_t slot : program.lists[static_cast<std::size_t>(code.a)]) {
+        const bool numbers = forEachOf(list(code.a), [&](std::ptrdiff_t slot) {
             const double x = slots[slot];
-            if (x != x) {
-                return false;
-            }
             best = largest ? (x > best ? x : best) : (x < best ? x : best);
-        }
+            return x == x;
+        });
         slots[code.target] = best;
-        return true;
+        return numbers;
     }
 
     void sumProduct(const Instruction& code) {
-        const std::int32_t* cells = program.lists[static_cast<std::size_t>(code.a)].data();
+        SlotStretches factors[mostFactors];
+        for (std::int32_t k = 0; k < code.count; ++k) {
+            factors[k] = SlotStretches(list(code.a + k));
+        }
         double total = 0;
-        for (int i = 0; i < code.b; ++i) {
-            double product = slots[cells[i]];
+        while (factors[0].left() > 0) {
+            Slot length = factors[0].left();
             for (int k = 1; k < code.count; ++k) {
-                product *= slots[cells[k * code.b + i]];
+                length = std::min(length, factors[k].left());
             }
-            total += product;
+            const double* at[mostFactors];
+            for (int k = 0; k < code.count; ++k) {
+                at[k] = slots + factors[k].slot();
+            }
+            for (std::ptrdiff_t i = 0; i < length; ++i) {
+                double product = at[0][i * factors[0].stride()];
+                for (int k = 1; k < code.count; ++k) {
+                    product *= at[k][i * factors[k].stride()];
+                }
+                total += product;
+            }
+            for (int k = 0; k < code.count; ++k) {
+                factors[k].advance(length);
+            }
         }
         slots[code.target] = total;
     }
@@ -103,10 +156,11 @@ struct Machine {
         }
         double discount = 1;
         double total = 0;
-        for (const std::int32_t slot : program.lists[static_cast<std::size_t>(code.a)]) {
+        forEachOf(list(code.a), [&](std::ptrdiff_t slot) {
             discount *= step;
             total += slots[slot] / discount;
-        }
+            return true;
+        });
         slots[code.target] = total;
         return finite(discount) && discount != 0;
     }
@@ -114,15 +168,13 @@ struct Machine {
     bool countIf(const Instruction& code) {
         int count = 0;
         const double bound = slots[code.b];
-        for (const std::int32_t slot : program.lists[static_cast<std::size_t>(code.a)]) {
+        const bool numbers = forEachOf(list(code.a), [&](std::ptrdiff_t slot) {
             const double x = slots[slot];
-            if (x != x) {
-                return false;
-            }
             count += holds(code.comparison, x, bound) ? 1 : 0;
-        }
+            return x == x;
+        });
         slots[code.target] = count;
-        return true;
+        return numbers;
     }
 
     bool model(const Instruction& code) {
@@ -238,7 +290,7 @@ std::size_t Machine::run(std::size_t at, bool& gaveUp) {
                 }
                 break;
             case Operation::Random:
-                slots[now.target] = recalculation.context.nextRandom();
+                draw(now);
                 break;
             case Operation::Call:
                 fine = callNumeric(now);
@@ -246,14 +298,9 @@ std::size_t Machine::run(std::size_t at, bool& gaveUp) {
             case Operation::CallRow:
                 fine = callRow(now);
                 break;
-            case Operation::Sum: {
-                double total = slots[now.b];
-                for (const std::int32_t slot : program.lists[static_cast<std::size_t>(now.a)]) {
-                    total += slots[slot];
-                }
-                slots[now.target] = total;
+            case Operation::Sum:
+                sum(now);
                 break;
-            }
             case Operation::Smallest:
                 fine = extreme(now, false);
                 break;
@@ -264,7 +311,7 @@ std::size_t Machine::run(std::size_t at, bool& gaveUp) {
             case Operation::Maximum: {
                 const double a = slots[now.a];
                 const double b = slots[now.b];
-                fine = a == a && b == b;
+                fine = finite(a) && finite(b);
                 slots[now.target] = (now.operation == Operation::Minimum ? b < a : b > a) ? b : a;
                 break;
             }
@@ -305,6 +352,7 @@ std::size_t Machine::run(std::size_t at, bool& gaveUp) {
 
 void runProgram(Recalculation& recalculation, Program& program) {
     Machine machine{recalculation, program, recalculation.cells.numbers(), Call{recalculation.cells}};
+    machine.call.date1904 = recalculation.raw->date1904;
     Evaluator evaluator(recalculation.context, 0, 0, 0, false);
     machine.call.evaluator = &evaluator;
     std::size_t at = 0;
@@ -321,13 +369,15 @@ void runProgram(Recalculation& recalculation, Program& program) {
                                                      [](std::size_t position, const CompiledCell& one) {
                                                          return position < static_cast<std::size_t>(one.begin);
                                                      }));
-        if (program.instructions[at].operation == Operation::Tree) {
-            recalculation.computeLive(cell->formula, false);
-        } else {
-            recalculation.computeLive(cell->formula, true);
-        }
+        machine.giveBackDraws(cell->formula);
+        recalculation.computeLive(cell->formula, program.instructions[at].operation != Operation::Tree);
         if (recalculation.module) {
             recalculation.module->replay.clear();
+        }
+        if (recalculation.outgrown()) {
+            std::for_each(program.cells.begin(), cell,
+                          [&](const CompiledCell& one) { recalculation.markComputed(one.formula); });
+            return;
         }
         machine.slots = recalculation.cells.numbers();
         const auto next = std::next(cell);

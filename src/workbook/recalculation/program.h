@@ -1,6 +1,6 @@
 // The live part of a book, compiled for running again and again: one flat list of instructions on numbers. Whatever is
 // not plain numbers (a text, a blank, an error, an overflow) makes the cell's instructions give up, and the evaluator
-// computes the cell instead.
+// computes the cell instead. Where cells run through to the end, they hold the evaluator's result to the last bit.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +10,7 @@
 #include "workbook/evaluation/function_api.h"
 #include "workbook/recalculation/book.h"
 #include "workbook/recalculation/module_link.h"
+#include "workbook/recalculation/slot_runs.h"
 
 namespace quorva::workbook {
 
@@ -51,8 +52,8 @@ enum class Operation : std::uint8_t {
     End
 };
 
-/// `target`, `a` and `b` are slots, except: jumps (b: where to), ranges (a: number of a slot list), calls (a: number of
-/// the call), Tree and Skip (a: number of the formula).
+/// `target`, `a` and `b` are slots, except: jumps (b: where to), ranges (a: number of a list of cells; SumProduct: of
+/// the first of `count`), calls (a: number of the call), Random, Tree and Skip (a: number of the formula).
 struct Instruction {
     Operation operation;
     Operator comparison{};
@@ -62,6 +63,9 @@ struct Instruction {
     std::int32_t b = 0;
 };
 static_assert(sizeof(Instruction) == 16);
+
+/// Ranges that SumProduct takes.
+constexpr std::size_t mostFactors = 16;
 
 struct CompiledCall {
     const FunctionRow* row;
@@ -86,17 +90,16 @@ struct CompiledCell {
 struct Program {
     std::vector<Instruction> instructions;
     std::vector<CompiledCell> cells;
-    std::vector<std::vector<std::int32_t>> lists;
+    std::vector<std::vector<SlotRun>> lists;
     std::vector<CompiledCall> calls;
     std::vector<ModelSite> sites;
     Slot scratch = noSlot;  ///< first of its own slots
     Slot scratchEnd = noSlot;
     bool usesClock = false;
-    bool callsModel = false;
-    int trees = 0;  ///< formulas left to the evaluator
 };
 
 std::unique_ptr<Program> compileProgram(Recalculation& recalculation);
+/// Computes the live part; ends before that when an array outgrows what was compiled (Recalculation::outgrown).
 void runProgram(Recalculation& recalculation, Program& program);
 
 }  // namespace quorva::workbook
