@@ -132,14 +132,34 @@ bool nearestCorrelation(Square& a) {
     return false;
 }
 
-/// Symmetric square root; false when an eigenvalue lies below -1e-10 times `largest`, the largest of the whole matrix.
-bool squareRoot(Square& a, double largest) {
+/// The first row that equals each row.
+std::vector<int> firstEqualRows(const Square& a) {
+    std::vector<int> first(static_cast<std::size_t>(a.rows()));
+    for (int i = 0; i < a.rows(); ++i) {
+        int j = 0;
+        while (j < i && a.row(j) != a.row(i)) {
+            ++j;
+        }
+        first[static_cast<std::size_t>(i)] = j;
+    }
+    return first;
+}
+
+/// Symmetric square root of a set of variables; `n` and `largest` are size and largest eigenvalue of the whole matrix,
+/// by which rounding is measured: positive eigenvalues up to n eps largest and negative ones down to -1e-10 largest
+/// count as 0. False when one lies lower.
+bool squareRoot(Square& a, int n, double largest) {
     const Eigen::SelfAdjointEigenSolver<Square> eigen(a);
-    constexpr double rounding = 1e-10;
-    if (eigen.info() != Eigen::Success || !(eigen.eigenvalues().minCoeff() >= -rounding * std::max(largest, 0.0))) {
+    constexpr double repairable = 1e-10;
+    const double scale = std::max(largest, 0.0);
+    if (eigen.info() != Eigen::Success || !(eigen.eigenvalues().minCoeff() >= -repairable * scale)) {
         return false;
     }
-    a = rebuilt(eigen, [](double value) { return std::sqrt(std::max(value, 0.0)); });
+    const double rounding = n * std::numeric_limits<double>::epsilon() * scale;
+    const Square root = rebuilt(eigen, [rounding](double value) { return value > rounding ? std::sqrt(value) : 0.0; });
+    // Equal variables have equal rows, to the last bit, so that they draw the same numbers.
+    const std::vector<int> first = firstEqualRows(a);
+    a = root(first, first);
     return true;
 }
 
@@ -195,7 +215,7 @@ int M_SquareRoot(const matrix<double>* a, int n, matrix<double>* factor) {
     const Eigen::SelfAdjointEigenSolver<Square> eigen(block, Eigen::EigenvaluesOnly);
     const double largest = n > 0 ? eigen.eigenvalues().maxCoeff() : 0;
     if (eigen.info() != Eigen::Success ||
-        !setBySet(block, root, [largest](Square& set) { return squareRoot(set, largest); })) {
+        !setBySet(block, root, [n, largest](Square& set) { return squareRoot(set, n, largest); })) {
         return failed;
     }
     writeBlock(root, *factor);

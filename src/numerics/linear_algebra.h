@@ -12,7 +12,8 @@ void M_ReplaceMissingByVal(matrix<double>& table, int rows, int cols, double val
 short M_IsSymmetric(const matrix<double>* a, int n);
 /// Lower factor L with L L' = A; fails when a pivot is not above n eps max(diag A).
 int M_CholDecomp(const matrix<double>* a, int n, matrix<double>* factor);
-/// Symmetric S with S S = A; eigenvalues in [-1e-10 lmax, 0) count as 0, lower ones fail.
+/// Symmetric S with S S = A; eigenvalues in [-1e-10 lmax, n eps lmax] count as 0, lower ones fail. Equal rows of A give
+/// equal rows of S.
 int M_SquareRoot(const matrix<double>* a, int n, matrix<double>* factor);
 /// The nearest correlation matrix in the Frobenius norm (Higham 2002), in place; fails without convergence in 10,000
 /// rounds or with an entry that is not finite.

@@ -123,6 +123,33 @@ TEST(LinearAlgebra, CholeskyRefusesCorrelationOneAndTheSquareRootTakesIt) {
     EXPECT_NEAR(factor(1, 1), factor(1, 2), 4e-16);
 }
 
+// The square root of an eigenvalue of 1e-16, which is rounding, is 1e-8, which is not.
+TEST(LinearAlgebra, TheSquareRootOfASingularMatrixIsExactAndEqualVariablesShareTheirRow) {
+    for (const int n : {2, 3, 5, 12}) {
+        const matrix<double> a(n, n, 1.0);
+        matrix<double> factor(n, n, 0.0);
+        ASSERT_EQ(M_SquareRoot(&a, n, &factor), 0);
+        for (int i = 1; i <= n; ++i) {
+            for (int j = 1; j <= n; ++j) {
+                EXPECT_NEAR(factor(i, j), 1 / std::sqrt(n), 4e-16) << n;
+                EXPECT_EQ(factor(i, j), factor(1, j)) << n;
+                EXPECT_EQ(factor(i, j), factor(j, i)) << n;
+            }
+        }
+    }
+    // 2 and 3 are one variable, correlated with 1 and 4; no two others are equal.
+    const double values[] = {1, 0.5, 0.5, 0.2, 0.5, 1, 1, -0.3, 0.5, 1, 1, -0.3, 0.2, -0.3, -0.3, 1};
+    const matrix<double> a(4, 4, values);
+    matrix<double> factor(4, 4, 0.0);
+    ASSERT_EQ(M_SquareRoot(&a, 4, &factor), 0);
+    for (int j = 1; j <= 4; ++j) {
+        EXPECT_EQ(factor(2, j), factor(3, j));
+        EXPECT_NE(factor(1, j), factor(2, j));
+        EXPECT_NE(factor(4, j), factor(2, j));
+    }
+    expectNear(productWithTransposed(factor, 4), a, 4, 1e-14);
+}
+
 // What counts as rounding is measured by the largest eigenvalue of the whole matrix, here 10, and not by that of the
 // two variables whose correlation is a little above 1.
 TEST(LinearAlgebra, AnEigenvalueIsRoundingAgainstTheLargestOfTheMatrix) {
