@@ -1,5 +1,7 @@
 // Laws whose density is made of straight lines, and the triangular law given by two of its quantiles.
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "numerics/law_functions.h"
 #include "numerics/laws.h"
@@ -146,9 +148,12 @@ void TriangularQFindAB(double a, double m, double b, double q1, double q2, doubl
     const Ends ends = triangularEnds(a, m, b, q1, q2);
     const double low = static_cast<double>(ends.lower);
     const double high = static_cast<double>(ends.upper);
-    if (std::isfinite(low) && std::isfinite(high) && low <= m && m <= high) {
-        lower = low;
-        upper = high;
+    // A mode at an end: the rounding of the quantiles may put the end an epsilon behind it.
+    constexpr double epsilon = std::numeric_limits<double>::epsilon();
+    const double rounding = 1e-12 * (high - low) + 64 * epsilon * std::max(std::abs(low), std::abs(high));
+    if (std::isfinite(low) && std::isfinite(high) && low <= m + rounding && m - rounding <= high) {
+        lower = std::min(low, m);
+        upper = std::max(high, m);
     }
 }
 

@@ -12,9 +12,11 @@
 namespace quorva {
 namespace {
 
-/// The observations that take part: not excluded, with a positive weight.
+/// The observations that take part: not excluded, with a positive weight. The values may be given in extended
+/// precision.
+template <class Value = double>
 struct Sample {
-    const double* values;
+    const Value* values;
     int n;
     const short* flags;
     const double* weights;
@@ -43,7 +45,8 @@ struct Moments {
 
 /// Two passes; the second takes out what rounding left in the mean. Extended precision keeps a large common offset
 /// from eating the digits of the deviations. Equal values have moments of exactly 0.
-Moments momentsOf(const Sample& sample) {
+template <class Value>
+Moments momentsOf(const Sample<Value>& sample) {
     Moments result;
     long double sum = 0;
     sample.each([&](long double x, long double w) {
@@ -62,7 +65,8 @@ Moments momentsOf(const Sample& sample) {
         lowest = std::min(lowest, x);
         highest = std::max(highest, x);
     });
-    if (lowest == highest) {
+    // The bounds pass over NaN, the sum does not.
+    if (lowest == highest && !std::isnan(first)) {
         result.mean = lowest;
         return result;
     }
@@ -91,7 +95,7 @@ double V_Sum(const double* values, int n) {
 }
 
 double V_Mean2(const double* values, int n) {
-    const Moments moments = momentsOf({values, n, nullptr, nullptr});
+    const Moments moments = momentsOf(Sample<>{values, n, nullptr, nullptr});
     return orMissing(moments.weight > 0, moments.mean);
 }
 
@@ -113,7 +117,7 @@ double V_QuantileMW(const double* values, int n, const short* flags, const doubl
 
 void V_MeanStdev(const double* values, int n, double& mean, double& stdev, const short* flags, const double* weights,
                  short sample, short) {
-    const Moments moments = momentsOf({values, n, flags, weights});
+    const Moments moments = momentsOf(Sample<>{values, n, flags, weights});
     const long double divisor = moments.weight - (isTrue(sample) ? 1 : 0);
     mean = orMissing(moments.weight > 0, moments.mean);
     stdev = orMissing(divisor > 0, std::sqrt(moments.m2 * moments.weight / divisor));
@@ -123,7 +127,7 @@ void V_MeanVarSkewPKurtP(const double* values, int n, double& mean, double& vari
                          double& kurtosisPearson, double& skewnessFisher, double& kurtosisFisher,
                          double& standardErrorSkewness, double& standardErrorKurtosis, const short* flags,
                          const double* weights, short, short) {
-    const Moments moments = momentsOf({values, n, flags, weights});
+    const Moments moments = momentsOf(Sample<>{values, n, flags, weights});
     const long double w = moments.weight;
     const bool varies = moments.m2 > 0;
     const long double g1 = moments.m3 / (moments.m2 * std::sqrt(moments.m2));
@@ -141,16 +145,17 @@ void V_MeanVarSkewPKurtP(const double* values, int n, double& mean, double& vari
 
 void V_GMeanGSD(const double* values, int n, const short* flags, const double* weights, double& mean,
                 double& deviation) {
-    const Sample sample{values, n, flags, weights};
+    const Sample<> sample{values, n, flags, weights};
     bool positive = true;
     sample.each([&](long double x, long double) { positive = positive && x > 0; });
     mean = deviation = MissingValue;
     if (!positive) {
         return;
     }
-    std::vector<double> logs(static_cast<std::size_t>(std::max(n, 0)));
-    std::transform(values, values + logs.size(), logs.begin(), [](double x) { return x > 0 ? std::log(x) : 0.0; });
-    const Moments moments = momentsOf({logs.data(), n, flags, weights});
+    std::vector<long double> logs(static_cast<std::size_t>(std::max(n, 0)));
+    std::transform(values, values + logs.size(), logs.begin(),
+                   [](long double x) { return x > 0 ? std::log(x) : 0.0L; });
+    const Moments moments = momentsOf(Sample<long double>{logs.data(), n, flags, weights});
     const long double w = moments.weight;
     mean = orMissing(w > 0, std::exp(moments.mean));
     deviation = orMissing(w > 1, std::exp(std::sqrt(moments.m2 * w / (w - 1))));
@@ -160,7 +165,7 @@ double V_HarmonicMean(const double* values, int n, const short* flags, const dou
     bool positive = true;
     long double weight = 0;
     long double inverses = 0;
-    Sample{values, n, flags, weights}.each([&](long double x, long double w) {
+    Sample<>{values, n, flags, weights}.each([&](long double x, long double w) {
         positive = positive && x > 0;
         weight += w;
         inverses += w / x;
@@ -171,7 +176,7 @@ double V_HarmonicMean(const double* values, int n, const short* flags, const dou
 double V_MeanAbsDev(const double* values, int n, double mean, const short* flags, const double* weights) {
     long double weight = 0;
     long double sum = 0;
-    Sample{values, n, flags, weights}.each([&](long double x, long double w) {
+    Sample<>{values, n, flags, weights}.each([&](long double x, long double w) {
         weight += w;
         sum += w * std::abs(x - static_cast<long double>(mean));
     });
@@ -187,7 +192,7 @@ double V_MedianAbsDev(const double* values, int n, double median, const short* f
 
 double V_Freq(const double* values, int n, const double* weights, double value, double tolerance) {
     long double weight = 0;
-    Sample{values, n, nullptr, weights}.each([&](long double x, long double w) {
+    Sample<>{values, n, nullptr, weights}.each([&](long double x, long double w) {
         if (std::abs(x - static_cast<long double>(value)) <= static_cast<long double>(tolerance)) {
             weight += w;
         }

@@ -164,6 +164,42 @@ TEST(VectorStatistics, GeometricAndHarmonicMeansNeedPositiveValues) {
     EXPECT_EQ(V_HarmonicMean(withZero, 3, nullptr, nullptr), MissingValue);
 }
 
+// A logarithm of 690 rounded to a double loses three digits of the mean.
+TEST(VectorStatistics, GeometricMeansKeepTheirDigitsFarFromOne) {
+    double mean = 0;
+    double deviation = 0;
+    for (const double x : {0.1, 3.7, 1e-300, 0x1.fffffffffffffp+1000, 7e250}) {
+        const double equal[] = {x, x, x};
+        V_GMeanGSD(equal, 3, nullptr, nullptr, mean, deviation);
+        EXPECT_EQ(mean, x);
+        EXPECT_EQ(deviation, 1);
+        const double apart[] = {x / 2, x * 2};
+        V_GMeanGSD(apart, 2, nullptr, nullptr, mean, deviation);
+        EXPECT_DOUBLE_EQ(mean, x);
+        EXPECT_DOUBLE_EQ(deviation, 2.6651441426902251886);  // exp(sqrt(2) log 2) = 2^sqrt(2)
+    }
+}
+
+TEST(VectorStatistics, NaNAmongEqualValuesIsNoConstant) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    for (const std::vector<double>& values : {std::vector<double>{4, nan, 4, 4}, {nan, 4, 4, 4}, {4, 4, 4, nan}}) {
+        double found[8] = {};
+        V_MeanVarSkewPKurtP(values.data(), 4, found[0], found[1], found[2], found[3], found[4], found[5], found[6],
+                            found[7], nullptr, nullptr, 0, 0);
+        EXPECT_TRUE(std::isnan(found[0]));
+        EXPECT_TRUE(std::isnan(found[1]));
+        double mean = 0;
+        double stdev = 0;
+        V_MeanStdev(values.data(), 4, mean, stdev, nullptr, nullptr, hostTrue, 0);
+        EXPECT_TRUE(std::isnan(mean));
+        EXPECT_TRUE(std::isnan(stdev));
+        EXPECT_TRUE(std::isnan(V_Mean2(values.data(), 4)));
+        EXPECT_EQ(V_IsConstant(values.data(), 4, -1, 1), hostFalse);
+        V_GMeanGSD(values.data(), 4, nullptr, nullptr, mean, stdev);
+        EXPECT_FALSE(mean == 4 || stdev == 1);
+    }
+}
+
 TEST(VectorStatistics, AbsoluteDeviationsFrequenciesAndExtremes) {
     const double values[] = {1, 2, 3, 4, 10};
     EXPECT_EQ(V_MeanAbsDev(values, 5, 4, nullptr, nullptr), 2.4);
@@ -288,6 +324,34 @@ TEST(TriangularByQuantiles, EndsReproduceTheQuantiles) {
     EXPECT_TRUE(std::isnan(lower) && std::isnan(upper));
     TriangularQFindAB(7, 3, 1, 0.1, 0.9, lower, upper);
     EXPECT_TRUE(std::isnan(lower) && std::isnan(upper));
+}
+
+// The mode of these laws is one of their ends, which rounding may put an epsilon beyond it.
+TEST(TriangularByQuantiles, AModeAtAnEndOfTheLawIsThatEnd) {
+    for (const double mode : {0.0, 1.0, -7.3, 1e6, 0.1}) {
+        for (const double width : {1.0, 0.3, 12.5, 1e-3}) {
+            for (const double q1 : {0.01, 0.05, 0.1, 0.25, 1.0 / 3}) {
+                for (const double q2 : {0.5, 0.75, 0.9, 0.95, 0.99}) {
+                    SCOPED_TRACE(testing::Message() << mode << " " << width << " " << q1 << " " << q2);
+                    // Falling from the mode: Q(q) = mode + width (1 - sqrt(1 - q)).
+                    double lower = 0;
+                    double upper = 0;
+                    TriangularQFindAB(mode + width * (1 - std::sqrt(1 - q1)), mode,
+                                      mode + width * (1 - std::sqrt(1 - q2)), q1, q2, lower, upper);
+                    const double accuracy = 1e-12 * width + 20 * std::abs(mode) * 0x1p-52;
+                    EXPECT_NEAR(lower, mode, accuracy);
+                    EXPECT_LE(lower, mode);
+                    EXPECT_NEAR(upper, mode + width, accuracy);
+                    // Rising to it: Q(q) = mode - width (1 - sqrt(q)).
+                    TriangularQFindAB(mode - width * (1 - std::sqrt(1 - q2)), mode,
+                                      mode - width * (1 - std::sqrt(1 - q1)), 1 - q2, 1 - q1, lower, upper);
+                    EXPECT_NEAR(lower, mode - width, accuracy);
+                    EXPECT_NEAR(upper, mode, accuracy);
+                    EXPECT_GE(upper, mode);
+                }
+            }
+        }
+    }
 }
 
 }  // namespace
