@@ -96,7 +96,7 @@ double stratifiedUniform(const Generator& generator, int strata, int stream, Bou
             return uniform;
         }
         const double stratum = column ? column[static_cast<int>(left) - 1] : left;
-        const double result = (uniform + (stratum - 1.0)) / strata;  // exactly the uniform for one stratum
+        const double result = uniformInStratum(uniform, stratum, strata);
         left -= 1.0;
         if (bounds.settles(result)) {
             return result;
