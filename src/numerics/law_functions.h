@@ -4,6 +4,7 @@
 #include <array>
 #include <limits>
 
+#include "numerics/large_shapes.h"
 #include "quorva/catalogue.h"
 
 namespace quorva {
@@ -47,6 +48,9 @@ double directQuantile(int law, double u, const LawParameters& parameters);
 Support supportOf(const LawFunctions& law, const LawParameters& parameters);
 
 namespace laws {
+/// The point beyond which, on the given side, lies the probability `tail` <= 1/2 of the gamma law of scale 1.
+double gammaQuantile(double tail, Side side, double shape);
+
 // Families; each is defined in the file of its name.
 extern const LawFunctions beta, fisher, pert, beta4, arcsine;                                    // laws_beta.cpp
 extern const LawFunctions chiSquare, gamma1, gamma2, gamma3, erlang;                             // laws_gamma.cpp

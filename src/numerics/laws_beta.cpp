@@ -1,5 +1,6 @@
 // Beta laws and those that are beta laws under another name.
 #include <algorithm>
+#include <boost/math/special_functions/log1p.hpp>
 #include <cmath>
 #include <numbers>
 
@@ -7,7 +8,6 @@
 #include "numerics/incomplete_functions.h"
 #include "numerics/law_functions.h"
 #include "numerics/newton.h"
-#include "numerics/normal.h"
 
 namespace quorva::laws {
 namespace {
@@ -31,11 +31,24 @@ bool liesOnEnds(double alpha, double beta) { return std::min(alpha, beta) < poin
 /// P(Z = 0) of a law that lies on the ends.
 double weightOfZero(double alpha, double beta) { return 1 / (1 + alpha / beta); }
 
+/// v -> log(1 + v) - v without cancellation, v > 0.
+Extended log1pMinus(Extended v) { return v < 1 ? boost::math::log1pmx(v, NumericPolicy()) : std::log1p(v) - v; }
+
+/// log Gamma(beta) - log Gamma(alpha + beta); of a large beta by Stirling's series, so that nothing cancels.
+Extended logGammaRatio(Extended alpha, Extended beta) {
+    if (beta < 1e5L) {
+        return boost::math::lgamma(beta, NumericPolicy()) - boost::math::lgamma(alpha + beta, NumericPolicy());
+    }
+    const auto remainder = [](Extended x) { return (1 - 1 / (30 * x * x)) / (12 * x); };
+    const Extended t = alpha / beta;
+    return remainder(beta) - remainder(alpha + beta) - alpha * std::log(beta) - beta * log1pMinus(t) -
+           (alpha - 0.5L) * std::log1p(t);
+}
+
 /// Far down the lower tail P(Z <= z) is z^alpha / (alpha B(alpha, beta)), as long as beta z is small against 1. This is
 /// the logarithm of the denominator.
 Extended logPowerScale(Extended alpha, Extended beta) {
-    return boost::math::lgamma(alpha + 1, NumericPolicy()) + boost::math::lgamma(beta, NumericPolicy()) -
-           boost::math::lgamma(alpha + beta, NumericPolicy());
+    return boost::math::lgamma(alpha + 1, NumericPolicy()) + logGammaRatio(alpha, beta);
 }
 
 /// So close to 0 the power is exact, and the general functions run out of normal doubles.
@@ -47,6 +60,23 @@ double powerCdf(Extended z, double alpha, double beta) {
 
 Extended powerQuantile(double u, double alpha, double beta) {
     return std::exp((std::log(static_cast<Extended>(u)) + logPowerScale(alpha, beta)) / alpha);
+}
+
+/// Above this size of a parameter the general function loses digits in doubles.
+constexpr double magnifying = 1e5;
+
+/// Below this size the general function runs out of normal doubles on its way to the result.
+constexpr double vanishing = 1e-270;
+
+/// I_x(alpha, beta), y = 1 - x.
+double lowerTail(double alpha, double beta, Extended x, Extended y) {
+    if (std::max(alpha, beta) <= magnifying) {
+        const double tail = betaLower(alpha, beta, static_cast<double>(x), static_cast<double>(y));
+        if (!(tail < vanishing)) {
+            return tail;
+        }
+    }
+    return static_cast<double>(betaLower<Extended>(alpha, beta, x, y));
 }
 
 /// P(Z <= z); in closed form for the arcsine law, on whose upper half the general function loses digits.
@@ -62,47 +92,75 @@ double standardCdf(UnitPoint z, double alpha, double beta) {
     if (isPower(z.fromZero, beta)) {
         return powerCdf(z.fromZero, alpha, beta);
     }
-    return betaLower(alpha, beta, static_cast<double>(z.fromZero), static_cast<double>(z.fromOne));
+    return lowerTail(alpha, beta, z.fromZero, z.fromOne);
 }
 
-/// A first estimate of the point with P(Z <= z) = u, by its distances from both ends.
-UnitPoint guessOf(double u, double alpha, double beta) {
+/// The point with P(Z <= z) = u where the lower tail is a power of z; else about 1.
+Extended powerEstimate(double u, double alpha, double beta) {
     const bool farDown = u < 1e-10 || std::log(u) < -500 * alpha;
-    const Extended power = farDown ? powerQuantile(u, alpha, beta) : 1;
-    if (power * std::max(1.0, beta) < 1e-3L) {
-        return {power, 1};
-    }
-    if (isAsymptotic(alpha, beta)) {
-        const double ratio = beta / alpha;
-        const double mean = 1 / (1 + ratio);
-        const double deviation = std::sqrt(ratio / alpha / (1 + ratio)) * mean;
-        const double z = std::clamp(mean + deviation * normalQuantile(u), 0.0, 1.0);
-        return {z, 1 - z};
-    }
-    double fromOne = 0;
-    const double fromZero = boost::math::ibeta_inv(alpha, beta, u, &fromOne, NumericPolicy());
-    return {fromZero, fromOne};
+    return farDown ? powerQuantile(u, alpha, beta) : 1;
+}
+
+/// The point with P(Z <= z) = u for u <= 1/2 and large parameters.
+UnitPoint largeLowerQuantile(double u, Extended alpha, Extended beta) {
+    const Extended smaller = std::min(alpha, beta);
+    const Extended larger = std::max(alpha, beta);
+    const Extended ratio = smaller / larger;
+    const Extended excess = largeShapeQuantile(u, alpha <= beta ? Side::Lower : Side::Upper, smaller, ratio);
+    const Extended fromSmaller = smaller / (alpha + beta) * (1 + excess);
+    const Extended fromLarger = larger / (alpha + beta) * (1 - ratio * excess);
+    return alpha <= beta ? UnitPoint{fromSmaller, fromLarger} : UnitPoint{fromLarger, fromSmaller};
+}
+
+/// The density of I_x(alpha, beta).
+double density(double alpha, double beta, double x) {
+    return std::max(alpha, beta) > magnifying
+               ? static_cast<double>(
+                     boost::math::ibeta_derivative<Extended, Extended, Extended>(alpha, beta, x, NumericPolicy()))
+               : boost::math::ibeta_derivative(alpha, beta, x, NumericPolicy());
+}
+
+/// NaN stays NaN.
+double atMostOne(double x) { return x > 1 ? 1 : x; }
+
+/// The same where one parameter is so large that the law is a gamma law.
+UnitPoint gammaLikeLowerQuantile(double u, Extended alpha, Extended beta) {
+    const Extended shape = std::min(alpha, beta);
+    const Extended rate = std::max(alpha, beta) + (shape - 1) / 2;
+    const Extended hazard =
+        gammaQuantile(u, alpha < beta ? Side::Lower : Side::Upper, static_cast<double>(shape)) / rate;
+    const Extended near = -std::expm1(-hazard);
+    const Extended far = std::exp(-hazard);
+    return alpha < beta ? UnitPoint{near, far} : UnitPoint{far, near};
 }
 
 /// The point with P(Z <= z) = u for u <= 1/2, found at the end of the interval to which it is nearer.
 UnitPoint lowerQuantile(double u, double alpha, double beta) {
-    const UnitPoint guess = guessOf(u, alpha, beta);
-    if (isPower(guess.fromZero, beta)) {
-        return guess;
+    if (isLargeBeta(alpha, beta)) {
+        return largeLowerQuantile(u, alpha, beta);
+    }
+    const Extended power = powerEstimate(u, alpha, beta);
+    if (isPower(power, beta)) {
+        return {power, 1};
+    }
+    if (std::max(alpha, beta) > gammaLike) {
+        return gammaLikeLowerQuantile(u, alpha, beta);
+    }
+    UnitPoint guess{power, 1};
+    if (!(power * std::max(1.0, beta) < 1e-3L)) {
+        double fromOne = 0;
+        const double fromZero = boost::math::ibeta_inv(alpha, beta, u, &fromOne, GuessPolicy());
+        guess = {fromZero, fromOne};
     }
     if (guess.fromZero <= guess.fromOne) {
-        const double fromZero =
-            std::min(1.0, polished(static_cast<double>(guess.fromZero), u, [=](double x) {
-                         return TailPoint{betaLower(alpha, beta, x, 1 - x),
-                                          boost::math::ibeta_derivative(alpha, beta, x, NumericPolicy())};
-                     }));
+        const double fromZero = atMostOne(polished(static_cast<double>(guess.fromZero), u, [=](double x) {
+            return TailPoint{lowerTail(alpha, beta, x, 1 - static_cast<Extended>(x)), density(alpha, beta, x)};
+        }));
         return {fromZero, 1 - fromZero};
     }
-    const double fromOne =
-        std::min(1.0, polished(static_cast<double>(guess.fromOne), u, [=](double y) {
-                     return TailPoint{betaLower(alpha, beta, 1 - y, y),
-                                      -boost::math::ibeta_derivative(beta, alpha, y, NumericPolicy())};
-                 }));
+    const double fromOne = atMostOne(polished(static_cast<double>(guess.fromOne), u, [=](double y) {
+        return TailPoint{lowerTail(alpha, beta, 1 - static_cast<Extended>(y), y), -density(beta, alpha, y)};
+    }));
     return {1 - fromOne, fromOne};
 }
 

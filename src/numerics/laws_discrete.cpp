@@ -13,6 +13,8 @@ namespace {
 
 using Extended = long double;
 
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
 /// P(X <= k) and P(X > k), each to its own relative precision.
 struct Tails {
     Extended lower;
@@ -43,8 +45,14 @@ bool reaches(const Tails& tails, double u) {
     return neededFor(u) == Needed::Lower ? static_cast<double>(tails.lower) >= u : tails.upper <= 1 - u;
 }
 
-/// The largest u that these tails reach: next to the distribution function, to the last bit.
+/// Whether the evaluation did not converge.
+bool isUnknown(const Tails& tails) { return std::isnan(tails.lower) || std::isnan(tails.upper); }
+
+/// The largest u that these tails reach: next to the distribution function, to the last bit. NaN where it is unknown.
 double largestReached(const Tails& tails) {
+    if (isUnknown(tails)) {
+        return notANumber;
+    }
     double u = tails.upper <= 0 ? 1.0 : std::min(static_cast<double>(tails.lower), 1.0);
     while (u > 0 && !reaches(tails, u)) {
         u = std::nextafter(u, 0.0);
@@ -56,36 +64,42 @@ double largestReached(const Tails& tails) {
 }
 
 /// The smallest integer that reaches u: from a normal guess corrected for skewness, steps that double until the answer
-/// is enclosed, then bisection.
+/// is enclosed, then bisection. NaN where a tail on the way is unknown.
 template <class TailsAt>
 double smallestReaching(double u, const Shape& shape, TailsAt tailsAt) {
+    bool known = true;
+    const auto reachedAt = [&](double k) {
+        const Tails tails = tailsAt(k);
+        known = known && !isUnknown(tails);
+        return reaches(tails, u);
+    };
     const double z = normalQuantile(u);
     const double guess = shape.mean + shape.deviation * (z + shape.skewness * (z * z - 1) / 6);
     const double start = std::clamp(std::floor(std::isfinite(guess) ? guess : shape.mean), shape.lowest, shape.highest);
     double step = std::max(1.0, std::floor(shape.deviation / 16));
     double reached = start;
     double below = start;
-    if (reaches(tailsAt(start), u)) {
+    if (reachedAt(start)) {
         do {
             reached = below;
             below = std::max(reached - step, shape.lowest - 1);
             step *= 2;
-        } while (below >= shape.lowest && reaches(tailsAt(below), u));
+        } while (below >= shape.lowest && reachedAt(below));
     } else {
         do {
             below = reached;
             reached = std::min(below + step, shape.highest);
             step *= 2;
-        } while (reached < shape.highest && reached > below && !reaches(tailsAt(reached), u));
+        } while (reached < shape.highest && reached > below && !reachedAt(reached));
     }
     while (reached - below > 1) {
         const double middle = std::floor(below + (reached - below) / 2);
         if (middle <= below || middle >= reached) {
             break;
         }
-        (reaches(tailsAt(middle), u) ? reached : below) = middle;
+        (reachedAt(middle) ? reached : below) = middle;
     }
-    return reached;
+    return known ? reached : notANumber;
 }
 
 bool isWhole(double x) { return x == std::floor(x); }

@@ -9,6 +9,8 @@
 namespace quorva::laws {
 namespace {
 
+using Extended = long double;
+
 /// Below this shape all but the last digit of the probability lies on numbers too small for a double.
 constexpr double pointLike = 1e-250;
 
@@ -34,18 +36,26 @@ double powerGuess(double u, double shape) {
 }
 
 double standardQuantile(double u, double shape) {
-    if (shape < pointLike) {
-        return 0;
+    return u > 0.5 ? gammaQuantile(1 - u, Side::Upper, shape) : gammaQuantile(u, Side::Lower, shape);
+}
+
+/// x -> P(X <= x) of a shape, scale and location. The law of a large shape is so narrow beside its mean that the scaled
+/// argument must not be rounded to a double.
+double cdfOf(double x, double shape, double scale, double location) {
+    if (shape > largeShape) {
+        return static_cast<double>(gammaLower<Extended>(shape, (static_cast<Extended>(x) - location) / scale));
     }
-    if (u > 0.5) {
-        const double rest = 1 - u;
-        return polished(boost::math::gamma_q_inv(shape, rest, NumericPolicy()), rest, [shape](double x) {
-            return TailPoint{standardSurvival(x, shape), -density(x, shape)};
-        });
+    return standardCdf((x - location) / scale, shape);
+}
+
+double quantileOf(double u, double shape, double scale, double location) {
+    if (shape > largeShape) {
+        const Extended excess =
+            u > 0.5 ? largeShapeQuantile(1 - u, Side::Upper, shape, 0) : largeShapeQuantile(u, Side::Lower, shape, 0);
+        const Extended mean = static_cast<Extended>(shape) * scale;
+        return static_cast<double>(location + mean + mean * excess);
     }
-    const double power = powerGuess(u, shape);
-    const double guess = power < 1e-3 ? power : boost::math::gamma_p_inv(shape, u, NumericPolicy());
-    return polished(guess, u, [shape](double x) { return TailPoint{standardCdf(x, shape), density(x, shape)}; });
+    return location + scale * standardQuantile(u, shape);
 }
 
 Support gammaSupport(double shape, double scale, double location) {
@@ -54,27 +64,45 @@ Support gammaSupport(double shape, double scale, double location) {
 
 }  // namespace
 
-constinit const LawFunctions chiSquare{
-    1, false, [](const LawParameters& p) { return gammaSupport(p[0], 2, 0); },
-    [](double x, const LawParameters& p) { return standardCdf(x / 2, p[0] / 2); },
-    [](double u, const LawParameters& p) { return 2 * standardQuantile(u, p[0] / 2); }};
+double gammaQuantile(double tail, Side side, double shape) {
+    if (shape < pointLike) {
+        return 0;
+    }
+    if (shape > largeShape) {
+        return static_cast<double>(shape + shape * largeShapeQuantile(tail, side, shape, 0));
+    }
+    if (side == Side::Upper) {
+        return polished(boost::math::gamma_q_inv(shape, tail, GuessPolicy()), tail, [shape](double x) {
+            return TailPoint{standardSurvival(x, shape), -density(x, shape)};
+        });
+    }
+    const double power = powerGuess(tail, shape);
+    const double guess = power < 1e-3 ? power : boost::math::gamma_p_inv(shape, tail, GuessPolicy());
+    return polished(guess, tail, [shape](double x) { return TailPoint{standardCdf(x, shape), density(x, shape)}; });
+}
+
+constinit const LawFunctions chiSquare{1, false, [](const LawParameters& p) { return gammaSupport(p[0], 2, 0); },
+                                       [](double x, const LawParameters& p) { return cdfOf(x, p[0] / 2, 2, 0); },
+                                       [](double u, const LawParameters& p) { return quantileOf(u, p[0] / 2, 2, 0); }};
 
 constinit const LawFunctions gamma1{1, false, [](const LawParameters& p) { return gammaSupport(p[0], 1, 0); },
-                                    [](double x, const LawParameters& p) { return standardCdf(x, p[0]); },
-                                    [](double u, const LawParameters& p) { return standardQuantile(u, p[0]); }};
+                                    [](double x, const LawParameters& p) { return cdfOf(x, p[0], 1, 0); },
+                                    [](double u, const LawParameters& p) { return quantileOf(u, p[0], 1, 0); }};
 
 constinit const LawFunctions gamma2{2, false, [](const LawParameters& p) { return gammaSupport(p[0], p[1], 0); },
-                                    [](double x, const LawParameters& p) { return standardCdf(x / p[1], p[0]); },
-                                    [](double u, const LawParameters& p) { return p[1] * standardQuantile(u, p[0]); }};
+                                    [](double x, const LawParameters& p) { return cdfOf(x, p[0], p[1], 0); },
+                                    [](double u, const LawParameters& p) { return quantileOf(u, p[0], p[1], 0); }};
 
-constinit const LawFunctions gamma3{
-    3, false, [](const LawParameters& p) { return gammaSupport(p[0], p[1], p[2]); },
-    [](double x, const LawParameters& p) { return standardCdf((x - p[2]) / p[1], p[0]); },
-    [](double u, const LawParameters& p) { return p[2] + p[1] * standardQuantile(u, p[0]); }};
+constinit const LawFunctions gamma3{3, false, [](const LawParameters& p) { return gammaSupport(p[0], p[1], p[2]); },
+                                    [](double x, const LawParameters& p) { return cdfOf(x, p[0], p[1], p[2]); },
+                                    [](double u, const LawParameters& p) { return quantileOf(u, p[0], p[1], p[2]); }};
 
 constinit const LawFunctions erlang{
     2, false, [](const LawParameters& p) { return definedIf(p[1] > 0, gammaSupport(p[0], 1, 0)); },
-    [](double x, const LawParameters& p) { return standardCdf(x * p[1], p[0]); },
-    [](double u, const LawParameters& p) { return standardQuantile(u, p[0]) / p[1]; }};
+    [](double x, const LawParameters& p) {
+        return p[0] > largeShape ? static_cast<double>(gammaLower<Extended>(p[0], static_cast<Extended>(x) * p[1]))
+                                 : standardCdf(x * p[1], p[0]);
+    },
+    [](double u, const LawParameters& p) { return quantileOf(u, p[0], 1, 0) / p[1]; }};
 
 }  // namespace quorva::laws

@@ -7,6 +7,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "numerics/law_table.h"
@@ -136,8 +137,13 @@ std::optional<SteppedQuantile> stepsOf(const LawFunctions& functions, const Supp
         return std::nullopt;
     }
     const double floor = first > support.lower ? functions.largestProbability(first - 1, shape) : 0.0;
-    return SteppedQuantile(first, last, floor,
-                           [&](double k) { return k >= support.upper ? 1.0 : functions.largestProbability(k, shape); });
+    bool known = !std::isnan(floor);
+    SteppedQuantile steps(first, last, floor, [&](double k) {
+        const double largest = k >= support.upper ? 1.0 : functions.largestProbability(k, shape);
+        known = known && !std::isnan(largest);
+        return largest;
+    });
+    return known ? std::optional(std::move(steps)) : std::nullopt;
 }
 
 std::unique_ptr<Entry> build(const Standardised& law) {

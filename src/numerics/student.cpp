@@ -1,5 +1,6 @@
 #include "numerics/student.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -15,16 +16,20 @@ namespace {
 long double upperTail(long double t, long double df) {
     const long double t2 = t * t;
     const long double y = t2 / (df + t2);
-    return y < 0.5L ? boost::math::ibetac(0.5L, df / 2, y, NumericPolicy()) / 2
-                    : boost::math::ibeta(df / 2, 0.5L, df / (df + t2), NumericPolicy()) / 2;
+    return orNaN([=] {
+        return y < 0.5L ? boost::math::ibetac(0.5L, df / 2, y, NumericPolicy()) / 2
+                        : boost::math::ibeta(df / 2, 0.5L, df / (df + t2), NumericPolicy()) / 2;
+    });
 }
 
 /// P(0 < T <= t): the distance from the median, without 1/2 to cancel.
 long double central(long double t, long double df) {
     const long double t2 = t * t;
     const long double y = t2 / (df + t2);
-    return y < 0.5L ? boost::math::ibeta(0.5L, df / 2, y, NumericPolicy()) / 2
-                    : boost::math::ibetac(df / 2, 0.5L, df / (df + t2), NumericPolicy()) / 2;
+    return orNaN([=] {
+        return y < 0.5L ? boost::math::ibeta(0.5L, df / 2, y, NumericPolicy()) / 2
+                        : boost::math::ibetac(df / 2, 0.5L, df / (df + t2), NumericPolicy()) / 2;
+    });
 }
 
 /// The density at t; beta is B(1/2, df/2).
@@ -51,26 +56,30 @@ double positiveQuantile(double q, double c, double df) {
     if (x < 1e-20L) {
         return static_cast<double>(std::sqrt(df / x));
     }
+    // Next to the median c is the density there times t, but for a term in t^3.
+    const long double straight = c * std::sqrt(static_cast<long double>(df)) * beta;
+    const long double bend = straight * straight * (df + 1.0L) / (6.0L * df);
+    if (bend < 1e-10L) {
+        return static_cast<double>(straight * (1 + bend));
+    }
     double complement = 0;
-    const double y = c < 0.25 ? boost::math::ibeta_inv(0.5, df / 2, 2 * c, &complement, NumericPolicy())
-                              : boost::math::ibetac_inv(0.5, df / 2, 2 * q, &complement, NumericPolicy());
+    const double y = c < 0.25 ? boost::math::ibeta_inv(0.5, df / 2, 2 * c, &complement, GuessPolicy())
+                              : boost::math::ibetac_inv(0.5, df / 2, 2 * q, &complement, GuessPolicy());
     long double t = std::sqrt(static_cast<long double>(df) * y / complement);
     if (!std::isfinite(t) || t <= 0) {
         return static_cast<double>(t);
     }
-    for (int step = 0; step < 2; ++step) {
+    for (int step = 0; step < 50; ++step) {
         const long double error = c < 0.25 ? c - central(t, df) : upperTail(t, df) - q;
-        const long double newton = error / density(t, df, beta);
-        if (!std::isfinite(newton) || std::abs(newton) > t / 2) {
-            break;
-        }
+        // Kept on its side of the median, however poor the guess.
+        const long double newton = std::clamp(error / density(t, df, beta), -t / 2, t);
         t += newton;
         // The error left is of the order of the square of the step.
         if (std::abs(newton) < 1e-11L * t) {
-            break;
+            return static_cast<double>(t);
         }
     }
-    return static_cast<double>(t);
+    return std::numeric_limits<double>::quiet_NaN();
 }
 
 }  // namespace

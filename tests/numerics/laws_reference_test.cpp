@@ -1,4 +1,4 @@
-// The laws against tables made by an independent program (reference/laws.py).
+// The laws against tables made by independent programs (reference/laws.py, reference/large_laws.py).
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -79,9 +79,18 @@ double relativeError(double value, double expected) {
     return value == expected ? 0 : std::abs(value - expected) / std::abs(expected);
 }
 
+/// Distribution functions or quantiles: ordinary laws, then laws with huge parameters.
+std::vector<Row> tables(const std::string& what) {
+    auto rows = table("laws_" + what + ".txt");
+    const auto large = table("large_laws_" + what + ".txt");
+    EXPECT_GT(rows.size(), 4000u);
+    EXPECT_GT(large.size(), 250u);
+    rows.insert(rows.end(), large.begin(), large.end());
+    return rows;
+}
+
 TEST(LawsReference, DistributionFunctions) {
-    const auto rows = table("laws_cdf.txt");
-    ASSERT_GT(rows.size(), 4000u);
+    const auto rows = tables("cdf");
     Worst worst;
     for (const auto& row : rows) {
         const double value = CDFFunction(row.law() - 1, row.input(), row.p(1), row.p(2), row.p(3), row.p(4));
@@ -107,8 +116,7 @@ void drawOften(const Row& row) {
 }
 
 TEST_P(LawsReferenceQuantiles, AreWithinTheirAccuracy) {
-    const auto rows = table("laws_quantile.txt");
-    ASSERT_GT(rows.size(), 4000u);
+    const auto rows = tables("quantile");
     Worst worst;
     std::vector<double> drawn;
     for (const auto& row : rows) {
@@ -167,7 +175,7 @@ TEST(CoreReference, NormalFunctions) {
 
 TEST(CoreReference, StudentQuantile) {
     double worst = 0;
-    for (const auto& row : table("laws_quantile.txt")) {
+    for (const auto& row : tables("quantile")) {
         if (row.law() == 19) {
             const double value = InvCDFStudent(row.input(), row.p(1));
             EXPECT_TRUE(isExact(value, row.expected())) << row.text << " got " << value;

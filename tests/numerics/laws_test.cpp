@@ -4,7 +4,9 @@
 
 #include <cmath>
 
+#include "numerics/boost_policy.h"
 #include "numerics/core.h"
+#include "numerics/newton.h"
 
 namespace quorva {
 namespace {
@@ -71,6 +73,27 @@ TEST(Laws, ExtremeValuesReachTheEndOfTheirSupportAndNotBefore) {
     EXPECT_EQ(CDFFunction(23, -outside, scale, -2, -location, 0), 0);
     EXPECT_NEAR(CDFFunction(23, -inside, scale, -2, -location, 0), std::exp(-1 / std::sqrt(2.328305881427184e-10)),
                 1e-15);
+}
+
+// The last term of a series that was cut off is off by any amount; here 4 percent.
+TEST(Convergence, AnEvaluationThatDoesNotConvergeIsNaN) {
+    EXPECT_TRUE(std::isnan(orNaN([] { return boost::math::gamma_p(1e10L, 1e10L + 5e4L, NumericPolicy()); })));
+    EXPECT_TRUE(std::isnan(polished(1.0, 0.3, [](double) { return TailPoint{std::nan(""), 1.0}; })));
+    // A tail that Newton's method turns round and round.
+    EXPECT_TRUE(std::isnan(polished(1.0, 0.25, [](double x) {
+        return x > 0.5 ? TailPoint{0.5, 0.5 / x} : TailPoint{0.125, 0.125 / x};
+    })));
+}
+
+// The law is narrower than a step of 1e-7 that would be small for others.
+TEST(Convergence, AStepIsJudgedByTheProbabilityItMoves) {
+    constexpr double deviation = 1e-8;
+    const auto tail = [](double x) {
+        const double z = (x - 1) / deviation;
+        return TailPoint{CDFNormalStd(z), std::exp(-z * z / 2) / 2.5066282746310002 / deviation};
+    };
+    const double x = polished(1.0, CDFNormalStd(-2), tail);
+    EXPECT_NEAR((x - 1) / deviation, -2, 1e-7);
 }
 
 }  // namespace
