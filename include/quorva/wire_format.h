@@ -78,7 +78,6 @@ constexpr int gridColumns = 256;  ///< columns 0 to 255
 constexpr int sheets = 10;
 constexpr int fields = 10'000;
 constexpr int sampleCells = 64'000'000;    ///< iterations x fields
-constexpr int strataCells = 268'435'456;   ///< (strata + 1) x distributions; more counts as out of memory
 constexpr int redraws = 10'000;            ///< of one draw, before it counts as impossible
 constexpr int spiderLabelCharacters = 19;  ///< of a text of Cpp_PrepareTor
 }  // namespace limit

@@ -1,6 +1,8 @@
 // From a described model to a running one: checks, numbers in name order, tables of the run, what is monitored.
 #include <algorithm>
 #include <cstdint>
+#include <limits>
+#include <new>
 
 #include "common/guarded.h"
 #include "common/whole_number.h"
@@ -33,16 +35,20 @@ std::int64_t cellsOf(std::int64_t rows, std::int64_t columns) {
     return std::max<std::int64_t>(rows, 0) * std::max<std::int64_t>(columns, 0);
 }
 
-/// The stratification table; false when it is too large to be held.
+/// The stratification table; false when there is no memory for it, or its rows cannot even be counted.
 bool createStrata(int inbuckets) {
     if (inbuckets < 1) {
         return true;
     }
-    if (cellsOf(std::int64_t{inbuckets} + 1, run.fields.nDist) > limit::strataCells) {
+    if (inbuckets == std::numeric_limits<int>::max()) {
         return false;
     }
     run.sampling.LhsTable = {};
-    run.sampling.LhsTable = matrix<double>(inbuckets + 1, run.fields.nDist);
+    try {
+        run.sampling.LhsTable = matrix<double>(inbuckets + 1, run.fields.nDist);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
     return true;
 }
 
@@ -123,11 +129,12 @@ int beginRun(int nSim, int inbuckets, const ConvergenceSettings& settings, int* 
         return fail(runerror::notDescribed);
     }
     int result = isTrue(run.error.flag) ? run.error.code : 0;
-    if (!createStrata(inbuckets)) {
-        return failOutOfMemory();
-    }
+    const bool stratified = createStrata(inbuckets);
     if (sampleCells(nSim) > limit::sampleCells) {
         return fail(callcode::tooManyCells);
+    }
+    if (!stratified) {
+        return failOutOfMemory();
     }
     if (checkVarlistDoubles() < 0) {
         return fail(runerror::duplicateName);

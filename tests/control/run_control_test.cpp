@@ -108,6 +108,26 @@ TEST_F(RunControl, AProductThatWrapsAround32BitsIsOutOfMemoryInsteadOfAHugeTable
     EXPECT_EQ(reportedError().code, -15);
 }
 
+TEST_F(RunControl, TooManyCellsAreReportedBeforeStrataBeyondMemory) {
+    smallModel();
+    prepare();
+    EXPECT_EQ(begin(32'000'001, 2'147'483'647), -12);
+    EXPECT_EQ(reportedError().code, 0) << "nothing is recorded";
+    EXPECT_TRUE(run.sampling.LhsTable.empty());
+}
+
+// 2,685 distributions with 100,000 strata, or as here one with as many cells: 2.1 GB.
+TEST_F(RunControl, StrataAreLimitedByMemoryAlone) {
+    constexpr int strata = 268'502'685;
+    if (!std::unique_ptr<double[]>(new (std::nothrow) double[strata + 1])) {
+        GTEST_SKIP() << "this machine has not the memory";
+    }
+    smallModel();
+    prepare();
+    EXPECT_EQ(begin(10, strata), 0);
+    EXPECT_EQ(run.sampling.LhsTable.rows(), strata + 1);
+}
+
 TEST_F(RunControl, StrataBeyondMemoryAreReported) {
     smallModel();
     prepare();
