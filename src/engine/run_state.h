@@ -64,11 +64,12 @@ constexpr int count = 5;
 }  // namespace groupcolumn
 
 /// Cell to field number for one sheet: 65,000 rows of 255 entries, 0 where no field is. The stride is 255 while
-/// columns up to 255 are accepted, so column 255 shares its entry with column 0 of the next row; this is intended.
+/// columns up to 255 are accepted, so column 255 shares its entry with column 0 of the next row; this is intended. The
+/// last row has no next one: its column 255 has an entry of its own.
 class FieldGrid {
 public:
     static constexpr std::size_t stride = 255;
-    static constexpr std::size_t entries = static_cast<std::size_t>(limit::gridRows) * stride;
+    static constexpr std::size_t entries = static_cast<std::size_t>(limit::gridRows) * stride + 1;
 
     bool allocated() const { return cells_ != nullptr; }
     /// Makes all entries 0, allocating on first use. False when there is no memory for it.
@@ -88,8 +89,7 @@ private:
         return static_cast<std::size_t>(row) * stride + static_cast<std::size_t>(column);
     }
     bool inside(int row, int column) const {
-        return cells_ && row >= 0 && row < limit::gridRows && column >= 0 && column < limit::gridColumns &&
-               position(row, column) < entries;
+        return cells_ && row >= 0 && row < limit::gridRows && column >= 0 && column < limit::gridColumns;
     }
     struct Release {
         void operator()(std::uint32_t* cells) const;

@@ -94,10 +94,18 @@ TEST_F(Registry, Column255SharesItsEntryWithTheNextRow) {
     EXPECT_EQ(recorded().code, -10);
 }
 
-TEST_F(Registry, TheEntryPastTheEndIsNeverTouched) {
+TEST_F(Registry, TheVeryLastCellHasAnEntryOfItsOwn) {
     init();
-    setFieldInfo(255, 64'999, 0, 5);
-    EXPECT_EQ(getFieldInfo(255, 64'999, 0), 0U);
+    enter(64'999, 255);
+    EXPECT_EQ(run.error.flag, hostFalse);
+    EXPECT_EQ(getFieldInfo(255, 64'999, 0), 1U);
+    EXPECT_EQ(getFieldInfo(254, 64'999, 0), 0U);
+    enter(64'999, 255);
+    EXPECT_EQ(recorded().code, -10);
+}
+
+TEST_F(Registry, NothingPastTheEndIsEverTouched) {
+    init();
     for (const int wild : {-1, -2'147'483'647, 65'000, 2'147'483'647}) {
         setFieldInfo(0, wild, 0, 5);
         setFieldInfo(wild, 0, 0, 5);
