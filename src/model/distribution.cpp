@@ -110,8 +110,7 @@ double drawOnce(const Distribution& distribution, int field) {
         }
         value = listed(distribution.list, value);
     }
-    recordValue(field, value);
-    run.sampling.lastValue = value;
+    recordInput(field, value);
     return value;
 }
 

@@ -20,6 +20,11 @@ int& counterOf(FieldKind kind) {
     }
 }
 
+void count(int field, double value) {
+    CalcSimStat(field, value);
+    run.fields.FieldTable(field, fieldcolumn::done) = 1.0;
+}
+
 void report(int code, const CallingCell& cell) { recordError(code, cell.row(), cell.column(), cell.sheetName()); }
 
 }  // namespace
@@ -79,13 +84,18 @@ int lookUpField(const CallingCell& cell, int slot, bool reported) {
 
 }  // namespace fieldevaluation
 
-void recordValue(int field, double value) {
+void recordInput(int field, double value) {
+    run.sampling.SampleStore(sampleRow(), field) = value;
+    run.sampling.lastValue = value;
+    count(field, value);
+}
+
+void recordOutput(int field, double value) {
     matrix<double>& store = run.sampling.SampleStore;
     if (store.contains(sampleRow(), field)) {
         store(sampleRow(), field) = value;
     }
-    CalcSimStat(field, value);
-    run.fields.FieldTable(field, fieldcolumn::done) = 1.0;
+    count(field, value);
 }
 
 }  // namespace quorva

@@ -68,9 +68,13 @@ inline bool isDone(int field) { return run.fields.FieldTable(field, fieldcolumn:
 /// The field's value of this iteration.
 inline double storedValue(int field) { return run.sampling.SampleStore(sampleRow(), field); }
 
-/// Takes the field's value of this iteration into the sample store, if it has a cell there, and into the running
-/// moments, and marks the field done.
-void recordValue(int field, double value);
+/// Takes the value that a distribution or scenario variable has in this iteration into the sample store and into the
+/// running moments, makes it the run's last value, and marks the field done. Before the first iteration, in row 0, the
+/// store's scratch element takes it, as it does any access outside, and storedValue reads it there.
+void recordInput(int field, double value);
+
+/// The same for a result or statistic, which leaves the scratch element alone and is not the last value.
+void recordOutput(int field, double value);
 
 /// The barrier of a worksheet function: its plain value when memory runs out, which is recorded.
 template <class Body, class PlainValue>

@@ -11,7 +11,7 @@ double recordOnce(int field, double formula) {
     if (isDone(field)) {
         return storedValue(field);
     }
-    recordValue(field, formula);
+    recordOutput(field, formula);
     return formula;
 }
 

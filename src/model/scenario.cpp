@@ -36,8 +36,7 @@ void describe(const ScenarioVariable& variable, int field) {
 double hold(int field) {
     const double value = run.fields.FieldTable(field, fieldcolumn::defaultValue);
     if (!isDone(field)) {
-        recordValue(field, value);
-        run.sampling.lastValue = value;
+        recordInput(field, value);
     }
     return value;
 }

@@ -63,7 +63,7 @@ double computeOnce(const XLOPER* reference, int own, int statistic) {
     run.fields.FieldTable(own, fieldcolumn::done) = 1.0;
     const int nObs = std::min(run.sampling.iteration, run.sampling.nSim);
     const double value = SimCalcStat(nObs, described, own, statistic);
-    recordValue(own, value);
+    recordOutput(own, value);
     return value;
 }
 
@@ -74,8 +74,11 @@ double evaluate(const char* name, const XLOPER* reference, int statistic, int vi
     const FieldEvaluation evaluation =
         evaluateField(FieldKind::Statistic, name, visible,
                       [&](int field, const CallingCell& cell, int) { describe(reference, statistic, field, cell); });
-    const bool computes = evaluation.status == RunStatus::Running && evaluation.takesPart();
-    return computes ? computeOnce(reference, evaluation.field, statistic) : 0.0;
+    if (evaluation.status != RunStatus::Running || isTrue(run.error.flag)) {
+        return 0.0;
+    }
+    // Without a calling cell there is nothing that the statistic could be of.
+    return evaluation.field > 0 ? computeOnce(reference, evaluation.field, statistic) : MissingValue;
 }
 
 }  // namespace

@@ -22,6 +22,26 @@ protected:
     }
 };
 
+// Row 0 of the store does not exist: inputs write the scratch element, and all read what was last written there.
+TEST_F(FieldKinds, BeforeTheFirstIterationTheSampleStoresScratchElementServes) {
+    normal({0, 0}, "a");
+    cell({1, 0}, [] { return QUORVA_SimSVar("b", 1, 4, 1, 1, 1, 3.7, 1); });
+    result({2, 0}, "c", [] { return 8.0; });
+    startRun(5);
+    const double drawn = evaluate(0);
+    EXPECT_EQ(run.sampling.SampleStore.scratch(), drawn);
+    EXPECT_EQ(evaluate(0), drawn) << "drawn once";
+    EXPECT_EQ(evaluate(2), 8.0);
+    EXPECT_EQ(evaluate(2), drawn) << "a result reads the element and does not write it";
+    evaluate(1);
+    EXPECT_EQ(evaluate(0), 3.7);
+    EXPECT_EQ(evaluate(2), 3.7);
+    ASSERT_EQ(iterate(), 0);
+    EXPECT_EQ(value(2), 8.0);
+    EXPECT_EQ(stored(1, u"c"), 8.0);
+    EXPECT_EQ(stored(1, u"a"), value(0));
+}
+
 // --- scenario variables
 
 TEST_F(FieldKinds, AScenarioVariableShowsTheMiddleOrItsDefault) {
@@ -165,6 +185,27 @@ TEST_F(FieldKinds, AStatisticOfAnEmptyCellIsMissing) {
     startRun(2);
     iterate();
     EXPECT_EQ(value(2), MissingValue);
+}
+
+TEST_F(FieldKinds, AStatisticWithoutACallingCellIsMissingWhileARunIsOn) {
+    normal({0, 0}, "a");
+    result({0, 1}, "b", [] { return 1.0; });
+    statistic({0, 2}, "c", {0, 1}, 13);
+    const auto called = [] {
+        fakeHost.calledFromCell = false;
+        XLOPER of = ownSheetReference(0, 1);
+        const double value = QUORVA_SimStat("c", &of, 13, 1);
+        fakeHost.calledFromCell = true;
+        return value;
+    };
+    EXPECT_EQ(called(), 0.0) << "no run";
+    startRun(2);
+    iterate();
+    EXPECT_EQ(called(), MissingValue);
+    EXPECT_EQ(value(2), 1.0);
+    EXPECT_EQ(reportedError().code, 0) << "and nothing is wrong with that";
+    recordError(-14, 0, 0, u"");
+    EXPECT_EQ(called(), 0.0);
 }
 
 TEST_F(FieldKinds, AStatisticAboveItsFieldShowsZeroAndIsFilledInLater) {
