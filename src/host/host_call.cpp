@@ -5,10 +5,28 @@
 
 namespace quorva {
 
+namespace {
+
+/// Keeps the temporaries of a host call while it lasts, and gives them back.
+class CallInProgress {
+public:
+    CallInProgress() : around_(scratch().beginCall()) {}
+    ~CallInProgress() { scratch().endCall(around_); }
+    CallInProgress(const CallInProgress&) = delete;
+    CallInProgress& operator=(const CallInProgress&) = delete;
+
+private:
+    // Asked for twice: other threads' first calls may move the slots in between.
+    static ThreadScratch& scratch() { return ScratchPools::instance().forThread(currentThreadId()); }
+
+    ThreadScratch::Kept around_;
+};
+
+}  // namespace
+
 int callHostWith(int function, XLOPER* result, std::span<XLOPER*> arguments) {
-    const int code = Excel4v(function, result, static_cast<int>(arguments.size()), arguments.data());
-    ScratchPools::instance().forThread(currentThreadId()).reset();
-    return code;
+    const CallInProgress call;
+    return Excel4v(function, result, static_cast<int>(arguments.size()), arguments.data());
 }
 
 XLOPER* scratchAlloc() { return ScratchPools::instance().forThread(currentThreadId()).allocate(); }

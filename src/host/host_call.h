@@ -16,7 +16,8 @@ namespace quorva {
 constexpr int longestHostText = 255;
 
 /// Asks the host for `function`. `result` may be null, and so may any argument, which the host then receives as absent.
-/// Temporaries of the calling thread are gone afterwards. Returns the host's code, 0 on success; callers look at the
+/// Temporaries of the calling thread are gone afterwards, but for those of a call around this one: the host may call
+/// back. Returns the host's code, 0 on success; callers look at the
 /// type word of the result instead.
 int callHostWith(int function, XLOPER* result, std::span<XLOPER*> arguments);
 
@@ -27,8 +28,8 @@ int callHost(int function, XLOPER* result, Arguments*... arguments) {
     return callHostWith(function, result, list);
 }
 
-/// Room for one temporary host value of the calling thread, valid until its next host call; null when the thread has
-/// used up its scratch block.
+/// Room for one temporary host value of the calling thread, valid until the end of its next host call; null when the
+/// thread has used up its scratch block.
 XLOPER* scratchAlloc();
 
 /// A temporary text. The first character of `text` is a placeholder for the length; what follows it is the text, of at

@@ -23,15 +23,23 @@ char* ThreadScratch::keepText(std::string_view text) {
     return buffer.data();
 }
 
-void ThreadScratch::reset() {
-    inUse_ = 0;
-    texts_.clear();
+ThreadScratch::Kept ThreadScratch::beginCall() {
+    const Kept around = kept_;
+    kept_ = {inUse_, texts_.size()};
+    return around;
+}
+
+void ThreadScratch::endCall(Kept around) {
+    kept_ = around;
+    inUse_ = around.values;
+    texts_.resize(around.texts);
 }
 
 void ThreadScratch::takeOver(ThreadScratch& other) {
     owner_ = other.owner_;
     block_ = std::move(other.block_);
-    inUse_ = 0;
+    kept_ = other.kept_;
+    inUse_ = kept_.values;
     // Texts stay until the thread's next host call: the host may be reading them.
     texts_ = std::move(other.texts_);
 }

@@ -26,11 +26,22 @@ public:
     XLOPER* allocate();
     /// A buffer that holds a text as the host counts it: the length in place of the text's first character.
     char* keepText(std::string_view text);
-    /// Gives everything back.
-    void reset();
+
     std::size_t valuesInUse() const { return inUse_; }
 
-    /// Takes owner and memory of another slot; nothing counts as in use afterwards.
+    /// How much of the block and how many texts the host calls in progress are using.
+    struct Kept {
+        std::size_t values = 0;
+        std::size_t texts = 0;
+    };
+    /// A host call begins: what is in use now stays until it ends, even when the host calls back and the call-back
+    /// calls the host. Returns what the calls around it are using.
+    Kept beginCall();
+    /// It has ended: gives back what has been taken since `around` was in use.
+    void endCall(Kept around);
+
+    /// Takes owner and memory of another slot; nothing but what calls in progress are using counts as in use
+    /// afterwards.
     void takeOver(ThreadScratch& other);
 
 private:
@@ -40,6 +51,7 @@ private:
     std::uint32_t owner_ = nobody;
     std::unique_ptr<Block> block_ = std::make_unique<Block>();
     std::size_t inUse_ = 0;
+    Kept kept_;
     std::vector<std::unique_ptr<TextBuffer>> texts_;
 };
 

@@ -72,6 +72,25 @@ TEST_F(Bridge, TemporariesLiveUntilTheThreadsNextCall) {
     EXPECT_EQ(tempInteger(3), first);
 }
 
+TEST_F(Bridge, TemporariesOutliveTheCallsThatTheHostsCallBackMakes) {
+    host().override = [](int function, XLOPER*, int count, XLOPER** arguments) -> std::optional<int> {
+        if (function != 777) {
+            return std::nullopt;
+        }
+        const XLOPER* inner = tempText(" inner");
+        callHost(778, nullptr, const_cast<XLOPER*>(inner), tempInteger(5));
+        callHost(778, nullptr);
+        EXPECT_EQ(tempText(" after"), inner) << "the call-back's own are given back";
+        EXPECT_EQ(count, 2);
+        EXPECT_EQ(quorva::testing::textOf(*arguments[0]), "outer");
+        EXPECT_EQ(arguments[1]->value.integer, 3);
+        return 0;
+    };
+    XLOPER* outer = tempText(" outer");
+    callHost(777, nullptr, outer, tempInteger(3));
+    EXPECT_EQ(scratchAlloc(), outer);
+}
+
 TEST_F(Bridge, AnotherThreadsCallLeavesTemporariesAlone) {
     XLOPER* mine = tempText(" mine");
     std::thread([] {

@@ -21,12 +21,12 @@ TEST(ThreadScratch, HoldsAsManyValuesAsFitIntoItsBlock) {
     EXPECT_EQ(scratch.allocate(), nullptr);
 }
 
-TEST(ThreadScratch, IsWhollyAvailableAgainAfterAReset) {
+TEST(ThreadScratch, IsWhollyAvailableAgainAfterACall) {
     ThreadScratch scratch;
     const XLOPER* first = scratch.allocate();
     while (scratch.allocate()) {
     }
-    scratch.reset();
+    scratch.endCall({});
     EXPECT_EQ(scratch.allocate(), first);
     for (int i = 2; i <= 426; ++i) {
         ASSERT_NE(scratch.allocate(), nullptr) << i;
@@ -39,6 +39,22 @@ TEST(ThreadScratch, HandsOutValuesSideBySide) {
     const XLOPER* first = scratch.allocate();
     EXPECT_EQ(scratch.allocate(), first + 1);
     EXPECT_EQ(sizeof(XLOPER), 24u);
+}
+
+TEST(ThreadScratch, KeepsWhatAnOuterCallIsUsing) {
+    ThreadScratch scratch;
+    const XLOPER* outer = scratch.allocate();
+    const char* text = scratch.keepText(" outer");
+    const auto aroundOuter = scratch.beginCall();
+    const XLOPER* inner = scratch.allocate();
+    EXPECT_EQ(inner, outer + 1);
+    const auto aroundInner = scratch.beginCall();
+    scratch.keepText(" inner");
+    scratch.endCall(aroundInner);
+    EXPECT_EQ(scratch.allocate(), inner);
+    EXPECT_EQ(std::string(text, 6), "\x05outer");
+    scratch.endCall(aroundOuter);
+    EXPECT_EQ(scratch.allocate(), outer);
 }
 
 TEST(ScratchPools, StartWithFourFreeSlots) {
