@@ -16,12 +16,26 @@ namespace quorva {
 namespace {
 
 struct AddIn {
-    XLOPER modulePath{};  ///< memory of the host
+    XLOPER pathFromHost{};  ///< memory of the host, until a closing
+    XLOPER modulePath{};    ///< the same in memory of its own
+    std::array<char, longestHostText + 1> pathText{};
     std::array<XLOPER, modelFunctionCount> identifiers{};
     bool modelIsVolatile = false;
 };
 
 AddIn addIn;
+
+/// A user may cancel the closing of the host after xlAutoClose, and go on with the add-in: the path must outlive what
+/// the host is given back.
+void askForPath() {
+    callHost(hostfunction::getName, &addIn.pathFromHost);
+    addIn.modulePath = addIn.pathFromHost;
+    if (addIn.modulePath.type == hosttype::text && addIn.modulePath.value.text) {
+        const char* text = addIn.pathFromHost.value.text;
+        std::copy_n(text, static_cast<unsigned char>(*text) + std::size_t{1}, addIn.pathText.begin());
+        addIn.modulePath.value.text = addIn.pathText.data();
+    }
+}
 
 constexpr int international(int function) { return function + hostfunction::internationalFlag; }
 
@@ -106,7 +120,7 @@ extern "C" {
 
 int xlAutoOpen() {
     guarded([] {
-        callHost(hostfunction::getName, &addIn.modulePath);
+        askForPath();
         registerModelFunctions(modelFunctions(), Recalculation::WhenNeeded);
         registerStatisticFunctions();
         addIn.modelIsVolatile = false;
@@ -116,8 +130,8 @@ int xlAutoOpen() {
 
 int xlAutoClose() {
     guarded([] {
-        callHost(hostfunction::free, nullptr, &addIn.modulePath);
-        addIn.modulePath = {};
+        callHost(hostfunction::free, nullptr, &addIn.pathFromHost);
+        addIn.pathFromHost = {};
     });
     return 1;
 }

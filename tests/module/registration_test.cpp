@@ -192,6 +192,19 @@ TEST_F(Registration, ReloadingStartsNonVolatile) {
     EXPECT_TRUE(host().calls.empty());
 }
 
+// The host calls xlAutoClose before the user can cancel its closing.
+TEST_F(Registration, ARunAfterACancelledClosingRegistersAsBefore) {
+    QUORVA_EXPORT(xlAutoClose)();
+    EXPECT_EQ(host().outstanding(), 0u);
+    host().calls.clear();
+    QUORVA_EXPORT(Cpp_SimVolatile)();
+    expectReregistration(plainUnregister, 1.0, "!");
+    for (const HostCall& call : host().callsOf(internationalRegister)) {
+        EXPECT_EQ(call.arguments[0].type, hosttype::text);
+        EXPECT_EQ(call.arguments[0].text, host().modulePath);
+    }
+}
+
 TEST_F(Registration, ClosingReleasesThePathAndUnregistersNothing) {
     const auto before = host().registrations.size();
     QUORVA_EXPORT(xlAutoClose)();
