@@ -15,8 +15,9 @@ using Random = std::mt19937;
 int below(Random& random, int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); }
 
 std::string number(Random& random) {
-    const char* const special[] = {"0", "1", "-1", "1E+300", "0.1", "1E-300", "3", "100"};
-    return below(random, 3) == 0 ? special[below(random, 8)] : std::to_string(below(random, 2000) - 1000) + ".25";
+    const char* const special[] = {"0",      "1", "-1",  "1E+300", "0.1",      "1E-300",
+                                   "1E-160", "3", "100", "0.3",    "2.5E-308", "70584.250081233738"};
+    return below(random, 3) == 0 ? special[below(random, 12)] : std::to_string(below(random, 2000) - 1000) + ".25";
 }
 
 /// A cell of the rows above `row`, so that there are no cycles.
@@ -30,7 +31,7 @@ std::string range(Random& random, int row) {
 
 std::string expression(Random& random, int row, int depth) {
     const auto inner = [&] { return expression(random, row, depth - 1); };
-    switch (depth == 0 ? below(random, 2) : below(random, 15)) {
+    switch (depth == 0 ? below(random, 2) : below(random, 18)) {
         case 0:
             return reference(random, row);
         case 1:
@@ -59,6 +60,15 @@ std::string expression(Random& random, int row, int depth) {
             return "IF(AND(" + inner() + "<=" + inner() + ",OR(" + inner() + "<>0,TRUE))," + inner() + ",7)";
         case 13:
             return "COUNTIF(" + range(random, row) + ",\">0\")";
+        case 14:
+            return "(" + inner() + ")^" + std::to_string(below(random, 9) - 4);
+        case 15:
+            return "(" + inner() + ")^0.3";
+        case 16: {
+            const std::string first = reference(random, row);
+            const std::string second = reference(random, row);  // rounding noise is left of these
+            return first + "+" + second + "-" + first + "-" + second;
+        }
         default:
             return "AVERAGE(" + range(random, row) + ")^2%";
     }

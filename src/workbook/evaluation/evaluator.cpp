@@ -10,14 +10,14 @@ namespace quorva::workbook {
 
 namespace {
 
-Value raise(double base, double exponent) {
+Value power(double base, double exponent) {
     if (base == 0 && exponent == 0) {
         return ErrorCode::Num;
     }
     if (base == 0 && exponent < 0) {
         return ErrorCode::Div0;
     }
-    return std::pow(base, exponent);
+    return raise(base, exponent);
 }
 
 Value compare(Operator op, const Value& left, const Value& right) {
@@ -108,15 +108,15 @@ Value operate(Operator op, const Value& left, const Value& right, bool date1904)
     }
     switch (op) {
         case Operator::Add:
-            return *a + *b;
+            return sums == Sums::Closing ? closingSum(*a, *b) : *a + *b;
         case Operator::Subtract:
-            return *a - *b;
+            return sums == Sums::Closing ? closingSum(*a, -*b) : *a - *b;
         case Operator::Multiply:
             return *a * *b;
         case Operator::Divide:
             return *b == 0 ? Value(ErrorCode::Div0) : Value(*a / *b);
         default:
-            return raise(*a, *b);
+            return power(*a, *b);
     }
 }
 
@@ -155,6 +155,11 @@ Value Evaluator::operand(Value value) {
 Value Evaluator::evaluateScalar(const Node& node) {
     Value value = evaluateOperand(node);
     return value.isArray() ? value.arrayCells()[0] : value;
+}
+
+Value Evaluator::evaluateFormula(const Node& tree) {
+    const bool sum = tree.kind == Node::Kind::Binary && (tree.op == Operator::Add || tree.op == Operator::Subtract);
+    return sum && !tree.parenthesised ? binary(tree, Sums::Closing) : evaluateOperand(tree);
 }
 
 Value Evaluator::evaluate(const Node& node) {
@@ -215,7 +220,7 @@ Value Evaluator::unary(const Node& node) {
     return value.isArray() ? combine(call, value, Value(), apply) : apply(value, value);
 }
 
-Value Evaluator::binary(const Node& node) {
+Value Evaluator::binary(const Node& node, Sums sums) {
     if (node.op >= Operator::Range) {
         return referenceOperator(node);
     }
@@ -225,7 +230,7 @@ Value Evaluator::binary(const Node& node) {
         return combine(call, left, right,
                        [&](const Value& a, const Value& b) { return operate(node.op, a, b, call.date1904); });
     }
-    return operate(node.op, left, right, call.date1904);
+    return operate(node.op, left, right, call.date1904, sums);
 }
 
 Value Evaluator::referenceOperator(const Node& node) {

@@ -49,6 +49,9 @@ struct LambdaBody : Body {
     std::shared_ptr<const Scope> scope;
 };
 
+/// Sums and differences as they are, or those that nearly cancel as 0 (closingSum).
+enum class Sums : bool { Exact, Closing };
+
 struct Evaluator {
     /// How ranges in a scalar's place are taken: intersected; mapped because a function wants an array; mapped because
     /// the whole formula is an array formula.
@@ -60,6 +63,8 @@ struct Evaluator {
     /// A value or an array, no reference.
     Value operand(Value value);
     Value evaluateOperand(const Node& node) { return operand(evaluate(node)); }
+    /// The value or array of a whole formula, in which a sum or difference as the last operation may vanish.
+    Value evaluateFormula(const Node& tree);
     /// One value: the first of an array.
     Value evaluateScalar(const Node& node);
     Value invoke(const Value& lambda, std::span<const Value> arguments);
@@ -71,7 +76,7 @@ struct Evaluator {
 
 private:
     Value unary(const Node& node);
-    Value binary(const Node& node);
+    Value binary(const Node& node, Sums sums = Sums::Exact);
     Value referenceOperator(const Node& node);
     Value tableCall(const Node& node);
     Value variable(const Node& node);
@@ -110,7 +115,7 @@ private:
 };
 
 /// One arithmetic, comparison or text operation on scalars.
-Value operate(Operator op, const Value& left, const Value& right, bool date1904);
+Value operate(Operator op, const Value& left, const Value& right, bool date1904, Sums sums = Sums::Exact);
 /// Calls fn(element of left, element of right) for arrays combined as worksheets do: single rows and columns are
 /// repeated, what has no partner is #N/A.
 Value combine(const Call& call, const Value& left, const Value& right,

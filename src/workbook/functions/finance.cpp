@@ -57,16 +57,26 @@ double interestOf(double rate, double period, double periods, double present, do
     return type != 0 ? interest / (1 + rate) : interest;
 }
 
+/// (1 + r)^n and ((1 + r)^n - 1) / r as PV and FV take them, from the power itself: balances that should end at 0 end
+/// in its last bits.
+struct Annuity {
+    double growth;
+    double factor;
+};
+Annuity annuity(double rate, double periods) {
+    const double power = raise(1 + rate, periods);
+    return {power, rate == 0 ? periods : (power - 1) / rate};
+}
 double presentValue(const double* x, int count) {
-    const double future = optional(x, count, 3);
-    const double type = optional(x, count, 4);
-    return -(future + x[2] * dueFactor(x[0], type) * annuityFactor(x[0], x[1])) / growth(x[0], x[1]);
+    const auto [power, factor] = annuity(x[0], x[1]);
+    return -(optional(x, count, 3) + x[2] * dueFactor(x[0], optional(x, count, 4)) * factor) / power;
 }
 double futureValue(const double* x, int count) {
     if (x[0] == -1 && x[1] < 0) {
         return nan;  // 0 to a negative power
     }
-    return futureValueOf(x[0], x[1], x[2], optional(x, count, 3), optional(x, count, 4));
+    const auto [power, factor] = annuity(x[0], x[1]);
+    return -(optional(x, count, 3) * power + x[2] * dueFactor(x[0], optional(x, count, 4)) * factor);
 }
 Value futureValueValue(Call&, Arguments arguments) {
     if (arguments[0].number() == -1 && arguments[1].number() < 0) {
@@ -87,10 +97,20 @@ double payment(const double* x, int count) {
 double interestPayment(const double* x, int count) {
     return interestOf(x[0], x[1], x[2], x[3], optional(x, count, 4), optional(x, count, 5));
 }
+/// The principal of the first payment in arrears, grown by the rate from period to period: taken as the payment less
+/// the interest it would lose its digits where that is nearly all of the payment.
 double principalPayment(const double* x, int count) {
+    const double rate = x[0];
+    const double period = x[1];
     const double future = optional(x, count, 4);
     const double type = optional(x, count, 5);
-    return paymentOf(x[0], x[2], x[3], future, type) - interestOf(x[0], x[1], x[2], x[3], future, type);
+    if (!(period >= 1) || !(period < x[2] + 1)) {
+        return nan;
+    }
+    if (type != 0 && period == 1) {
+        return paymentOf(rate, x[2], x[3], future, type);
+    }
+    return -(x[3] + future) * growth(rate, period - 1) / (dueFactor(rate, type) * annuityFactor(rate, x[2]));
 }
 double periodCount(const double* x, int count) {
     const double rate = x[0];

@@ -32,7 +32,7 @@ Value logarithmValue(Call&, Arguments arguments) {
     return x[0] > 0 && x[1] == 1 ? Value(ErrorCode::Div0) : Value(logarithm(x, 2));
 }
 
-double power(const double* x, int) { return x[0] == 0 && x[1] <= 0 ? nan : std::pow(x[0], x[1]); }
+double power(const double* x, int) { return x[0] == 0 && x[1] <= 0 ? nan : raise(x[0], x[1]); }
 Value powerValue(Call&, Arguments arguments) {
     const double x[] = {arguments[0].number(), arguments[1].number()};
     return x[0] == 0 && x[1] < 0 ? Value(ErrorCode::Div0) : Value(power(x, 2));

@@ -31,8 +31,8 @@ double arcTangent(const double* x, int) { return std::atan(x[0]); }
 double areaSine(const double* x, int) { return std::asinh(x[0]); }
 double areaCosine(const double* x, int) { return std::acosh(x[0]); }
 double areaTangent(const double* x, int) { return std::atanh(x[0]); }
-double degrees(const double* x, int) { return x[0] / pi * 180; }
-double radians(const double* x, int) { return x[0] / 180 * pi; }
+double degrees(const double* x, int) { return x[0] * (180 / pi); }
+double radians(const double* x, int) { return x[0] * (pi / 180); }
 
 /// In (0, pi), unlike the arc tangent of the reciprocal.
 double arcCotangent(const double* x, int) {

@@ -13,6 +13,23 @@ constexpr std::size_t mostOperands = 8;
 bool isCall(const Node& node, std::string_view name) {
     return node.kind == Node::Kind::TableCall && node.row->name == name;
 }
+
+/// Whether the operation stores numbers only, so that it may write into a cell.
+bool checksItsResult(Operation operation) {
+    switch (operation) {
+        case Operation::Multiply:
+        case Operation::Divide:
+        case Operation::Power:
+        case Operation::Percent:
+        case Operation::Call:
+        case Operation::Sum:
+        case Operation::SumProduct:
+        case Operation::PresentValue:
+            return true;
+        default:
+            return false;
+    }
+}
 }  // namespace
 
 Compiler::Compiler(Recalculation& recalculation) : recalculation_(recalculation) {
@@ -84,10 +101,9 @@ void Compiler::finish(std::int32_t result, Slot cell, bool sumOfTwo) {
     Instruction& last = emitted ? program_->instructions.back() : none;
     const bool fresh = last.target == result && result >= base_ && result < base_ + mostTemporaries;
     if (fresh && sumOfTwo && (last.operation == Operation::Add || last.operation == Operation::Subtract)) {
-        last.operation = last.operation == Operation::Add ? Operation::AddToCell : Operation::SubtractToCell;
+        last.operation = last.operation == Operation::Add ? Operation::ClosingAdd : Operation::ClosingSubtract;
         last.target = cell;
-    } else if (fresh && last.operation == Operation::Multiply) {
-        last.operation = Operation::MultiplyToCell;
+    } else if (fresh && checksItsResult(last.operation)) {
         last.target = cell;
     } else {
         program_->instructions.push_back({Operation::Store, {}, 0, cell, result, 0});

@@ -63,6 +63,15 @@ struct Machine {
         slots[code.target] = recalculation.context.nextRandom();
     }
 
+    /// Stores a result; what worksheets do not calculate with (infinite, not a number, denormal) is left alone.
+    bool put(const Instruction& code, double result) {
+        const bool fine = isWorksheetNumber(result);
+        if (fine) {
+            slots[code.target] = result;
+        }
+        return fine;
+    }
+
     bool callNumeric(const Instruction& code) {
         const CompiledCall& compiled = program.calls[static_cast<std::size_t>(code.a)];
         double arguments[8];
@@ -73,9 +82,7 @@ struct Machine {
                 return false;
             }
         }
-        const double result = compiled.row->numeric(arguments, count);
-        slots[code.target] = result;
-        return finite(result);
+        return put(code, compiled.row->numeric(arguments, count));
     }
 
     bool callRow(const Instruction& code) {
@@ -100,13 +107,13 @@ struct Machine {
         }
     }
 
-    void sum(const Instruction& code) {
+    bool sum(const Instruction& code) {
         double total = slots[code.b];
         forEachOf(list(code.a), [&](std::ptrdiff_t slot) {
             total += slots[slot];
             return true;
         });
-        slots[code.target] = total;
+        return put(code, total);
     }
 
     bool extreme(const Instruction& code, bool largest) {
@@ -120,7 +127,7 @@ struct Machine {
         return numbers;
     }
 
-    void sumProduct(const Instruction& code) {
+    bool sumProduct(const Instruction& code) {
         SlotStretches factors[mostFactors];
         for (std::int32_t k = 0; k < code.count; ++k) {
             factors[k] = SlotStretches(list(code.a + k));
@@ -146,7 +153,7 @@ struct Machine {
                 factors[k].advance(length);
             }
         }
-        slots[code.target] = total;
+        return put(code, total);
     }
 
     bool presentValue(const Instruction& code) {
@@ -161,8 +168,7 @@ struct Machine {
             total += slots[slot] / discount;
             return true;
         });
-        slots[code.target] = total;
-        return finite(discount) && discount != 0;
+        return finite(discount) && discount != 0 && put(code, total);
     }
 
     bool countIf(const Instruction& code) {
@@ -192,8 +198,8 @@ struct Machine {
             argument.integer = std::fabs(x) < 2147483648.0 ? static_cast<int>(x) : 0;
             argument.boolean = x != 0 ? 1 : 0;
         }
-        const double result =
-            recalculation.module->call(function, site.arguments, site.cell.sheet, site.cell.row, site.cell.column);
+        const double result = flushDenormal(
+            recalculation.module->call(function, site.arguments, site.cell.sheet, site.cell.row, site.cell.column));
         slots[code.target] = result;
         if (!lastSite || lastSite->cell != site.cell) {
             recalculation.module->replay.clear();
@@ -220,50 +226,32 @@ std::size_t Machine::run(std::size_t at, bool& gaveUp) {
                 slots[now.target] = slots[now.a] - slots[now.b];
                 break;
             case Operation::Multiply:
-                slots[now.target] = slots[now.a] * slots[now.b];
+                fine = put(now, slots[now.a] * slots[now.b]);
                 break;
             case Operation::Divide: {
                 const double divisor = slots[now.b];
-                slots[now.target] = slots[now.a] / divisor;
-                fine = divisor != 0 && finite(divisor);
+                fine = put(now, slots[now.a] / divisor) && finite(divisor);
                 break;
             }
             case Operation::Power: {
                 const double base = slots[now.a];
-                slots[now.target] = std::pow(base, slots[now.b]);
-                fine = base != 0 && finite(base) && finite(slots[now.b]);
+                fine = base != 0 && finite(base) && finite(slots[now.b]) && put(now, raise(base, slots[now.b]));
                 break;
             }
             case Operation::Negate:
                 slots[now.target] = -slots[now.a];
                 break;
             case Operation::Percent:
-                slots[now.target] = slots[now.a] / 100;
+                fine = put(now, slots[now.a] / 100);
                 break;
-            case Operation::AddToCell:
-            case Operation::SubtractToCell: {
-                const double b = slots[now.b];
-                const double result = now.operation == Operation::AddToCell ? slots[now.a] + b : slots[now.a] - b;
-                // What vanishes on 15 digits is 0 there; the evaluator sees to that.
-                fine = finite(result) && (std::fabs(result) > 2e-15 * std::fabs(b) || result == 0);
-                if (fine) {
-                    slots[now.target] = result;
-                }
+            case Operation::ClosingAdd:
+                fine = put(now, closingSum(slots[now.a], slots[now.b]));
                 break;
-            }
-            case Operation::MultiplyToCell: {
-                const double result = slots[now.a] * slots[now.b];
-                fine = finite(result);
-                if (fine) {
-                    slots[now.target] = result;
-                }
+            case Operation::ClosingSubtract:
+                fine = put(now, closingSum(slots[now.a], -slots[now.b]));
                 break;
-            }
             case Operation::Store:
-                fine = finite(slots[now.a]);
-                if (fine) {
-                    slots[now.target] = slots[now.a];
-                }
+                fine = put(now, slots[now.a]);
                 break;
             case Operation::Compare:
                 fine = finite(slots[now.a]) && finite(slots[now.b]);
@@ -299,7 +287,7 @@ std::size_t Machine::run(std::size_t at, bool& gaveUp) {
                 fine = callRow(now);
                 break;
             case Operation::Sum:
-                sum(now);
+                fine = sum(now);
                 break;
             case Operation::Smallest:
                 fine = extreme(now, false);
@@ -316,7 +304,7 @@ std::size_t Machine::run(std::size_t at, bool& gaveUp) {
                 break;
             }
             case Operation::SumProduct:
-                sumProduct(now);
+                fine = sumProduct(now);
                 break;
             case Operation::PresentValue:
                 fine = presentValue(now);

@@ -24,10 +24,9 @@ enum class Operation : std::uint8_t {
     Power,
     Negate,
     Percent,
-    // The same, straight into the cell; they give up when the result is no finite number.
-    AddToCell,
-    SubtractToCell,
-    MultiplyToCell,
+    // The last operation of a formula, straight into the cell: operands that nearly cancel give 0.
+    ClosingAdd,
+    ClosingSubtract,
     Store,
     Compare,
     And,

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <ctime>
 #include <utility>
 
@@ -17,26 +16,6 @@
 namespace quorva::workbook {
 
 namespace {
-
-/// Sums and differences that vanish on 15 digits are 0 when they are the whole formula.
-Value snapped(const Node& tree, const CellStore&, Value value, Evaluator& evaluator) {
-    const bool sum = tree.kind == Node::Kind::Binary && (tree.op == Operator::Add || tree.op == Operator::Subtract);
-    if (!sum || tree.parenthesised || !value.isNumber() || value.number() == 0 || std::fabs(value.number()) > 1e300) {
-        return value;
-    }
-    const Node& right = tree.children[1];
-    if (right.kind != Node::Kind::Constant && right.kind != Node::Kind::Reference) {
-        return value;  // evaluating it again could have effects
-    }
-    const Value operand = evaluator.evaluateScalar(right);
-    if (!operand.isNumber() || std::fabs(value.number()) > 2e-15 * std::fabs(operand.number())) {
-        return value;
-    }
-    const double left =
-        tree.op == Operator::Add ? value.number() - operand.number() : value.number() + operand.number();
-    const double other = tree.op == Operator::Add ? -operand.number() : operand.number();
-    return compareNumbers(left, other) == 0 ? Value(0.0) : value;
-}
 
 constexpr std::string_view unsettled = "spilled arrays that change each other without coming to rest";
 /// Each computes anew what arrays of unexpected size have made out of date; a chain of such arrays takes one for each.
@@ -403,16 +382,16 @@ void Recalculation::computeOne(int index, bool early) {
         const Allowance::Grant grant(cells.allowance(), context.stepLimit);
         Evaluator evaluator(context, formula.cell.sheet, formula.cell.row, formula.cell.column,
                             formula.kind != FormulaKind::Normal);
-        Value value = evaluator.evaluateOperand(formula.tree);
+        Value value = evaluator.evaluateFormula(formula.tree);
         if (formula.kind == FormulaKind::Normal) {
             if (value.isArray()) {
                 value = value.arrayCells()[0];
             }
-            storeAt(formula.slot, snapped(formula.tree, cells, std::move(value), evaluator));
+            storeAt(formula.slot, std::move(value));
         } else if (value.isArray() || !formula.spill.single()) {
             storeArray(index, value);
         } else {
-            storeAt(formula.slot, snapped(formula.tree, cells, std::move(value), evaluator));
+            storeAt(formula.slot, std::move(value));
         }
         formula.done = true;
     } catch (const Unsupported& unsupported) {

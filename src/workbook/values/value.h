@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "workbook/values/arithmetic.h"
+
 namespace quorva::workbook {
 
 /// Error values of a worksheet, in the order of ERROR.TYPE (1-based there).
@@ -67,14 +69,15 @@ struct TextBody;
 struct ArrayBody;
 struct ReferenceBody;
 
-/// One value. Numbers are always finite: a NaN or an infinity becomes #NUM!.
+/// One value. Numbers are always finite and 0 or normal: a NaN or an infinity becomes #NUM!, a denormal number 0.
 class Value {
 public:
     enum class Type : std::uint8_t { Blank, Number, Boolean, Error, Text, Array, Reference, Lambda };
 
     Value() : number_(0) {}
-    Value(double number) : type_(std::isfinite(number) ? Type::Number : Type::Error), number_(number) {
-        if (type_ == Type::Error) {
+    Value(double number) : type_(Type::Number), number_(flushDenormal(number)) {
+        if (!std::isfinite(number)) {
+            type_ = Type::Error;
             error_ = ErrorCode::Num;
         }
     }
