@@ -275,10 +275,13 @@ Value Evaluator::switchFunction(const Node& node) {
 Value Evaluator::chooseFunction(const Node& node) {
     const Value selector = evaluateOperand(node.children[0]);
     if (selector.isArray()) {
+        const Mode outer = mode;
+        mode = mode == Mode::Scalar ? Mode::ArrayArgument : mode;  // whole ranges side by side, also in older formulas
         std::vector<Value> values{selector};
         for (std::size_t i = 1; i < node.children.size(); ++i) {
             values.push_back(evaluateOperand(node.children[i]));
         }
+        mode = outer;
         return mapElements(call, values, pickChoose);
     }
     const auto index = toNumber(selector, call.date1904);

@@ -1,6 +1,7 @@
 // Finding values: VLOOKUP and its kind, MATCH, XLOOKUP; and addresses as text.
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "common/cell_names.h"
 #include "workbook/functions/families.h"
@@ -52,10 +53,14 @@ private:
 /// Whether a stored value takes part in a sorted search for the key: only values of the key's type do.
 bool comparable(const Value& value, const Value& key) { return value.type() == key.type(); }
 
-/// Bisection as worksheets do it, over the whole line whether sorted or not: the last position whose value does not lie
-/// beyond the key, -1 when there is none. A middle value of another type gives way to the next comparable one.
-int bisect(const Line& line, const Value& key, bool descending) {
+/// Bisection as worksheets do it, over the whole line whether sorted or not: an equal value met on the way ends it (at
+/// the last of the equal ones that follow); else the last position whose value does not lie beyond the key, -1 when
+/// there is none. `order` compares a value with the key; a middle value that it has no place for gives way to the next
+/// one that it has.
+template <class Order>
+int bisect(const Line& line, bool descending, Order&& order) {
     const int used = line.used();
+    const auto orderAt = [&](int position) -> std::optional<int> { return order(line.at(position)); };
     int low = 0;
     int high = line.size() - 1;
     int found = -1;
@@ -63,15 +68,21 @@ int bisect(const Line& line, const Value& key, bool descending) {
         const int middle = low + (high - low) / 2;
         const int last = std::min(high, used - 1);
         int at = middle;
-        while (at <= last && !comparable(line.at(at), key)) {
+        std::optional<int> side;
+        while (at <= last && !(side = orderAt(at))) {
             ++at;
         }
         if (at > last) {
             high = middle - 1;
             continue;
         }
-        const int order = compareValues(line.at(at), key);
-        if (descending ? order >= 0 : order <= 0) {
+        if (*side == 0) {
+            while (at + 1 < used && orderAt(at + 1) == 0) {
+                ++at;
+            }
+            return at;
+        }
+        if (descending ? *side > 0 : *side < 0) {
             found = at;
             low = at + 1;
         } else {
@@ -81,7 +92,14 @@ int bisect(const Line& line, const Value& key, bool descending) {
     return found;
 }
 
-enum class Match { Exact, Wildcard, NextSmaller, NextLarger };
+/// Bisection of the older functions: only values of the key's type take part.
+int findSorted(const Line& line, const Value& key) {
+    return bisect(line, false, [&](const Value& value) {
+        return comparable(value, key) ? std::optional(compareValues(value, key)) : std::nullopt;
+    });
+}
+
+enum class Match { Exact, Wildcard };
 
 /// The first (or the last) position without a value; a cell that does not exist is one.
 int scanForBlank(const Line& line, bool backwards) {
@@ -111,37 +129,24 @@ int scanForNumber(const Line& line, double key, bool backwards) {
     return found;
 }
 
-/// Walks the line for an exact match, a pattern, or the nearest value on one side; the first (or the last) of equals.
+/// Walks the line for an exact match or a pattern; the first (or the last) of equals.
 int scan(const Line& line, const Value& key, Match match, bool backwards) {
     if (key.isBlank()) {
         return scanForBlank(line, backwards);
     }
     const bool pattern = match == Match::Wildcard && key.isText() && hasWildcard(key.text());
-    const bool near = match == Match::NextSmaller || match == Match::NextLarger;
-    if (key.isNumber() && !near) {
+    if (key.isNumber()) {
         return scanForNumber(line, key.number(), backwards);
     }
     int found = -1;
-    int nearest = -1;
-    Value nearestValue;
     line.forEach([&](const Value& value, int position) -> bool {
         if (pattern ? value.isText() && matchesWildcard(value.text(), key.text()) : equalValues(value, key)) {
             found = position;
             return backwards;
         }
-        if (near && comparable(value, key)) {
-            const int side = match == Match::NextSmaller ? -1 : 1;
-            if (compareValues(value, key) * side > 0) {
-                const int order = nearest < 0 ? 1 : compareValues(value, nearestValue) * -side;
-                if (order > 0 || (order == 0 && backwards)) {
-                    nearest = position;
-                    nearestValue = value;
-                }
-            }
-        }
         return true;
     });
-    return found >= 0 ? found : nearest;
+    return found;
 }
 
 /// A blank key stands for 0 in the older functions.
@@ -157,7 +162,7 @@ std::optional<ErrorCode> keyError(const Value& key) {
 
 /// The position for VLOOKUP and its kind; -1 when nothing fits.
 int findInTable(const Line& line, const Value& key, bool sorted) {
-    return sorted ? bisect(line, key, false) : scan(line, key, Match::Wildcard, false);
+    return sorted ? findSorted(line, key) : scan(line, key, Match::Wildcard, false);
 }
 
 Value tableLookup(const Call& call, Arguments arguments, bool vertical) {
@@ -199,7 +204,7 @@ Value lookup(Call& call, Arguments arguments) {
     const Value key = lookupKey(arguments[0].value);
     const Grid table = arguments[1].grid(call);
     const bool wide = table.columns() > table.rows();
-    const int found = bisect(wide ? Line::row(table, 0) : Line::column(table, 0), key, false);
+    const int found = findSorted(wide ? Line::row(table, 0) : Line::column(table, 0), key);
     if (found < 0) {
         return ErrorCode::NA;
     }
@@ -245,13 +250,73 @@ Value match(Call& call, Arguments arguments) {
         return ErrorCode::NA;
     }
     const Line line = Line::vector(grid);
-    const int found = type > 0   ? bisect(line, key, false)
+    const int found = type > 0   ? findSorted(line, key)
                       : type < 0 ? descend(line, key)
                                  : scan(line, key, Match::Wildcard, false);
     return found < 0 ? Value(ErrorCode::NA) : Value(found + 1);
 }
 
 // ---- XLOOKUP and XMATCH ----
+
+/// The order of these two: numbers, texts, FALSE, TRUE, blanks. Errors have no place in it.
+std::optional<int> crossOrder(const Value& a, const Value& b) {
+    const auto rank = [](const Value& value) {
+        return value.isNumber() ? 0 : value.isText() ? 1 : value.isBoolean() ? 2 : value.isBlank() ? 3 : -1;
+    };
+    if (rank(a) < 0 || rank(b) < 0) {
+        return std::nullopt;
+    }
+    return rank(a) != rank(b) ? rank(a) - rank(b) : a.isBlank() ? 0 : compareValues(a, b);
+}
+
+/// Walks the line for an equal value or else the nearest one on a side; the first (or the last) of equals.
+class NearestScan {
+public:
+    NearestScan(const Value& key, bool larger, bool backwards) : key_(key), larger_(larger), backwards_(backwards) {}
+
+    int walk(const Line& line) {
+        int next = 0;
+        bool ended = false;
+        const auto gap = [&](int end) {  // cells that do not exist are blank
+            return next >= end || take(Value(), backwards_ ? end - 1 : next);
+        };
+        line.forEach([&](const Value& value, int position) -> bool {
+            ended = !gap(position) || !take(value, position);
+            next = position + 1;
+            return !ended;
+        });
+        if (!ended) {
+            gap(line.size());
+        }
+        return equal_ >= 0 ? equal_ : nearest_;
+    }
+
+private:
+    /// False when the search is over.
+    bool take(const Value& value, int position) {
+        const auto order = crossOrder(value, key_);
+        if (order == 0) {
+            equal_ = position;
+            return backwards_;
+        }
+        if (!order || (*order > 0) != larger_) {
+            return true;
+        }
+        const int beyond = nearest_ < 0 ? -1 : *crossOrder(value, nearestValue_) * (larger_ ? 1 : -1);
+        if (beyond < 0 || (beyond == 0 && backwards_)) {
+            nearest_ = position;
+            nearestValue_ = value;
+        }
+        return true;
+    }
+
+    const Value& key_;
+    bool larger_;
+    bool backwards_;
+    int equal_ = -1;
+    int nearest_ = -1;
+    Value nearestValue_;
+};
 
 /// The position that the match and search modes find; -1 when none. #VALUE! for modes that do not exist.
 Result<int> crossMatch(const Line& line, const Value& key, double matchMode, double searchMode) {
@@ -261,31 +326,27 @@ Result<int> crossMatch(const Line& line, const Value& key, double matchMode, dou
         !(searchMode == 1 || searchMode == -1 || searchMode == 2 || searchMode == -2)) {
         return ErrorCode::Value;
     }
+    const bool near = matchMode == -1 || matchMode == 1;
     if (std::fabs(searchMode) == 1) {
-        const Match match = matchMode == 0    ? Match::Exact
-                            : matchMode == 2  ? Match::Wildcard
-                            : matchMode == -1 ? Match::NextSmaller
-                                              : Match::NextLarger;
-        return scan(line, key, match, searchMode < 0);
+        return near ? NearestScan(key, matchMode > 0, searchMode < 0).walk(line)
+                    : scan(line, key, matchMode == 2 ? Match::Wildcard : Match::Exact, searchMode < 0);
     }
     if (matchMode == 2) {
         return ErrorCode::Value;
     }
     const bool descending = searchMode < 0;
-    const int found = bisect(line, key, descending);
-    if (found >= 0 && equalValues(line.at(found), key)) {
+    const auto order = [&](const Value& value) { return crossOrder(value, key); };
+    const int found = bisect(line, descending, order);
+    if (found >= 0 && order(line.at(found)) == 0) {
         return found;
-    }
-    if (matchMode == 0) {
-        return -1;
     }
     // `found` is the last value before the key's place in the order; the next one lies on its other side.
     const bool wantsBefore = (matchMode < 0) != descending;
-    if (wantsBefore) {
-        return found;
+    if (!near || wantsBefore) {
+        return near ? found : -1;
     }
     const int next = found + 1;
-    return next < line.used() && comparable(line.at(next), key) ? next : -1;
+    return next < line.size() && order(line.at(next)) ? next : -1;
 }
 
 double modeAt(Arguments arguments, std::size_t index, double otherwise) {

@@ -127,12 +127,14 @@ std::string utf16Slice(std::string_view text, double from, double count) {
         std::u16string_view(units).substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start)));
 }
 
+namespace {
+char upperAscii(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
+}  // namespace
+
 std::string toUpper(std::string_view text) {
     if (ascii(text)) {
         std::string upper(text);
-        for (char& c : upper) {
-            c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
-        }
+        std::transform(upper.begin(), upper.end(), upper.begin(), upperAscii);
         return upper;
     }
     return toUtf8(folded(text));
@@ -147,7 +149,20 @@ std::string toLower(std::string_view text) {
 }
 
 int compareTexts(std::string_view a, std::string_view b) {
-    const int order = ascii(a) && ascii(b) ? toUpper(a).compare(toUpper(b)) : folded(a).compare(folded(b));
+    // Lookups compare most texts by their first characters: nothing is copied for that.
+    const std::size_t common = std::min(a.size(), b.size());
+    std::size_t at = 0;
+    for (; at < common && ((a[at] | b[at]) & 0x80) == 0; ++at) {
+        const char left = upperAscii(a[at]);
+        const char right = upperAscii(b[at]);
+        if (left != right) {
+            return left < right ? -1 : 1;
+        }
+    }
+    if (at == common) {
+        return static_cast<int>(a.size() > common) - static_cast<int>(b.size() > common);
+    }
+    const int order = folded(a).compare(folded(b));
     return order < 0 ? -1 : order > 0 ? 1 : 0;
 }
 
