@@ -22,8 +22,9 @@ TEST(Unsupported, FunctionsAreNamed) {
     }
 }
 
-TEST(Unsupported, ComputedConditionsOfDatabaseFunctions) {
-    EXPECT_EQ(reasonOf("DSUM(A1:A2,1,B1:B2)"), "a computed condition of a database function");
+TEST(Unsupported, ConditionsUnderHeadingsThatADatabaseDoesNotHave) {
+    EXPECT_EQ(reasonOf("DSUM(A1:A2,1,B1:B2)"),
+              "a condition of a database function under a heading that its table does not have");
     EXPECT_EQ(reasonOf("DSUM(A1:A2,1,A1:A2)"), "");
 }
 

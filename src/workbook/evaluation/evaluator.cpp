@@ -87,11 +87,14 @@ void EvaluationContext::seedRandom(std::uint64_t seed) {
 
 double Call::random() const { return evaluator->context.nextRandom(); }
 double Call::now() const { return evaluator->context.now; }
+std::optional<Value> Call::copiedDown(int ofSheet, int ofRow, int ofColumn, int rowsDown) const {
+    return evaluator->context.copiedDown(ofSheet, ofRow, ofColumn, rowsDown);
+}
 Value Call::invoke(const Value& lambda, std::span<const Value> arguments) const {
     return evaluator->invoke(lambda, arguments);
 }
 
-Value operate(Operator op, const Value& left, const Value& right, bool date1904) {
+Value operate(Operator op, const Value& left, const Value& right, bool date1904, Sums sums) {
     if (op >= Operator::Equal && op <= Operator::GreaterOrEqual) {
         return compare(op, left, right);
     }

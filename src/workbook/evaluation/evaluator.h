@@ -24,6 +24,8 @@ struct EvaluationContext {
     std::function<Value(struct Evaluator&, const Node&)> callModel;
     /// The formula of a cell as it is typed, with its equals sign; nothing when it has none.
     std::function<std::optional<std::string>(int sheet, int row, int column)> formulaText;
+    /// What the formula of a cell would give if it were copied so many rows down; nothing when the cell has none.
+    std::function<std::optional<Value>(int sheet, int row, int column, int rowsDown)> copiedDown;
     /// The cells that the array formula of a cell fills; false when there is none.
     std::function<bool(int sheet, int row, int column, Area& area)> spillOf;
     RandomState random{0x9E3779B97F4A7C15, 0xBF58476D1CE4E5B9, 0x94D049BB133111EB, 0x2545F4914F6CDD1D};

@@ -92,6 +92,8 @@ struct Call {
     double random() const;
     /// The moment of this recalculation as a date serial number, local time.
     double now() const;
+    /// What the formula of a cell would give if it were copied so many rows down; nothing when the cell has none.
+    std::optional<Value> copiedDown(int ofSheet, int ofRow, int ofColumn, int rowsDown) const;
     /// Calls a lambda (a value of type Lambda) with the arguments.
     Value invoke(const Value& lambda, std::span<const Value> arguments) const;
 };

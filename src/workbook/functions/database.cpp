@@ -1,4 +1,5 @@
 // DSUM and its kind: statistics of a field over the records of a table that meet a range of conditions.
+#include <algorithm>
 #include <cmath>
 #include <optional>
 #include <vector>
@@ -21,11 +22,15 @@ int headedColumn(const Grid& table, const std::string& heading) {
     return -1;
 }
 
-/// One row of the conditions: all of them must hold.
+/// A condition on a field, or (column -1) a formula that is computed anew for every record: written for the first one,
+/// it is copied down to the others.
 struct Requirement {
     int column;
     Criterion criterion;
+    int conditionRow = 0;  ///< of the formula among the conditions, from 0
+    int conditionColumn = 0;
 };
+/// One row of the conditions: all of them must hold.
 using Alternative = std::vector<Requirement>;
 
 /// In a table of conditions a plain text means "begins with".
@@ -39,8 +44,7 @@ Value asCondition(const Value& cell) {
 }
 
 /// Every row below the headings is an alternative; an empty row (none of its cells filled) is met by every record.
-/// A condition under a heading that the table does not have is a formula to be computed anew for every record, which
-/// this host does not do.
+/// A formula under a heading that the table does not have, or none, is a computed condition.
 std::vector<Alternative> readAlternatives(const Call& call, const Grid& table, const Grid& conditions) {
     std::vector<Alternative> alternatives;
     for (int row = 1; row < conditions.rows(); ++row) {
@@ -49,12 +53,14 @@ std::vector<Alternative> readAlternatives(const Call& call, const Grid& table, c
             const Value cell = conditions.at(row, column);
             const auto heading = toText(conditions.at(0, column));
             const int field = heading && !heading->empty() ? headedColumn(table, *heading) : -1;
-            if (!cell.isBlank() && field < 0) {
-                throw Unsupported{"a computed condition of a database function"};
+            if (cell.isBlank()) {
+                continue;
             }
-            if (!cell.isBlank()) {
-                alternative.push_back({field, Criterion(asCondition(cell), call.date1904)});
+            const Area& area = conditions.area();
+            if (field < 0 && !call.copiedDown(area.sheet, area.firstRow + row, area.firstColumn + column, 0)) {
+                throw Unsupported{"a condition of a database function under a heading that its table does not have"};
             }
+            alternative.push_back({field, Criterion(asCondition(cell), call.date1904), row, column});
         }
         const bool metByAll = alternative.empty();
         alternatives.push_back(std::move(alternative));
@@ -65,17 +71,24 @@ std::vector<Alternative> readAlternatives(const Call& call, const Grid& table, c
     return alternatives;
 }
 
-bool meets(const Grid& table, int record, const std::vector<Alternative>& alternatives) {
-    for (const Alternative& alternative : alternatives) {
-        bool all = true;
-        for (const Requirement& requirement : alternative) {
-            all = all && requirement.criterion.matches(table.at(record, requirement.column));
-        }
-        if (all) {
-            return true;
-        }
+/// Numbers other than 0 and TRUE hold; errors do not.
+bool holds(const Call& call, const Grid& table, const Grid& conditions, int record, const Requirement& requirement) {
+    if (requirement.column >= 0) {
+        return requirement.criterion.matches(table.at(record, requirement.column));
     }
-    return false;
+    const Area& area = conditions.area();
+    const auto value = call.copiedDown(area.sheet, area.firstRow + requirement.conditionRow,
+                                       area.firstColumn + requirement.conditionColumn, record - 1);
+    return value && (value->isNumber() || value->isBoolean()) && value->number() != 0;
+}
+
+bool meets(const Call& call, const Grid& table, const Grid& conditions, int record,
+           const std::vector<Alternative>& alternatives) {
+    return std::any_of(alternatives.begin(), alternatives.end(), [&](const Alternative& alternative) {
+        return std::all_of(alternative.begin(), alternative.end(), [&](const Requirement& requirement) {
+            return holds(call, table, conditions, record, requirement);
+        });
+    });
 }
 
 /// The field's column: a heading, or its number from 1.
@@ -117,7 +130,7 @@ Result<std::vector<Value>> selectedValues(const Call& call, Arguments arguments,
     std::vector<Value> values;
     for (int record = 1; record < table.usedRows(); ++record) {
         call.spend(static_cast<double>(alternatives.size()));
-        if (meets(table, record, alternatives)) {
+        if (meets(call, table, conditions, record, alternatives)) {
             values.push_back(column ? table.at(record, *column) : Value(true));
         }
     }

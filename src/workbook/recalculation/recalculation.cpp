@@ -67,6 +67,23 @@ Recalculation::Recalculation(std::unique_ptr<RawBook> book) : raw(std::move(book
         return callModel(*module, evaluator, node);
     };
     context.formulaText = [this](int sheet, int row, int column) { return typedFormula(sheet, row, column); };
+    context.copiedDown = [this](int sheet, int row, int column, int rowsDown) -> std::optional<Value> {
+        const Slot slot = cells.find(sheet, row, column);
+        if (slot == noSlot || formulaAt(slot) < 0) {
+            return std::nullopt;
+        }
+        const auto position = static_cast<std::size_t>(slot - cells.sheet(sheet).firstSlot);
+        const RawCell& source = raw->sheets[static_cast<std::size_t>(sheet)].cells[position];
+        cells.allowance().spend(static_cast<std::int64_t>(source.formula.size()));
+        try {
+            const Node tree = parseFormula(
+                source.formula, {sheet, row + rowsDown, column, source.shiftRows + rowsDown, source.shiftColumns},
+                *symbols);
+            return Evaluator(context, sheet, row + rowsDown, column, false).evaluateScalar(tree);
+        } catch (const ParseError&) {
+            throw Unsupported{"a formula that cannot be read as the condition of a database function"};
+        }
+    };
     context.spillOf = [this](int sheet, int row, int column, Area& area) {
         const Slot slot = cells.find(sheet, row, column);
         const int formula = slot == noSlot ? -1 : formulaAt(slot);
