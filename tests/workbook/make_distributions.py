@@ -209,7 +209,10 @@ B2: "b"
 =BETA.INV(0,1,1) -> #NUM!
 =BETA.INV(1,2,2) -> #NUM!
 =BETAINV(0.5,0,1) -> #NUM!
-=T.DIST(1,0.5,TRUE) -> #NUM!
+=T.DIST(1,0.5,TRUE) -> #DIV/0!
+=T.DIST(1,0,FALSE) -> #DIV/0!
+=T.DIST(1,-1,TRUE) -> #NUM!
+=NEGBINOM.DIST(10,5,0,TRUE) -> #NUM!
 =T.DIST.RT(1,0) -> #NUM!
 =T.DIST.2T(-1,5) -> #NUM!
 =TDIST(-1,5,1) -> #NUM!

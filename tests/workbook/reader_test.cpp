@@ -172,6 +172,23 @@ TEST(Reader, DoesNotTrustTheSavedValueOfAFormulaItCannotReadWhereSomethingChange
               "else than constants), which is not supported.");
 }
 
+TEST(Reader, TakesRowsThatTheFilterOfATableHidesForFiltered) {
+    Parts parts = minimal(
+        "<row r=\"1\"><c r=\"A1\" t=\"inlineStr\"><is><t>n</t></is></c></row><row r=\"2\"><c "
+        "r=\"A2\"><v>1</v></c></row>"
+        "<row r=\"3\" hidden=\"1\"><c r=\"A3\"><v>2</v></c></row><row r=\"4\" hidden=\"1\"><c "
+        "r=\"A4\"><v>4</v></c></row>");
+    parts["xl/worksheets/_rels/sheet1.xml.rels"] = "<Relationships><Relationship Id=\"t1\" Type=\"" + relationType +
+                                                   "table\" Target=\"../tables/table1.xml\"/></Relationships>";
+    parts["xl/tables/table1.xml"] =
+        "<table displayName=\"T\" ref=\"A1:A3\"><autoFilter ref=\"A1:A3\"><filterColumn colId=\"0\"/></autoFilter>"
+        "<tableColumns><tableColumn name=\"n\"/></tableColumns></table>";
+    const auto book = readPackage(zipped(parts), "Book.xlsx");
+    const RawSheet& sheet = book->sheets[0];
+    EXPECT_EQ(sheet.hiddenRows, (std::vector<bool>{false, false, true, true}));
+    EXPECT_EQ(sheet.filteredRows, (std::vector<bool>{false, false, true, false}));
+}
+
 TEST(Reader, AcceptsPrefixedElementsAndAnyCaseOfPartNames) {
     Parts parts = minimal("");
     parts["xl/worksheets/sheet1.xml"] =

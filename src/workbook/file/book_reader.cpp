@@ -198,6 +198,7 @@ struct BookReader {
                 table.headerRows + table.totalsRows > table.area.rows()) {
                 package.fail(relation.target, "the table's rows do not fit its range");
             }
+            markFilteredRows(child(node, "autoFilter"), book.sheets[static_cast<std::size_t>(sheet)]);
             book.tables.push_back(std::move(table));
         }
     }

@@ -255,15 +255,18 @@ void readSheet(const Package& package, const std::string& part, const SharedText
     }
     SheetReader reader{package, part, texts, sheet, "c", {}, -1, -1};
     reader.readRows(child(root, "sheetData"));
-    const pugi::xml_node filter = child(root, "autoFilter");
+    markFilteredRows(child(root, "autoFilter"), sheet);
+}
+
+void markFilteredRows(pugi::xml_node filter, RawSheet& sheet) {
     Area filtered;
-    if (child(filter, "filterColumn") && parseArea(attribute(filter, "ref").value(), filtered)) {
-        sheet.filteredRows.resize(sheet.hiddenRows.size());
-        for (int row = filtered.firstRow; row <= filtered.lastRow; ++row) {
-            if (static_cast<std::size_t>(row) < sheet.hiddenRows.size()) {
-                sheet.filteredRows[static_cast<std::size_t>(row)] = sheet.hiddenRows[static_cast<std::size_t>(row)];
-            }
-        }
+    if (!child(filter, "filterColumn") || !parseArea(attribute(filter, "ref").value(), filtered)) {
+        return;
+    }
+    sheet.filteredRows.resize(sheet.hiddenRows.size());
+    const int end = std::min(filtered.lastRow + 1, static_cast<int>(sheet.hiddenRows.size()));
+    for (int row = filtered.firstRow; row < end; ++row) {
+        sheet.filteredRows[static_cast<std::size_t>(row)] = sheet.hiddenRows[static_cast<std::size_t>(row)];
     }
 }
 

@@ -14,6 +14,8 @@ std::string richText(pugi::xml_node node);
 std::string decodeEscapes(std::string_view text);
 
 void readSheet(const Package& package, const std::string& part, const SharedTexts& texts, RawSheet& sheet);
+/// Marks the hidden rows of a filter in use (of a sheet or a table) as filtered.
+void markFilteredRows(pugi::xml_node filter, RawSheet& sheet);
 /// Rows of saved values of another workbook.
 void readSavedValues(const Package& package, const std::string& part, pugi::xml_node rows, const SharedTexts& texts,
                      RawSheet& sheet);

@@ -240,16 +240,16 @@ constexpr FunctionRow row(std::string_view name, int minArgs, int maxArgs, std::
 constexpr FunctionRow table[] = {
     row("CHOOSECOLS", 2, anyCount, "A", chooseColumns),
     row("CHOOSEROWS", 2, anyCount, "A", chooseRows),
-    row("DROP", 2, 3, "A", part<dropped>),
-    row("EXPAND", 2, 4, "A", expand),
+    row("DROP", 2, 3, "AN", part<dropped>),
+    row("EXPAND", 2, 4, "ANNE", expand),
     row("HSTACK", 1, anyCount, "A", stack<true>),
     row("SEQUENCE", 1, 4, "NNNN", sequence),
-    row("TAKE", 2, 3, "A", part<taken>),
-    row("TOCOL", 1, 3, "A", flatten<true>),
-    row("TOROW", 1, 3, "A", flatten<false>),
+    row("TAKE", 2, 3, "AN", part<taken>),
+    row("TOCOL", 1, 3, "ANB", flatten<true>),
+    row("TOROW", 1, 3, "ANB", flatten<false>),
     row("VSTACK", 1, anyCount, "A", stack<false>),
-    row("WRAPCOLS", 2, 3, "A", wrap<false>),
-    row("WRAPROWS", 2, 3, "A", wrap<true>),
+    row("WRAPCOLS", 2, 3, "ANE", wrap<false>),
+    row("WRAPROWS", 2, 3, "ANE", wrap<true>),
 };
 
 }  // namespace

@@ -24,7 +24,7 @@ double factorial(const double* x, int) {
 
 double doubleFactorial(const double* x, int) {
     const double n = std::trunc(x[0]);
-    if (!(x[0] >= 0) || n > 300) {
+    if (!(n >= -1) || n > 300) {  // (-1)!! is 1
         return nan;
     }
     double product = 1;

@@ -142,7 +142,7 @@ Result<Pair> complexPair(Arguments arguments) {
         return first ? second.error() : first.error();
     }
     if (first->suffix != 0 && second->suffix != 0 && first->suffix != second->suffix) {
-        return ErrorCode::Value;
+        return ErrorCode::Num;
     }
     return Pair{first->value, second->value, first->suffix != 0 ? first->suffix : second->suffix};
 }
@@ -248,7 +248,7 @@ Value foldComplex(const Call& call, Arguments arguments, Complex start, Operatio
         if (!number) {
             error = number.error();
         } else if (total.suffix != 0 && number->suffix != 0 && total.suffix != number->suffix) {
-            error = ErrorCode::Value;
+            error = ErrorCode::Num;
         } else {
             total.value = operation(total.value, number->value);
             total.suffix = total.suffix != 0 ? total.suffix : number->suffix;

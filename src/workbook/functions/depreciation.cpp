@@ -44,11 +44,11 @@ double fixedDecliningBalance(const double* x, int count) {
         return 0;
     }
     const double rate = std::floor((1 - std::pow(salvage / cost, 1 / life)) * 1000 + 0.5) / 1000;
-    double depreciated = 0;
     double amount = cost * rate * months / 12;
+    double left = cost;
     for (double year = 1; year < period; ++year) {
-        depreciated += amount;
-        amount = (cost - depreciated) * rate;
+        left -= amount;
+        amount = left * rate;
     }
     return period > life ? amount * (12 - months) / 12 : amount;
 }

@@ -61,11 +61,8 @@ double binomialInverse(const double* x, int) {
 }
 
 double negativeBinomial(double failures, double successes, double p, bool cumulative) {
-    if (failures < 0 || successes < 1 || !isProbability(p)) {
+    if (failures < 0 || successes < 1 || !isProbability(p) || p == 0) {
         return nan;
-    }
-    if (p == 0) {
-        return 0;
     }
     const NegativeBinomial law(std::trunc(successes), p);
     return cumulative ? cdf(law, std::trunc(failures)) : pdf(law, std::trunc(failures));

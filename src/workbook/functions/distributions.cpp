@@ -144,6 +144,11 @@ double student(const double* x, int) {
     }
     return x[2] != 0 ? studentProbability(x[0], n) : pdf(StudentsT(n), x[0]);
 }
+/// No degrees of freedom, or a part of one: #DIV/0!.
+Value studentValue(Call&, Arguments arguments) {
+    const double x[] = {arguments[0].number(), arguments[1].number(), arguments[2].number()};
+    return std::trunc(x[1]) == 0 && x[1] >= 0 ? Value(ErrorCode::Div0) : Value(student(x, 3));
+}
 double studentRightTail(const double* x, int) {
     const double n = degreesOfFreedom(x[1]);
     return n >= 1 ? studentProbability(-x[0], n) : nan;
@@ -283,7 +288,13 @@ constexpr FunctionRow table[] = {
     numericRow("NORMSDIST", "N", standardNormalProbability),
     numericRow("NORMSINV", "N", standardNormalInverse),
     numericRow("PHI", "N", phi),
-    numericRow("T.DIST", "NNB", student),
+    {.name = "T.DIST",
+     .minArgs = 3,
+     .maxArgs = 3,
+     .kinds = "NNB",
+     .category = Category::Distribution,
+     .function = studentValue,
+     .numeric = student},
     numericRow("T.DIST.2T", "NN", studentTwoTails),
     numericRow("T.DIST.RT", "NN", studentRightTail),
     numericRow("T.INV", "NN", studentInverse),

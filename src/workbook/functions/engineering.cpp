@@ -200,7 +200,7 @@ constexpr FunctionRow table[] = {
     digits("DEC2OCT", 2, fromDecimal<octal.bits>),
     numbers("DELTA", 1, 2, delta, true),
     numbers("ERF", 1, 2, errorFunction, true),
-    numbers("ERF.PRECISE", 1, 1, errorFunction),
+    numbers("ERF.PRECISE", 1, 1, errorFunction, true),
     numbers("ERFC", 1, 1, complementaryErrorFunction, true),
     numbers("ERFC.PRECISE", 1, 1, complementaryErrorFunction),
     numbers("GESTEP", 1, 2, step, true),

@@ -419,7 +419,8 @@ struct DatedFlows {
     std::vector<double> years;
 };
 
-Result<std::vector<double>> numbersOnly(const Call& call, const Argument& argument) {
+/// The numbers of a range or array; a blank cell is a NaN where blanks are allowed, else #VALUE! as texts are.
+Result<std::vector<double>> numbersOnly(const Call& call, const Argument& argument, bool blanksAllowed) {
     if (argument.value.isError()) {
         return argument.value.error();
     }
@@ -432,27 +433,38 @@ Result<std::vector<double>> numbersOnly(const Call& call, const Argument& argume
         if (value.isError()) {
             return value.error();
         }
-        if (!value.isNumber()) {
+        if (!value.isNumber() && !(value.isBlank() && blanksAllowed)) {
             return ErrorCode::Value;
         }
-        numbers.push_back(value.number());
+        numbers.push_back(value.isBlank() ? nan : value.number());
     }
     return numbers;
 }
 
-Result<DatedFlows> datedFlows(const Call& call, const Argument& values, const Argument& dates) {
-    auto amounts = numbersOnly(call, values);
+/// Where blanks are allowed, rows without amount and date are left out; a lone blank counts as 0.
+Result<DatedFlows> datedFlows(const Call& call, const Argument& values, const Argument& dates, bool blanksAllowed) {
+    const auto amounts = numbersOnly(call, values, blanksAllowed);
     if (!amounts) {
         return amounts.error();
     }
-    auto days = numbersOnly(call, dates);
+    const auto days = numbersOnly(call, dates, blanksAllowed);
     if (!days) {
         return days.error();
     }
-    if (amounts->size() != days->size() || amounts->empty()) {
+    if (amounts->size() != days->size()) {
         return ErrorCode::Num;
     }
-    DatedFlows flows{std::move(*amounts), std::move(*days)};
+    const auto numberOrZero = [](double x) { return std::isnan(x) ? 0 : x; };
+    DatedFlows flows;
+    for (std::size_t i = 0; i < amounts->size(); ++i) {
+        if (!std::isnan((*amounts)[i]) || !std::isnan((*days)[i])) {
+            flows.amounts.push_back(numberOrZero((*amounts)[i]));
+            flows.years.push_back(numberOrZero((*days)[i]));
+        }
+    }
+    if (flows.amounts.empty()) {
+        return ErrorCode::Num;
+    }
     const double first = std::trunc(flows.years[0]);
     for (double& day : flows.years) {
         day = std::trunc(day);
@@ -475,16 +487,16 @@ Balance discounted(const DatedFlows& flows, double rateOfReturn) {
 }
 
 Value netPresentValueAtDates(Call& call, Arguments arguments) {
-    const auto flows = datedFlows(call, arguments[1], arguments[2]);
+    const auto flows = datedFlows(call, arguments[1], arguments[2], false);
     if (!flows) {
         return flows.error();
     }
     const double rateOfReturn = arguments[0].number();
-    return rateOfReturn < 0 ? Value(ErrorCode::Num) : Value(discounted(*flows, rateOfReturn).value);
+    return rateOfReturn <= 0 ? Value(ErrorCode::Num) : Value(discounted(*flows, rateOfReturn).value);
 }
 
 Value internalRateAtDates(Call& call, Arguments arguments) {
-    const auto flows = datedFlows(call, arguments[0], arguments[1]);
+    const auto flows = datedFlows(call, arguments[0], arguments[1], true);
     if (!flows) {
         return flows.error();
     }

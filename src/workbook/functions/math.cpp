@@ -85,12 +85,15 @@ Value product(Call& call, Arguments arguments) {
     return error ? Value(*error) : Value(any ? total : 0);
 }
 
-/// SUMX2MY2, SUMX2PY2, SUMXMY2: the sum of `term` over pairs of numbers.
+/// SUMX2MY2, SUMX2PY2, SUMXMY2: the sum of `term` over pairs of numbers; #DIV/0! without any.
 template <double (*term)(double, double)>
 Value sumOfPairs(Call& call, Arguments arguments) {
     const auto pairs = collectPairs(call, arguments[0], arguments[1]);
     if (!pairs) {
         return pairs.error();
+    }
+    if (pairs->first.empty()) {
+        return ErrorCode::Div0;
     }
     double total = 0;
     for (std::size_t i = 0; i < pairs->first.size(); ++i) {

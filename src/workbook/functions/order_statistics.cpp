@@ -107,6 +107,28 @@ Value modes(Call& call, Arguments arguments) {
     return Value::array(static_cast<int>(found.size()), 1, std::vector<Value>(found.begin(), found.end()));
 }
 
+/// The limits of bins: numbers, and 0 for blank cells.
+Result<std::vector<double>> binsOf(const Call& call, const Argument& argument) {
+    if (!argument.value.isReference()) {
+        return numbersOf(call, argument);
+    }
+    const Grid grid = argument.grid(call);
+    if (grid.size() > largestArray) {
+        return ErrorCode::Num;
+    }
+    std::vector<double> bins;
+    for (std::int64_t i = 0; i < grid.size(); ++i) {
+        const Value value = grid.at(i);
+        if (value.isError()) {
+            return value.error();
+        }
+        if (value.isNumber() || value.isBlank()) {
+            bins.push_back(value.isNumber() ? value.number() : 0);
+        }
+    }
+    return bins;
+}
+
 /// FREQUENCY(data, bins): how many numbers are at most each bin's limit and above the next smaller one's, and at last
 /// how many are above all. Bins stay in their order; of equal ones the first counts.
 Value frequency(Call& call, Arguments arguments) {
@@ -114,7 +136,7 @@ Value frequency(Call& call, Arguments arguments) {
     if (!data) {
         return data.error();
     }
-    const auto bins = numbersOf(call, arguments[1]);
+    const auto bins = binsOf(call, arguments[1]);
     if (!bins) {
         return bins.error();
     }

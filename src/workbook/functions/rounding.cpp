@@ -2,6 +2,7 @@
 #include "workbook/functions/rounding.h"
 
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <string>
@@ -22,6 +23,13 @@ const std::array<double, 309> powersOfTen = [] {
     }
     return powers;
 }();
+
+/// The number with 15 significant decimal digits.
+double toFifteenDigits(double number) {
+    char digits[40];
+    std::snprintf(digits, sizeof digits, "%.14e", number);
+    return std::strtod(digits, nullptr);
+}
 
 /// Applies `roundWhole` to the number scaled so that the wanted digit is the units' digit.
 template <class RoundWhole>
@@ -139,8 +147,10 @@ double roundHalfAway(double number, double digits) {
 }
 
 double roundTowardsZero(double number, double digits) {
-    return roundScaled(number, digits, [](double scaled, bool inexact) {
-        return std::trunc(inexact ? snapToWhole(scaled) : scaled) + 0.0;
+    return roundScaled(number, digits, [](double scaled, bool) {
+        // The host looks at 15 digits: only beside a whole number do they tell another story than the number.
+        const bool beside = std::fabs(scaled - std::round(scaled)) <= std::fabs(scaled) * 1e-14;
+        return std::trunc(beside ? toFifteenDigits(scaled) : scaled) + 0.0;
     });
 }
 

@@ -12,7 +12,7 @@ double powerOfTen(int exponent);
 /// a power of ten costs up to an ulp, so that what lies within two ulps of a tie counts as the tie it was meant to be:
 /// ROUND(1.005, 2) is 1.01.
 double roundHalfAway(double number, double digits);
-/// Rounds towards zero at `digits` decimals.
+/// Rounds towards zero at `digits` decimals what 15 significant digits show of the number.
 double roundTowardsZero(double number, double digits);
 /// Rounds away from zero at `digits` decimals.
 double roundAwayFromZero(double number, double digits);

@@ -267,20 +267,20 @@ Value unique(Call& call, Arguments arguments) {
     return places.empty() ? Value(ErrorCode::Calc) : lines.pick(places);
 }
 
-constexpr FunctionRow row(std::string_view name, int minArgs, int maxArgs, Function function) {
+constexpr FunctionRow row(std::string_view name, int minArgs, int maxArgs, std::string_view kinds, Function function) {
     return {.name = name,
             .minArgs = minArgs,
             .maxArgs = maxArgs,
-            .kinds = "A",
+            .kinds = kinds,
             .category = Category::Array,
             .function = function};
 }
 
 constexpr FunctionRow table[] = {
-    row("FILTER", 2, 3, filter),
-    row("SORT", 1, 4, sort),
-    row("SORTBY", 2, anyCount, sortBy),
-    row("UNIQUE", 1, 3, unique),
+    row("FILTER", 2, 3, "A", filter),
+    row("SORT", 1, 4, "A", sort),
+    row("SORTBY", 2, anyCount, "A", sortBy),
+    row("UNIQUE", 1, 3, "ABB", unique),
 };
 
 }  // namespace

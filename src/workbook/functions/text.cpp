@@ -349,7 +349,7 @@ Value numberValue(Call&, Arguments arguments) {
             }
         } else if (c == '%') {
             ++percents;
-        } else if (percents > 0) {
+        } else if (percents > 0 || c == '(' || c == ')') {
             return ErrorCode::Value;
         } else {
             plain.push_back(c);

@@ -85,7 +85,7 @@ Value textBeside(const Call& call, Arguments arguments, bool before) {
     }
     const double instance = arguments.size() > 2 && !arguments[2].missing ? std::trunc(arguments[2].number()) : 1;
     if (instance == 0 || std::fabs(instance) > std::max(utf16Length(text), 1)) {
-        return instance == 0 ? ErrorCode::Value : ErrorCode::NA;
+        return ErrorCode::Value;
     }
     std::vector<Cut> cuts;
     if (std::any_of(delimiters->begin(), delimiters->end(), [](const std::string& d) { return d.empty(); })) {
