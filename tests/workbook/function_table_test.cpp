@@ -72,6 +72,13 @@ TEST(FunctionTable, NumericFormsSurviveExtremeArguments) {
     }
 }
 
+/// Functions of which the host computes a part.
+bool mayRefuse(const FunctionRow& row) {
+    const std::string_view partly[] = {"ASC", "BAHTTEXT", "DBCS", "PHONETIC", "TRIMRANGE"};
+    return row.category == Category::Database || row.name.starts_with("REGEX") ||
+           std::find(std::begin(partly), std::end(partly), row.name) != std::end(partly);
+}
+
 /// Whatever the arguments are, a function gives a value: it neither throws nor runs away.
 TEST(FunctionTable, FunctionsSurviveArgumentsOfEveryKind) {
     CellStore cells;
@@ -108,8 +115,7 @@ TEST(FunctionTable, FunctionsSurviveArgumentsOfEveryKind) {
             try {
                 callRow(cells, *row, arguments);
             } catch (const Unsupported& unsupported) {
-                EXPECT_TRUE(row->category == Category::Database || row->name.starts_with("REGEX"))
-                    << row->name << ": " << unsupported.what;
+                EXPECT_TRUE(mayRefuse(*row)) << row->name << ": " << unsupported.what;
             } catch (...) {
                 ADD_FAILURE() << row->name << " throws with arguments of set " << i;
             }

@@ -83,6 +83,55 @@ Value part(Call& call, Arguments arguments) {
                       [&](int row, int column) { return grid.at(rows->from + row, columns->from + column); });
 }
 
+/// The sides that TRIMRANGE cuts blanks from: 0 none, 1 leading, 2 trailing, 3 both.
+struct Sides {
+    bool leading = false;
+    bool trailing = false;
+};
+std::optional<Sides> sidesAt(Arguments arguments, std::size_t index) {
+    const double code = std::trunc(optionalNumber(arguments, index, 3));
+    if (code < 0 || code > 3) {
+        return std::nullopt;
+    }
+    return Sides{code == 1 || code == 3, code >= 2};
+}
+
+/// TRIMRANGE(range, rows, columns): without the blank rows and columns at its edges; of cells a reference.
+Value trimRange(Call& call, Arguments arguments) {
+    const auto rowSides = sidesAt(arguments, 1);
+    const auto columnSides = sidesAt(arguments, 2);
+    if (!rowSides || !columnSides || arguments[0].value.isError()) {
+        return arguments[0].value.isError() ? arguments[0].value : Value(ErrorCode::Value);
+    }
+    const Grid grid = arguments[0].grid(call);
+    int top = grid.rows();
+    int left = grid.columns();
+    int bottom = -1;
+    int right = -1;
+    grid.forEach([&](const Value& value, int row, int column) {
+        if (!value.isBlank()) {
+            top = std::min(top, row);
+            left = std::min(left, column);
+            bottom = std::max(bottom, row);
+            right = std::max(right, column);
+        }
+    });
+    if (bottom < 0) {
+        throw Unsupported{"TRIMRANGE of blanks alone"};
+    }
+    top = rowSides->leading ? top : 0;
+    bottom = rowSides->trailing ? bottom : grid.rows() - 1;
+    left = columnSides->leading ? left : 0;
+    right = columnSides->trailing ? right : grid.columns() - 1;
+    if (grid.fromCells()) {
+        const Area& all = grid.area();
+        return Value::reference(
+            {{all.sheet, all.firstRow + top, all.firstColumn + left, all.firstRow + bottom, all.firstColumn + right}});
+    }
+    return buildArray(bottom - top + 1, right - left + 1,
+                      [&](int row, int column) { return grid.at(top + row, left + column); });
+}
+
 /// EXPAND(array, rows, columns, pad).
 Value expand(Call& call, Arguments arguments) {
     const Grid grid = arguments[0].grid(call);
@@ -247,6 +296,7 @@ constexpr FunctionRow table[] = {
     row("TAKE", 2, 3, "AN", part<taken>),
     row("TOCOL", 1, 3, "ANB", flatten<true>),
     row("TOROW", 1, 3, "ANB", flatten<false>),
+    row("TRIMRANGE", 1, 3, "RNN", trimRange),
     row("VSTACK", 1, anyCount, "A", stack<false>),
     row("WRAPCOLS", 2, 3, "ANE", wrap<false>),
     row("WRAPROWS", 2, 3, "ANE", wrap<true>),

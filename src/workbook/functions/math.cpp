@@ -69,6 +69,16 @@ Value sum(Call& call, Arguments arguments) {
     return error ? Value(*error) : Value(total);
 }
 
+/// PERCENTOF(part, all): the share that the sum of one has in the sum of the other.
+Value percentOf(Call& call, Arguments arguments) {
+    const Value part = sum(call, arguments.subspan(0, 1));
+    const Value all = sum(call, arguments.subspan(1, 1));
+    if (part.isError() || all.isError()) {
+        return part.isError() ? part : all;
+    }
+    return all.number() == 0 ? Value(ErrorCode::Div0) : Value(part.number() / all.number());
+}
+
 Value sumOfSquares(Call& call, Arguments arguments) {
     double total = 0;
     const auto error = forEachNumber(call, arguments, plainNumbers, [&](double x) { total += x * x; });
@@ -135,6 +145,7 @@ constexpr FunctionRow table[] = {
     {.name = "LOG", .minArgs = 1, .maxArgs = 2, .kinds = "NN", .function = logarithmValue, .numeric = logarithm},
     one("LOG10", decimalLogarithm),
     {.name = "MOD", .minArgs = 2, .maxArgs = 2, .kinds = "NN", .function = moduloValue, .numeric = modulo},
+    {.name = "PERCENTOF", .minArgs = 2, .maxArgs = 2, .kinds = "R", .function = percentOf},
     {.name = "POWER", .minArgs = 2, .maxArgs = 2, .kinds = "NN", .function = powerValue, .numeric = power},
     {.name = "PRODUCT", .minArgs = 1, .maxArgs = anyCount, .kinds = "R", .function = product},
     {.name = "QUOTIENT",
