@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include "common/cell_names.h"
 #include "workbook/evaluation/allowance.h"
 #include "workbook/values/value.h"
 
