@@ -10,6 +10,23 @@ namespace quorva::workbook {
 
 namespace {
 
+/// A lambda holds its scope, whose variables may be lambdas, and so on without end: what becomes free with the first
+/// waits until that is gone, instead of going deeper into the stack.
+void destroyLambda(Body* body) {
+    thread_local std::vector<std::unique_ptr<LambdaBody>> waiting;
+    thread_local bool emptying = false;
+    waiting.emplace_back(static_cast<LambdaBody*>(body));
+    if (emptying) {
+        return;
+    }
+    emptying = true;
+    while (!waiting.empty()) {
+        const std::unique_ptr<LambdaBody> last = std::move(waiting.back());
+        waiting.pop_back();
+    }
+    emptying = false;
+}
+
 Value power(double base, double exponent) {
     if (base == 0 && exponent == 0) {
         return ErrorCode::Num;
@@ -60,6 +77,18 @@ Value concatenate(const Value& left, const Value& right) {
 }
 
 }  // namespace
+
+Scope::~Scope() {
+    // A chain of scopes may be longer than the stack is deep: one after the other.
+    while (outer && outer.use_count() == 1) {
+        const std::shared_ptr<Scope> last = std::move(outer);
+        outer = std::move(last->outer);
+    }
+}
+
+Value lambdaValue(const Node& definition, std::shared_ptr<Scope> scope) {
+    return Value::adopt(Value::Type::Lambda, new LambdaBody(definition, std::move(scope), destroyLambda));
+}
 
 double EvaluationContext::nextRandom() {
     const auto rotate = [](std::uint64_t x, int k) { return (x << k) | (x >> (64 - k)); };
@@ -330,15 +359,15 @@ Value Evaluator::invoke(const Value& lambda, std::span<const Value> arguments) {
     if (arguments.size() > parameters.size()) {
         return ErrorCode::Value;
     }
-    std::shared_ptr<const Scope> inner = body->scope;
+    std::shared_ptr<Scope> inner = body->scope;
     for (std::size_t i = 0; i < parameters.size(); ++i) {
         const bool optional = parameters[i] < 0;
         const bool omitted = i >= arguments.size();
         if (omitted && !optional) {
             return ErrorCode::Value;
         }
-        inner = std::make_shared<const Scope>(
-            Scope{optional ? ~parameters[i] : parameters[i], omitted, omitted ? Value() : arguments[i], inner});
+        inner = std::make_shared<Scope>(optional ? ~parameters[i] : parameters[i], omitted,
+                                        omitted ? Value() : arguments[i], inner);
     }
     std::swap(scope, inner);
     const Value held = lambda;

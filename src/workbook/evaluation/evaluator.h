@@ -38,17 +38,25 @@ struct EvaluationContext {
 
 /// Variables of LET and LAMBDA, innermost first.
 struct Scope {
+    Scope(int number, bool left, Value content, std::shared_ptr<Scope> around)
+        : variable(number), omitted(left), value(std::move(content)), outer(std::move(around)) {}
+    ~Scope();
+    Scope(const Scope&) = delete;
+    Scope& operator=(const Scope&) = delete;
+
     int variable;
     bool omitted;
     Value value;
-    std::shared_ptr<const Scope> outer;
+    std::shared_ptr<Scope> outer;
 };
 
+/// A lambda: where it is defined, and the variables that it saw there.
+Value lambdaValue(const Node& definition, std::shared_ptr<Scope> scope);
 struct LambdaBody : Body {
-    LambdaBody(const Node* definition, std::shared_ptr<const Scope> captured, void (*destroyer)(Body*))
-        : Body(destroyer), node(definition), scope(std::move(captured)) {}
+    LambdaBody(const Node& definition, std::shared_ptr<Scope> captured, void (*destroyer)(Body*))
+        : Body(destroyer), node(&definition), scope(std::move(captured)) {}
     const Node* node;
-    std::shared_ptr<const Scope> scope;
+    std::shared_ptr<Scope> scope;
 };
 
 /// Sums and differences as they are, or those that nearly cancel as 0 (closingSum).
@@ -74,7 +82,7 @@ struct Evaluator {
     EvaluationContext& context;
     Call call;
     Mode mode;
-    std::shared_ptr<const Scope> scope;
+    std::shared_ptr<Scope> scope;
 
 private:
     Value unary(const Node& node);

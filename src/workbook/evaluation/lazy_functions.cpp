@@ -108,9 +108,7 @@ Value Evaluator::lazyCall(const Node& node) {
         case LazyFunction::Let:
             return letFunction(node);
         case LazyFunction::Lambda:
-            return Value::adopt(Value::Type::Lambda, new LambdaBody(&node, scope, [](Body* body) {
-                                    delete static_cast<LambdaBody*>(body);
-                                }));
+            return lambdaValue(node, scope);
         case LazyFunction::Map:
             return mapFunction(node);
         case LazyFunction::Reduce:
@@ -299,7 +297,7 @@ Value Evaluator::letFunction(const Node& node) {
     for (std::size_t i = 0; i < node.parameters.size(); ++i) {
         Value value = evaluate(node.children[i]);
         const int variable = node.parameters[i] < 0 ? ~node.parameters[i] : node.parameters[i];
-        scope = std::make_shared<const Scope>(Scope{variable, false, std::move(value), scope});
+        scope = std::make_shared<Scope>(variable, false, std::move(value), scope);
     }
     Value result = evaluate(node.children.back());
     scope = outer;

@@ -6,16 +6,6 @@ namespace quorva::workbook {
 
 namespace {
 constexpr std::size_t longestFormula = 65536;
-constexpr int deepestTree = 4200;  // a chain of operators is a tree as deep as it is long
-
-Node unaryNode(Operator op, Node child) {
-    Node node;
-    node.kind = Node::Kind::Unary;
-    node.op = op;
-    node.depth = child.depth + 1;
-    node.children.push_back(std::move(child));
-    return node;
-}
 
 /// Whether a blank behind the operand can be the intersection operator.
 bool mayBeReference(const Node& node) {
@@ -80,6 +70,32 @@ Node Parser::parse() {
         fail("it goes on where it should end");
     }
     return node;
+}
+
+Node Parser::withDepth(Node node) const {
+    for (const Node& child : node.children) {
+        node.depth = std::max(node.depth, child.depth + 1);
+    }
+    if (node.depth > deepestTree) {
+        fail(tooDeep);
+    }
+    return node;
+}
+
+Node Parser::unaryNode(Operator op, Node child) const {
+    Node node;
+    node.kind = Node::Kind::Unary;
+    node.op = op;
+    node.children.push_back(std::move(child));
+    return withDepth(std::move(node));
+}
+
+Node Parser::lazyNode(LazyFunction function, Node child) const {
+    Node node;
+    node.kind = Node::Kind::LazyCall;
+    node.lazy = function;
+    node.children.push_back(std::move(child));
+    return withDepth(std::move(node));
 }
 
 Node Parser::comparison() {
@@ -162,21 +178,11 @@ Node Parser::unary() {
         }
         signs.push_back(c);
         ++at_;
-        if (signs.size() > 1000) {
-            fail("it has too many signs");
-        }
     }
     Node node = intersection();
     for (auto sign = signs.rbegin(); sign != signs.rend(); ++sign) {
-        if (*sign == '@') {
-            Node single;
-            single.kind = Node::Kind::LazyCall;
-            single.lazy = LazyFunction::Single;
-            single.children.push_back(std::move(node));
-            node = std::move(single);
-        } else {
-            node = unaryNode(*sign == '-' ? Operator::Negate : Operator::Plus, std::move(node));
-        }
+        node = *sign == '@' ? lazyNode(LazyFunction::Single, std::move(node))
+                            : unaryNode(*sign == '-' ? Operator::Negate : Operator::Plus, std::move(node));
     }
     return node;
 }
@@ -228,18 +234,14 @@ Node Parser::unionInParentheses() {
     return node;
 }
 
-Node Parser::binary(Operator op, Node left, Node right) {
+Node Parser::binary(Operator op, Node left, Node right) const {
     Node node;
     node.kind = Node::Kind::Binary;
     node.op = op;
-    node.depth = std::max(left.depth, right.depth) + 1;
-    if (node.depth > deepestTree) {
-        fail("it has too many operators");
-    }
     node.children.reserve(2);
     node.children.push_back(std::move(left));
     node.children.push_back(std::move(right));
-    return node;
+    return withDepth(std::move(node));
 }
 
 /// Reference operators on written references are carried out at once.

@@ -38,7 +38,7 @@ Node Parser::definedName(std::string_view name, int sheet) {
         }
         return constant(Value(ErrorCode::Name));
     }
-    const NameTrail trail{found, trail_, trail_ ? trail_->count : &names_};
+    const NameTrail trail{found, trail_, trail_ ? trail_->count : &names_, depth_};
     int depth = 0;
     for (const NameTrail* at = trail_; at; at = at->outer) {
         if (at->name == found || ++depth > deepestName) {
@@ -93,10 +93,7 @@ Node Parser::invocation(Node callee) {
     node.kind = Node::Kind::Call;
     node.children = callArguments();
     node.children.insert(node.children.begin(), std::move(callee));
-    for (const Node& child : node.children) {
-        node.depth = std::max(node.depth, child.depth + 1);
-    }
-    return node;
+    return withDepth(std::move(node));
 }
 
 /// An identifier that a comma follows: the name of a variable in LET or LAMBDA.
@@ -141,10 +138,9 @@ Node Parser::variablesFunction(LazyFunction function) {
         fail("LET defines no name");
     }
     node.children.push_back(comparison());
-    node.depth = node.children.back().depth + 1;
     expect(')');
     scope_.resize(outer);
-    return node;
+    return withDepth(std::move(node));
 }
 
 Node Parser::call(std::string_view written) {
@@ -155,9 +151,6 @@ Node Parser::call(std::string_view written) {
     Node node;
     node.children = callArguments();
     const int count = static_cast<int>(node.children.size());
-    for (const Node& child : node.children) {
-        node.depth = std::max(node.depth, child.depth + 1);
-    }
     const auto checkCount = [&](int least, int most) {
         if (count < least || count > most) {
             fail(name + " has " + std::to_string(count) + " arguments");
@@ -182,7 +175,7 @@ Node Parser::call(std::string_view written) {
         node.kind = Node::Kind::Unsupported;
         node.text = name == "TABLE" ? "a what-if table" : "the function " + name;
     }
-    return node;
+    return withDepth(std::move(node));
 }
 
 }  // namespace quorva::workbook

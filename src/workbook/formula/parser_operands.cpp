@@ -14,11 +14,7 @@ Node Parser::primary() {
     for (;;) {
         if (peek() == '#' && !(peek(1) >= 'A' && peek(1) <= 'Z')) {
             ++at_;
-            Node spill;
-            spill.kind = Node::Kind::LazyCall;
-            spill.lazy = LazyFunction::AnchorArray;
-            spill.children.push_back(std::move(node));
-            node = std::move(spill);
+            node = lazyNode(LazyFunction::AnchorArray, std::move(node));
         } else if (peek() == '(' && (node.kind == Node::Kind::Call || node.kind == Node::Kind::LazyCall)) {
             node = invocation(std::move(node));
         } else {

@@ -5,11 +5,21 @@
 
 namespace quorva::workbook {
 
+/// How deep the tree of a formula may be, names written out. A chain of operators is a tree as deep as it is long, and
+/// the longest one that fits Excel's 8192 characters has 4095 of them. Everything that walks trees may recurse: a walk
+/// of this depth takes a few MB of the stack at most, with sanitizers too.
+constexpr int deepestTree = 4200;
+/// How deep parentheses, calls and names may stand in each other, in calls of the parser's own: a call of a function
+/// takes two, a parenthesis three. Excel nests 64 functions.
+constexpr int deepestNesting = 600;
+constexpr const char* tooDeep = "it is nested too deeply";
+
 /// The names that are being written out where they stand, innermost first.
 struct NameTrail {
     const RawName* name;
     const NameTrail* outer;
-    int* count;  ///< of all names written out in the formula
+    int* count;   ///< of all names written out in the formula
+    int nesting;  ///< how deep the name stands
 };
 
 inline Node constant(Value value) {
@@ -29,7 +39,7 @@ inline Node unsupported(std::string what) {
 class Parser {
 public:
     Parser(std::string_view text, const FormulaPlace& place, Symbols& symbols, const NameTrail* trail = nullptr)
-        : text_(text), place_(place), symbols_(symbols), trail_(trail) {}
+        : text_(text), place_(place), symbols_(symbols), trail_(trail), depth_(trail ? trail->nesting : 0) {}
     Node parse();
 
 private:
@@ -45,10 +55,14 @@ private:
     bool rowsAhead() const;
     Node rangeOperand();
     Node unionInParentheses();
-    Node binary(Operator op, Node left, Node right);
+    /// The node with its depth: every node that has children goes through here.
+    Node withDepth(Node node) const;
+    Node unaryNode(Operator op, Node child) const;
+    Node lazyNode(LazyFunction function, Node child) const;
+    Node binary(Operator op, Node left, Node right) const;
     Node fold(Operator op, Node left, Node right);
 
-    // operands.cpp: constants, references
+    // parser_operands.cpp: constants, references
     Node primary();
     Node primaryWithoutPostfix();
     Node number();
@@ -71,7 +85,7 @@ private:
     std::string_view token();
     int variable(std::string_view name) const;
 
-    // calls.cpp: names, calls, variables
+    // parser_names_and_calls.cpp: names, calls, variables
     Node definedName(std::string_view name, int sheet);
     Node call(std::string_view name);
     Node functionAsLambda(const std::string& name) const;
@@ -80,7 +94,7 @@ private:
     std::vector<Node> callArguments();
     bool variableAhead(std::string_view& name, bool& optional);
 
-    // structured.cpp: tables
+    // parser_tables.cpp: tables
     Node structured(const RawTable* table);
 
     char peek(std::size_t ahead = 0) const { return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0'; }
@@ -91,8 +105,8 @@ private:
 
     struct Depth {
         explicit Depth(Parser& parser) : parser_(parser) {
-            if (++parser_.depth_ > 300) {
-                parser_.fail("it is nested too deeply");
+            if (++parser_.depth_ > deepestNesting) {
+                parser_.fail(tooDeep);
             }
         }
         ~Depth() { --parser_.depth_; }
@@ -103,9 +117,9 @@ private:
     FormulaPlace place_;
     Symbols& symbols_;
     const NameTrail* trail_ = nullptr;
+    int depth_ = 0;  ///< of the nesting
     int names_ = 0;
     std::size_t at_ = 0;
-    int depth_ = 0;
     int nextVariable_ = 0;
     std::vector<std::pair<std::string, int>> scope_;
 };

@@ -53,7 +53,7 @@ struct Node {
     bool explicitSheet = false;  ///< of a reference: its sheet was written
     bool parenthesised = false;
     bool unread = false;               ///< stands for text that could not be parsed: what it refers to is not known
-    int depth = 1;                     ///< of the tree from here down
+    int depth = 1;                     ///< of the tree from here down; the parser sets its limit
     int index = 0;                     ///< variable or model function
     Value value;                       ///< constant or reference
     const FunctionRow* row = nullptr;  ///< of a call, or of a function that stands for a lambda

@@ -81,7 +81,9 @@ bool Compiler::formula(const Formula& one) {
     formula_ = &one;
     temporaries_ = 0;
     tooManyTemporaries_ = false;
-    if (!one.spill.single() || one.kind == FormulaKind::Array || recalculation_.raw->precisionAsDisplayed) {
+    // A tree so deep would take a temporary for each of its levels: its walk can be spared.
+    if (!one.spill.single() || one.kind == FormulaKind::Array || recalculation_.raw->precisionAsDisplayed ||
+        one.tree.depth >= mostTemporaries) {
         return false;
     }
     const Compiled result = expression(one.tree);
