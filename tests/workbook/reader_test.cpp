@@ -227,6 +227,82 @@ TEST(Reader, NamesThePartAndCellOfBadContent) {
     EXPECT_EQ(refusal(zipped(parts)), "Book.xlsx, xl/worksheets/sheet1.xml: this part is missing.");
 }
 
+/// A book with a table in A1:B3 of its sheet, whose part has these attributes and columns.
+Parts withTable(const std::string& attributes, const std::string& columns = "<tableColumn name=\"a\"/>") {
+    Parts parts = minimal("");
+    parts["xl/worksheets/_rels/sheet1.xml.rels"] = "<Relationships><Relationship Id=\"t1\" Type=\"" + relationType +
+                                                   "table\" Target=\"/xl/tables/table1.xml\"/></Relationships>";
+    parts["xl/tables/table1.xml"] =
+        "<table displayName=\"Sales\" " + attributes + "><tableColumns>" + columns + "</tableColumns></table>";
+    return parts;
+}
+
+TEST(Reader, RefusesNumbersOfTablesThatDoNotFitTheSheet) {
+    const auto refusalOf = [](const std::string& attributes, const std::string& columns = {}) {
+        return refusal(zipped(withTable(attributes, columns)));
+    };
+    EXPECT_EQ(refusalOf("ref=\"A1:B3\" headerRowCount=\"1\" totalsRowCount=\"1\""), "");
+    const std::string part = "Book.xlsx, xl/tables/table1.xml: ";
+    for (const char* rows : {
+             "headerRowCount=\"2147483647\" totalsRowCount=\"2147483647\"",
+             "headerRowCount=\"4294967296\"",
+             "headerRowCount=\"-1\"",
+             "headerRowCount=\"one\"",
+             "headerRowCount=\"2\" totalsRowCount=\"2\"",
+             "totalsRowCount=\"3\"",
+         }) {
+        EXPECT_EQ(refusalOf(std::string("ref=\"A1:B3\" ") + rows), part + "the table's rows do not fit its range.")
+            << rows;
+    }
+    for (const char* range : {"A1:XFE3", "A1:B1048577", "A1:B2147483647", "B3:A1", "A0:B3"}) {
+        EXPECT_EQ(refusalOf(std::string("ref=\"") + range + "\""), part + "the table's range cannot be read.") << range;
+    }
+    std::string columns;
+    for (int i = 0; i < 3; ++i) {
+        columns += "<tableColumn name=\"c" + std::to_string(i) + "\"/>";
+    }
+    EXPECT_EQ(refusalOf("ref=\"XFC1:XFD3\"", columns), part + "the table has more columns than its range.");
+}
+
+TEST(Reader, RefusesIndicesThatStandForNothing) {
+    const std::string sheet = "Book.xlsx, xl/worksheets/sheet1.xml: ";
+    EXPECT_EQ(refusalOfRows("<row r=\"2147483647\"/>"), sheet + "a row numbered \"2147483647\" cannot exist.");
+    EXPECT_EQ(refusalOfRows("<row r=\"1\"><c r=\"B1\" t=\"s\"><v>2147483647</v></c></row>"),
+              sheet + "cell B1: the shared text 2147483647 does not exist.");
+    EXPECT_EQ(refusalOfRows("<row r=\"1\"><c r=\"B1\" t=\"s\"><v>0.5</v></c></row>"),
+              sheet + "cell B1: the shared text 0.5 does not exist.");
+    EXPECT_EQ(refusalOfRows("<row r=\"1\"><c r=\"A1\"><f t=\"shared\" si=\"4294967297\">1</f></c></row>"),
+              sheet + "cell A1: a shared formula numbered \"4294967297\" cannot exist.");
+    Parts parts = minimal("");
+    parts["xl/workbook.xml"] =
+        "<workbook xmlns:r=\"r\"><sheets><sheet name=\"Data\" sheetId=\"2147483647\" r:id=\"s1\"/></sheets>"
+        "<definedNames><definedName name=\"Total\" localSheetId=\"2147483647\">Data!A1</definedName></definedNames>"
+        "</workbook>";
+    EXPECT_EQ(refusal(zipped(parts)),
+              "Book.xlsx, xl/workbook.xml: the name Total belongs to a sheet \"2147483647\" that does not exist.");
+}
+
+TEST(Reader, RefusesSavedValuesOfASheetThatIsNotListed) {
+    Parts parts = minimal("");
+    parts["xl/workbook.xml"] =
+        "<workbook xmlns:r=\"r\"><sheets><sheet name=\"Data\" sheetId=\"1\" r:id=\"s1\"/></sheets>"
+        "<externalReferences><externalReference r:id=\"e1\"/></externalReferences></workbook>";
+    parts["xl/_rels/workbook.xml.rels"] =
+        "<Relationships><Relationship Id=\"s1\" Type=\"" + relationType +
+        "worksheet\" Target=\"/xl/worksheets/sheet1.xml\"/><Relationship Id=\"e1\" Type=\"" + relationType +
+        "externalLink\" Target=\"externalLinks/externalLink1.xml\"/></Relationships>";
+    for (const char* index : {"1", "-1", "2147483647", "4294967296"}) {
+        parts["xl/externalLinks/externalLink1.xml"] =
+            std::string(
+                "<externalLink><externalBook><sheetNames><sheetName val=\"Other\"/></sheetNames>"
+                "<sheetDataSet><sheetData sheetId=\"") +
+            index + "\"/></sheetDataSet></externalBook></externalLink>";
+        EXPECT_EQ(refusal(zipped(parts)),
+                  "Book.xlsx, xl/externalLinks/externalLink1.xml: saved values belong to a sheet that is not listed.")
+            << index;
+    }
+}
+
 TEST(Reader, RefusesEntityDeclarations) {
     Parts parts = minimal("");
     parts["xl/worksheets/sheet1.xml"] = "<!DOCTYPE x [<!ENTITY a \"aaaa\">]><worksheet><sheetData/></worksheet>";

@@ -61,7 +61,6 @@ struct BookReader {
             package.fail(main, "it is not a workbook");
         }
         book.date1904 = isTrue(attribute(child(root, "workbookPr"), "date1904"));
-        book.iterative = isTrue(attribute(child(root, "calcPr"), "iterate"));
         const auto fullPrecision = attribute(child(root, "calcPr"), "fullPrecision");
         book.precisionAsDisplayed = fullPrecision && !isTrue(fullPrecision);
         const auto relations = package.relationships(main);
@@ -79,7 +78,7 @@ struct BookReader {
                 readTables(parts[i], static_cast<int>(i));
             }
         }
-        readNames(root);
+        readNames(root, main);
         int number = 0;
         forEachChild(child(root, "externalReferences"), "externalReference", [&](pugi::xml_node node) {
             readExternal(related(relations, attribute(node, "id").value()), ++number);
@@ -160,12 +159,17 @@ struct BookReader {
         });
     }
 
-    void readNames(pugi::xml_node root) {
+    void readNames(pugi::xml_node root, const std::string& main) {
         forEachChild(child(root, "definedNames"), "definedName", [&](pugi::xml_node node) {
             RawName name;
             name.name = attribute(node, "name").value();
             if (const auto local = attribute(node, "localSheetId")) {
-                name.sheet = local.as_int(-1);
+                const auto sheet = wholeNumber(local.value(), 0, book.ownSheets - 1);
+                if (!sheet) {
+                    package.fail(main, "the name " + name.name + " belongs to a sheet \"" + local.value() +
+                                           "\" that does not exist");
+                }
+                name.sheet = *sheet;
             }
             name.formula = node.child_value();
             if (name.formula.starts_with('=')) {
@@ -189,14 +193,25 @@ struct BookReader {
                 package.fail(relation.target, "the table's range cannot be read");
             }
             table.area.sheet = sheet;
-            table.headerRows = attribute(node, "headerRowCount").as_int(1);
-            table.totalsRows = attribute(node, "totalsRowCount").as_int(0);
+            const auto rowCount = [&](const char* name, int otherwise) {
+                const auto given = attribute(node, name);
+                const auto count =
+                    given ? wholeNumber(given.value(), 0, table.area.rows()) : std::optional<int>(otherwise);
+                if (!count) {
+                    package.fail(relation.target, "the table's rows do not fit its range");
+                }
+                return *count;
+            };
+            table.headerRows = rowCount("headerRowCount", 1);
+            table.totalsRows = rowCount("totalsRowCount", 0);
             forEachChild(child(node, "tableColumns"), "tableColumn", [&](pugi::xml_node column) {
                 table.columns.push_back(decodeEscapes(attribute(column, "name").value()));
             });
-            if (table.headerRows < 0 || table.totalsRows < 0 ||
-                table.headerRows + table.totalsRows > table.area.rows()) {
+            if (table.headerRows + table.totalsRows > table.area.rows()) {
                 package.fail(relation.target, "the table's rows do not fit its range");
+            }
+            if (table.columns.size() > static_cast<std::size_t>(table.area.columns())) {
+                package.fail(relation.target, "the table has more columns than its range");
             }
             markFilteredRows(child(node, "autoFilter"), book.sheets[static_cast<std::size_t>(sheet)]);
             book.tables.push_back(std::move(table));
@@ -216,11 +231,12 @@ struct BookReader {
             book.sheets.push_back({"[" + std::to_string(number) + "]" + attribute(node, "val").value(), {}, {}, {}});
         });
         forEachChild(child(external, "sheetDataSet"), "sheetData", [&](pugi::xml_node node) {
-            const std::size_t index = first + attribute(node, "sheetId").as_uint(0);
-            if (index >= book.sheets.size()) {
+            const auto index =
+                wholeNumber(attribute(node, "sheetId").value(), 0, static_cast<int>(book.sheets.size() - first) - 1);
+            if (!index) {
                 package.fail(part, "saved values belong to a sheet that is not listed");
             }
-            readSavedValues(package, part, node, texts, book.sheets[index]);
+            readSavedValues(package, part, node, texts, book.sheets[first + static_cast<std::size_t>(*index)]);
         });
     }
 };

@@ -1,6 +1,7 @@
 #include "workbook/file/package.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "workbook/values/convert.h"
@@ -93,6 +94,14 @@ pugi::xml_attribute attribute(pugi::xml_node node, std::string_view name) {
         }
     }
     return {};
+}
+
+std::optional<int> wholeNumber(std::string_view text, int least, int most) {
+    const auto number = parsePlainNumber(text);
+    if (!number || *number < least || *number > most || *number != std::floor(*number)) {
+        return std::nullopt;
+    }
+    return static_cast<int>(*number);
 }
 
 bool isTrue(pugi::xml_attribute value) {

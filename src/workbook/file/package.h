@@ -4,6 +4,7 @@
 #include <zip.h>
 #include <pugixml.hpp>
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -45,6 +46,8 @@ private:
 std::string_view localName(const char* name);
 pugi::xml_node child(pugi::xml_node node, std::string_view name);
 pugi::xml_attribute attribute(pugi::xml_node node, std::string_view name);
+/// A whole number that takes up the whole text, from `least` to `most`; nothing when the text is none.
+std::optional<int> wholeNumber(std::string_view text, int least, int most);
 /// "1", "true" and "on".
 bool isTrue(pugi::xml_attribute attribute);
 /// Children of a name, whatever their prefix.

@@ -1,7 +1,7 @@
 #include "workbook/file/sheet_reader.h"
 
 #include <algorithm>
-#include <cmath>
+#include <limits>
 #include <map>
 
 #include "common/cell_names.h"
@@ -25,7 +25,7 @@ struct SheetReader {
     const SharedTexts& texts;
     RawSheet& sheet;
     std::string_view cellTag = "c";
-    std::map<unsigned, SharedFormula> shared;
+    std::map<int, SharedFormula> shared;
     int row = -1;
     int column = -1;
 
@@ -37,11 +37,11 @@ struct SheetReader {
         forEachChild(data, "row", [&](pugi::xml_node node) {
             row += 1;
             if (const auto number = attribute(node, "r")) {
-                const auto parsed = parsePlainNumber(number.value());
-                if (!parsed || *parsed < 1 || *parsed > maxRows || *parsed != std::floor(*parsed)) {
+                const auto parsed = wholeNumber(number.value(), 1, maxRows);
+                if (!parsed) {
                     package.fail(part, std::string("a row numbered \"") + number.value() + "\" cannot exist");
                 }
-                row = static_cast<int>(*parsed) - 1;
+                row = *parsed - 1;
             } else if (row >= maxRows) {
                 package.fail(part, "it has more rows than a sheet can have");
             }
@@ -99,8 +99,8 @@ struct SheetReader {
         }
         cell.hasValue = !(*text == '\0' && saved.first_child().empty() && type != "str");
         if (type == "s") {
-            const auto index = parsePlainNumber(text);
-            if (!index || *index < 0 || *index >= static_cast<double>(texts.size())) {
+            const auto index = wholeNumber(text, 0, static_cast<int>(texts.size()) - 1);
+            if (!index) {
                 fail(std::string("the shared text ") + text + " does not exist");
             }
             cell.value = texts[static_cast<std::size_t>(*index)];
@@ -179,14 +179,17 @@ struct SheetReader {
             cell.formula.erase(0, 1);
         }
         if (type == "shared") {
-            const auto index = attribute(formula, "si");
-            const unsigned number = index.as_uint(0);
+            const std::string_view index = attribute(formula, "si").value();
+            const auto number = wholeNumber(index, 0, std::numeric_limits<int>::max());
+            if (!number) {
+                fail("a shared formula numbered \"" + std::string(index) + "\" cannot exist");
+            }
             if (!cell.formula.empty()) {
-                shared[number] = {cell.formula, row, column};
+                shared[*number] = {cell.formula, row, column};
             } else {
-                const auto found = shared.find(number);
-                if (!index || found == shared.end()) {
-                    fail(std::string("the shared formula ") + index.value() + " does not exist");
+                const auto found = shared.find(*number);
+                if (found == shared.end()) {
+                    fail("the shared formula " + std::string(index) + " does not exist");
                 }
                 cell.formula = found->second.text;
                 cell.shiftRows = row - found->second.row;

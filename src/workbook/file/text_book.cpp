@@ -13,6 +13,7 @@
 #include <algorithm>
 
 #include "common/cell_names.h"
+#include "workbook/values/areas.h"
 #include "workbook/values/convert.h"
 #include "workbook/values/failure.h"
 #include "workbook/values/texts.h"
@@ -59,14 +60,7 @@ struct TextReader {
             found.sheet = sheet(name);
             text = text.substr(mark + 1);
         }
-        const auto colon = text.find(':');
-        if (!parseCellName(text.substr(0, colon), found.firstRow, found.firstColumn)) {
-            fail("a cell cannot be read");
-        }
-        found.lastRow = found.firstRow;
-        found.lastColumn = found.firstColumn;
-        if (colon != std::string_view::npos &&
-            !parseCellName(text.substr(colon + 1), found.lastRow, found.lastColumn)) {
+        if (!parseArea(text, found)) {
             fail("a cell cannot be read");
         }
         return found;

@@ -52,7 +52,6 @@ struct RawBook {
     std::vector<RawName> names;
     std::vector<RawTable> tables;
     bool date1904 = false;
-    bool iterative = false;
     bool precisionAsDisplayed = false;       ///< numbers of formulas are rounded as their cells show them
     std::vector<std::string> numberFormats;  ///< by a cell's style; only read for precision as displayed
     std::string fileName;
