@@ -27,7 +27,9 @@ bool errorFromText(std::string_view text, ErrorCode& code) {
     return false;
 }
 
-Value::Value(std::string text) : type_(Type::Text) { body_ = new TextBody(std::move(text), destroyBody<TextBody>); }
+Value::Value(std::string text)
+    : type_(Type::Text),
+      bits_(std::bit_cast<std::uint64_t>(static_cast<Body*>(new TextBody(std::move(text), destroyBody<TextBody>)))) {}
 
 Value Value::array(int rows, int columns, std::vector<Value> cells) {
     return adopt(Type::Array, new ArrayBody(rows, columns, std::move(cells), destroyBody<ArrayBody>));

@@ -1,6 +1,7 @@
 // The values that formulas work with: numbers, texts, Booleans, errors, blanks, arrays, references and lambdas.
 #pragma once
 
+#include <bit>
 #include <cmath>
 #include <concepts>
 #include <cstdint>
@@ -74,8 +75,8 @@ class Value {
 public:
     enum class Type : std::uint8_t { Blank, Number, Boolean, Error, Text, Array, Reference, Lambda };
 
-    Value() : number_(0) {}
-    Value(double number) : type_(Type::Number), number_(flushDenormal(number)) {
+    Value() = default;
+    Value(double number) : type_(Type::Number), bits_(std::bit_cast<std::uint64_t>(flushDenormal(number))) {
         if (!std::isfinite(number)) {
             type_ = Type::Error;
             error_ = ErrorCode::Num;
@@ -83,10 +84,10 @@ public:
     }
     template <std::integral T>
     requires(!std::same_as<T, bool> && !std::same_as<T, char>) Value(T number)
-        : type_(Type::Number), number_(static_cast<double>(number)) {}
+        : type_(Type::Number), bits_(std::bit_cast<std::uint64_t>(static_cast<double>(number))) {}
     template <std::same_as<bool> T>
-    Value(T boolean) : type_(Type::Boolean), number_(boolean ? 1 : 0) {}
-    Value(ErrorCode error) : type_(Type::Error), error_(error), number_(0) {}
+    Value(T boolean) : type_(Type::Boolean), bits_(std::bit_cast<std::uint64_t>(boolean ? 1.0 : 0.0)) {}
+    Value(ErrorCode error) : type_(Type::Error), error_(error) {}
     Value(std::string text);
     Value(std::string_view text) : Value(std::string(text)) {}
     Value(const char* text) : Value(std::string(text)) {}
@@ -99,20 +100,19 @@ public:
     static Value adopt(Type type, Body* body) {
         Value value;
         value.type_ = type;
-        value.body_ = body;
+        value.bits_ = std::bit_cast<std::uint64_t>(body);
         return value;
     }
 
-    Value(const Value& other) : type_(other.type_), error_(other.error_), number_(other.number_) {
+    Value(const Value& other) : type_(other.type_), error_(other.error_), bits_(other.bits_) {
         if (counted()) {
-            body_ = other.body_;
-            ++body_->owners;
+            ++body()->owners;
         }
     }
-    Value(Value&& other) noexcept : type_(other.type_), error_(other.error_), number_(other.number_) {
+    Value(Value&& other) noexcept : type_(other.type_), error_(other.error_), bits_(other.bits_) {
         if (counted()) {
-            body_ = other.body_;
             other.type_ = Type::Blank;
+            other.bits_ = 0;
         }
     }
     Value& operator=(const Value& other) {
@@ -125,8 +125,8 @@ public:
         return *this;
     }
     ~Value() {
-        if (counted() && --body_->owners == 0) {
-            body_->destroy(body_);
+        if (counted() && --body()->owners == 0) {
+            body()->destroy(body());
         }
     }
 
@@ -143,22 +143,21 @@ public:
     /// Neither array nor reference.
     bool isScalar() const { return type_ != Type::Array && type_ != Type::Reference; }
 
-    /// Defined only for the type named.
-    double number() const { return number_; }
-    bool boolean() const { return number_ != 0; }
+    /// What they say only for the type named; number() is 1 or 0 for Booleans.
+    double number() const { return std::bit_cast<double>(bits_); }
+    bool boolean() const { return number() != 0; }
     ErrorCode error() const { return error_; }
     const std::string& text() const;
     int arrayRows() const;
     int arrayColumns() const;
     const std::vector<Value>& arrayCells() const;
     const std::vector<Area>& areas() const;
-    Body* body() const { return body_; }
+    Body* body() const { return std::bit_cast<Body*>(bits_); }
 
     void swap(Value& other) noexcept {
         std::swap(type_, other.type_);
         std::swap(error_, other.error_);
-        static_assert(sizeof(double) == sizeof(Body*));
-        std::swap(number_, other.number_);
+        std::swap(bits_, other.bits_);
     }
 
 private:
@@ -166,10 +165,7 @@ private:
 
     Type type_ = Type::Blank;
     ErrorCode error_ = ErrorCode::Null;
-    union {
-        double number_;
-        Body* body_;
-    };
+    std::uint64_t bits_ = 0;  ///< of a double, or of a pointer to the contents that are counted
 };
 
 struct TextBody : Body {
@@ -189,12 +185,12 @@ struct ReferenceBody : Body {
     std::vector<Area> areas;
 };
 
-inline const std::string& Value::text() const { return static_cast<TextBody*>(body_)->text; }
-inline bool Value::isReferenceArray() const { return isArray() && static_cast<ArrayBody*>(body_)->ofReferences; }
-inline int Value::arrayRows() const { return static_cast<ArrayBody*>(body_)->rows; }
-inline int Value::arrayColumns() const { return static_cast<ArrayBody*>(body_)->columns; }
-inline const std::vector<Value>& Value::arrayCells() const { return static_cast<ArrayBody*>(body_)->cells; }
-inline const std::vector<Area>& Value::areas() const { return static_cast<ReferenceBody*>(body_)->areas; }
+inline const std::string& Value::text() const { return static_cast<TextBody*>(body())->text; }
+inline bool Value::isReferenceArray() const { return isArray() && static_cast<ArrayBody*>(body())->ofReferences; }
+inline int Value::arrayRows() const { return static_cast<ArrayBody*>(body())->rows; }
+inline int Value::arrayColumns() const { return static_cast<ArrayBody*>(body())->columns; }
+inline const std::vector<Value>& Value::arrayCells() const { return static_cast<ArrayBody*>(body())->cells; }
+inline const std::vector<Area>& Value::areas() const { return static_cast<ReferenceBody*>(body())->areas; }
 
 /// Elements that an array may have; what would be larger is #NUM!.
 constexpr std::int64_t largestArray = 1 << 24;
