@@ -1,4 +1,4 @@
-// The model of make_model.py as one writes it by hand: draws of the standard library, a loop, sums.
+// The model `project` of make_model.py as one writes it by hand: draws of the standard library, a loop, sums.
 // usage: compare_loop normal|mixed ITERATIONS
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-# The model of make_model.py on vectors, an element for each iteration.
+# The model `project` of make_model.py on vectors, an element for each iteration.
 # usage: Rscript project.R normal|mixed ITERATIONS
 arguments <- commandArgs(trailingOnly = TRUE)
 n <- as.integer(arguments[2])

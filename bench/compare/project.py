@@ -1,4 +1,4 @@
-"""The model of make_model.py on vectors, an element for each iteration; draws of SciPy's distributions.
+"""The model `project` of make_model.py on vectors, an element for each iteration; draws of SciPy's distributions.
 
 usage: project.py normal|mixed ITERATIONS
 """

@@ -13,10 +13,10 @@ using quorva::workbook::Book;
 
 std::filesystem::path model(const std::string& kind, int sheets) {
     const std::filesystem::path file =
-        std::filesystem::temp_directory_path() / ("quorva_model_" + kind + "_" + std::to_string(sheets) + ".xlsx");
+        std::filesystem::temp_directory_path() / ("quorva_plant_" + kind + "_" + std::to_string(sheets) + ".xlsx");
     if (!std::filesystem::exists(file)) {
-        const std::string command = "/usr/bin/python3 " QUORVA_SOURCE_DIR "/../shared/bench/make_model.py " + kind +
-                                    " " + std::to_string(sheets) + " " + file.string();
+        const std::string command = "/usr/bin/python3 " QUORVA_SOURCE_DIR "/bench/make_model.py plant " + kind + " " +
+                                    std::to_string(sheets) + " " + file.string();
         if (std::system(command.c_str()) != 0) {
             return {};
         }
