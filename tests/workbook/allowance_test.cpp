@@ -26,6 +26,25 @@ TEST(Allowance, EndsAFormulaThatTakesTooLongAsUnsupported) {
              "LEN(CONCAT(REPT(\"x\",ROW(20001:20100))))",
              "COLUMNS(TEXTSPLIT(REPT(\"a,\",3000),REPT(\",\",ROW(1:1000))))",
              "SUM(SEQUENCE(1000,1000))",
+             // elements that nobody reads
+             "MAP(SEQUENCE(700),LAMBDA(x,ROWS(SEQUENCE(4000,4000))))",
+             "ROWS(SEQUENCE(1001,1000))",
+             "ROWS(RANDARRAY(1001,1000))",
+             "ROWS(EXPAND(1,1001,1000))",
+             "ROWS(MUNIT(1001))",
+             "ROWS(WRAPROWS(1,1000001))",
+             "ROWS(CHOOSEROWS(SEQUENCE(1,1001),SEQUENCE(1000,1,1,0)))",
+             "ROWS(MAKEARRAY(1001,1000,LAMBDA(r,c,1)))",
+             "ROWS(ROW(A1:A1000001))",
+             "LET(a,SEQUENCE(1000),REDUCE(0,SEQUENCE(1001),LAMBDA(s,i,ROWS(INDEX(a,0,1)))))",
+             // texts made one by one
+             "REDUCE(0,SEQUENCE(50),LAMBDA(s,i,LEN(REPT(\"x\",20001))))",
+             "LET(a,REPT(\"x\",20001),REDUCE(0,SEQUENCE(50),LAMBDA(s,i,LEN(a&i))))",
+             // loops as long as an argument says
+             "SUM(VDB(1,0,1000000,0,ROW(1:11)*90000))",
+             "SUM(DB(1000,1,1000000,ROW(1:11)*90000))",
+             "HYPGEOM.DIST(2.5E14,5E14,5E14,1E15,TRUE)",
+             "SUM(PRICE(ROW(1:40),2958465,0.05,0.05,100,4))",
          }) {
         const FormulaCell cell =
             computed("F1: =" + std::string(formula) + "\nA1: 1\nA500: 2\nC1048576: 3\n", 1'000'000);

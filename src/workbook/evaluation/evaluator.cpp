@@ -262,7 +262,9 @@ Value Evaluator::binary(const Node& node, Sums sums) {
         return combine(call, left, right,
                        [&](const Value& a, const Value& b) { return operate(node.op, a, b, call.date1904); });
     }
-    return operate(node.op, left, right, call.date1904, sums);
+    Value result = operate(node.op, left, right, call.date1904, sums);
+    call.spendText(result);
+    return result;
 }
 
 Value Evaluator::referenceOperator(const Node& node) {

@@ -58,7 +58,13 @@ Value callScalars(Call& call, const FunctionRow& row, std::span<Argument> argume
         }
     }
     if (row.function) {
-        return row.function(call, arguments);
+        // Here no function can forget it: the elements and the text that it made are charged.
+        Value result = row.function(call, arguments);
+        if (result.isArray()) {
+            call.spend(static_cast<double>(result.arrayCells().size()));
+        }
+        call.spendText(result);
+        return result;
     }
     boost::container::small_vector<double, 8> numbers;
     for (const Argument& argument : arguments) {
@@ -88,6 +94,7 @@ Value firstCells(const Call& call, const Value& value) {
     if (!value.isReferenceArray()) {
         return value;
     }
+    call.spend(static_cast<double>(value.arrayCells().size()));
     std::vector<Value> cells;
     cells.reserve(value.arrayCells().size());
     for (const Value& one : value.arrayCells()) {
@@ -117,7 +124,6 @@ Value mapFunction(Call& call, const FunctionRow& row, std::span<Argument> argume
                 result = firstCells(call, result);
             }
             cells.push_back(result.isArray() ? result.arrayCells()[0] : std::move(result));
-            call.spendText(cells.back());
         }
     }
     return Value::array(shape.rows, shape.columns, std::move(cells));

@@ -80,7 +80,8 @@ struct Call {
     bool arrayMode = false;  ///< the formula is evaluated as an array: ranges are mapped, not intersected
     struct Evaluator* evaluator = nullptr;
 
-    /// Charges work that is not reading cells: call it before loops and arrays whose length an argument gives.
+    /// Charges work that is not reading cells: call it before loops whose length an argument gives. The elements of
+    /// the array that a table function returns, and its text, are charged where it is called.
     void spend(double steps) const { cells.allowance().spend(static_cast<std::int64_t>(std::min(steps, 9e18))); }
     /// Charges the text, if it is one, that an array keeps.
     void spendText(const Value& value) const {

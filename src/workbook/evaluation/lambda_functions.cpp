@@ -170,6 +170,7 @@ Value Evaluator::makeArrayFunction(const Node& node) {
         return ErrorCode::Num;
     }
     const Value lambda = evaluate(node.children[2]);
+    call.spend(size[0] * size[1]);
     std::vector<Value> cells;
     for (int row = 1; row <= static_cast<int>(size[0]); ++row) {
         for (int column = 1; column <= static_cast<int>(size[1]); ++column) {

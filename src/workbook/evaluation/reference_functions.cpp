@@ -144,6 +144,7 @@ Value Evaluator::indexOne(const Value& base, const Value& row, const Value& colu
     if (!base.isArray()) {
         return base;
     }
+    call.spend(static_cast<double>(rows) * columns);
     Value slice = arraySlice(base, firstRow, firstColumn, rows, columns);
     return rows == 1 && columns == 1 ? slice.arrayCells()[0] : slice;
 }
@@ -306,6 +307,7 @@ Value Evaluator::rowFunction(const Node& node, bool column) {
     if (count == 1 || mode == Mode::Scalar) {
         return first + 1;
     }
+    call.spend(count);
     std::vector<Value> cells;
     for (int i = 0; i < count; ++i) {
         cells.emplace_back(first + i + 1);

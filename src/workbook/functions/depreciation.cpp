@@ -53,6 +53,13 @@ double fixedDecliningBalance(const double* x, int count) {
     return period > life ? amount * (12 - months) / 12 : amount;
 }
 
+Value fixedDecliningBalanceValue(Call& call, Arguments arguments) {
+    call.spend(std::clamp(arguments[3].number(), 0.0, longestLife));
+    double x[5] = {};
+    std::transform(arguments.begin(), arguments.end(), x, [](const Argument& argument) { return argument.number(); });
+    return fixedDecliningBalance(x, static_cast<int>(arguments.size()));
+}
+
 /// DDB: what a balance declining by factor / life loses in one period, never below the salvage value.
 double decliningBalance(double cost, double salvage, double life, double period, double factor) {
     const double rate = std::min(factor / life, 1.0);
@@ -117,7 +124,8 @@ double variableDecliningBalance(const double* x, int count) {
     return left > 0 ? total + balance.next(left) : total;
 }
 
-Value variableDecliningBalanceValue(Call&, Arguments arguments) {
+Value variableDecliningBalanceValue(Call& call, Arguments arguments) {
+    call.spend(std::clamp(arguments[4].number(), 0.0, longestLife));
     double x[7] = {};
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         x[i] = arguments[i].number();
@@ -186,6 +194,7 @@ Value degressiveAccounting(Call& call, Arguments arguments) {
     double amount = whole(asset->cost * rate * (asset->firstPart > 0 ? asset->firstPart : 1));
     double left = asset->cost - amount;
     double depreciable = left - asset->salvage;
+    call.spend(asset->period);
     for (double period = 0; period < asset->period; ++period) {
         amount = whole(rate * left);
         depreciable -= amount;
@@ -219,7 +228,13 @@ constexpr FunctionRow french(std::string_view name, Function function) {
 constexpr FunctionRow table[] = {
     french("AMORDEGRC", degressiveAccounting),
     french("AMORLINC", linearAccounting),
-    numbers("DB", 4, 5, fixedDecliningBalance),
+    {.name = "DB",
+     .minArgs = 4,
+     .maxArgs = 5,
+     .kinds = "N",
+     .category = Category::Finance,
+     .function = fixedDecliningBalanceValue,
+     .numeric = fixedDecliningBalance},
     numbers("DDB", 4, 5, doubleDecliningBalance),
     {.name = "SLN",
      .minArgs = 3,

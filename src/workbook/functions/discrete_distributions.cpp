@@ -131,7 +131,14 @@ double hypergeometric(const double* x, bool cumulative) {
     }
     return left ? std::min(sum, 1.0) : 1 - sum;
 }
-double hypergeometricLaw(const double* x, int) { return hypergeometric(x, x[4] != 0); }
+Value hypergeometricLaw(Call& call, Arguments arguments) {
+    double x[5];
+    std::transform(arguments.begin(), arguments.end(), x, [](const Argument& argument) { return argument.number(); });
+    // A tail is summed over some standard deviations.
+    const double part = x[2] / x[3];
+    call.spend(10 * std::sqrt(std::fabs(x[1] * part * (1 - part))));
+    return hypergeometric(x, x[4] != 0);
+}
 double hypergeometricMassOnly(const double* x, int) { return hypergeometric(x, false); }
 
 constexpr FunctionRow table[] = {
@@ -140,7 +147,12 @@ constexpr FunctionRow table[] = {
     numericRow("BINOM.INV", "NNN", binomialInverse),
     numericRow("BINOMDIST", "NNNB", binomial),
     numericRow("CRITBINOM", "NNN", binomialInverse),
-    numericRow("HYPGEOM.DIST", "NNNNB", hypergeometricLaw),
+    {.name = "HYPGEOM.DIST",
+     .minArgs = 5,
+     .maxArgs = 5,
+     .kinds = "NNNNB",
+     .category = Category::Distribution,
+     .function = hypergeometricLaw},
     numericRow("HYPGEOMDIST", "NNNN", hypergeometricMassOnly),
     numericRow("NEGBINOM.DIST", "NNNB", negativeBinomialLaw),
     numericRow("NEGBINOMDIST", "NNN", negativeBinomialMass),

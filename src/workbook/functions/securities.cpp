@@ -77,6 +77,7 @@ Result<Coupons> coupons(const Call& call, double settlement, double maturity, do
             break;
         }
     }
+    call.spend(paper.count);  // who asks for the coupons adds them up
     paper.next = *couponDate(paper.maturity, paper.count - 1, f, call.date1904);
     paper.elapsed = daysBetween(paper.previous, paper.settlement, *basis, call.date1904);
     paper.period = *basis == Basis::ActualActual ? paper.next - paper.previous
