@@ -83,11 +83,6 @@ void CellStore::markSubtotal(Slot slot) {
     subtotals_[slot] = true;
 }
 
-void CellStore::markFormula(Slot slot) {
-    formulas_.resize(numbers_.size());
-    formulas_[slot] = true;
-}
-
 CellCursor::CellCursor(const CellStore& cells, const Area& area)
     : cells_(&cells),
       index_(&cells.sheet(area.sheet)),

@@ -77,8 +77,6 @@ public:
     /// True for the cell of a formula that SUBTOTAL or AGGREGATE heads (they leave each other out).
     bool isSubtotal(Slot slot) const { return static_cast<std::size_t>(slot) < subtotals_.size() && subtotals_[slot]; }
     void markSubtotal(Slot slot);
-    bool isFormula(Slot slot) const { return static_cast<std::size_t>(slot) < formulas_.size() && formulas_[slot]; }
-    void markFormula(Slot slot);
     double* numbers() { return numbers_.data(); }
     /// Numbers behind the cells for a compiled program; the first one's slot.
     Slot appendScratch(std::size_t count);
@@ -107,7 +105,6 @@ private:
     std::vector<double> numbers_;
     std::vector<Value> others_;
     std::vector<bool> subtotals_;
-    std::vector<bool> formulas_;
     mutable Allowance allowance_;
 };
 

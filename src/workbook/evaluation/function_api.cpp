@@ -145,27 +145,18 @@ Value callFunction(Call& call, const FunctionRow& row, std::span<Argument> argum
                 }
                 argument.value = several && !call.arrayMode ? intersectReference(call, argument.value)
                                                             : readReference(call, argument.value);
-                argument.reference = true;
             }
-            if (argument.value.isArray()) {
-                const Shape own = shapeOf(argument.value);
-                shape = {std::max(shape.rows, own.rows), std::max(shape.columns, own.columns)};
-                mapped = true;
-            }
-        } else if (kind == 'C' || (kind == 'F' && argument.value.isReferenceArray())) {
-            if (kind == 'C') {
-                argument.value = firstCells(call, argument.value);
-            }
-            if (argument.value.isArray()) {
-                const Shape own = shapeOf(argument.value);
-                shape = {std::max(shape.rows, own.rows), std::max(shape.columns, own.columns)};
-                mapped = true;
-            }
-        } else if (argument.value.isReference() || (argument.value.isArray() && kind != 'F')) {
+        } else if (kind == 'C') {
+            argument.value = firstCells(call, argument.value);
+        } else if (kind != 'F') {
             refuseReferenceArray(argument.value);
-            argument.reference = true;
-        } else if (kind == 'F') {
+        } else if (!argument.value.isReference() && !argument.value.isReferenceArray()) {
             return argument.value.isError() ? argument.value : Value(ErrorCode::Value);
+        }
+        if (isMappedKind(kind) && argument.value.isArray()) {
+            const Shape own = shapeOf(argument.value);
+            shape = {std::max(shape.rows, own.rows), std::max(shape.columns, own.columns)};
+            mapped = true;
         }
     }
     return mapped ? mapFunction(call, row, arguments, shape) : callScalars(call, row, arguments);
@@ -195,27 +186,8 @@ Value Argument::scalar(const Call& call) const {
     return value;
 }
 
-Result<std::optional<double>> directNumber(const Argument& argument, NumberRule rule) {
-    const Value& value = argument.value;
-    switch (value.type()) {
-        case Value::Type::Number:
-            return std::optional(value.number());
-        case Value::Type::Boolean:
-            return rule.directBooleans ? std::optional(value.number()) : std::optional<double>();
-        case Value::Type::Blank:
-            return std::optional(0.0);
-        case Value::Type::Error:
-            return value.error();
-        case Value::Type::Text: {
-            if (!rule.directText) {
-                return std::optional<double>();
-            }
-            const auto number = toNumber(value);
-            return number ? Result<std::optional<double>>(std::optional(*number)) : number.error();
-        }
-        default:
-            return ErrorCode::Value;
-    }
+Result<double> directNumber(const Argument& argument) {
+    return argument.value.isLambda() ? Result<double>(ErrorCode::Value) : toNumber(argument.value);
 }
 
 Result<std::vector<double>> collectNumbers(const Call& call, Arguments arguments, NumberRule rule) {

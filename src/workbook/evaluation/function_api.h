@@ -101,8 +101,7 @@ struct Call {
 
 struct Argument {
     Value value;
-    bool missing = false;    ///< written as empty: ROUND(1.5,)
-    bool reference = false;  ///< it came from a reference (or an array of more than one value), not typed directly
+    bool missing = false;  ///< written as empty: ROUND(1.5,)
 
     double number() const { return value.number(); }
     bool boolean() const { return value.boolean(); }
@@ -121,8 +120,6 @@ Value callFunction(Call& call, const FunctionRow& row, std::span<Argument> argum
 
 /// Which values of an argument count as numbers.
 struct NumberRule {
-    bool directText = true;        ///< a text typed directly is read as a number (else #VALUE!)
-    bool directBooleans = true;    ///< a Boolean typed directly counts as 1 or 0
     bool rangeBooleans = false;    ///< Booleans in ranges and arrays count as 1 or 0 (else left out)
     bool rangeTextIsZero = false;  ///< texts in ranges and arrays count as 0 (else left out)
     bool skipErrors = false;       ///< errors are left out instead of ending the walk
@@ -130,22 +127,18 @@ struct NumberRule {
 constexpr NumberRule plainNumbers{};                                             ///< SUM, AVERAGE, STDEV ...
 constexpr NumberRule allValues{.rangeBooleans = true, .rangeTextIsZero = true};  ///< AVERAGEA, STDEVA ...
 
-using NumberVisitor = std::function<void(double)>;
-
-/// The number that one value typed directly stands for; nothing for what is left out.
-Result<std::optional<double>> directNumber(const Argument& argument, NumberRule rule);
+/// The number that one value typed directly stands for: a text is read, a Boolean counts as 1 or 0.
+Result<double> directNumber(const Argument& argument);
 
 /// Calls visit(double) for every number of the argument, in order; the first error found ends the walk.
 template <class Visit>
 std::optional<ErrorCode> forEachNumber(const Call& call, const Argument& argument, NumberRule rule, Visit&& visit) {
     if (argument.value.isScalar()) {
-        const auto number = directNumber(argument, rule);
+        const auto number = directNumber(argument);
         if (!number) {
             return rule.skipErrors && argument.value.isError() ? std::nullopt : std::optional(number.error());
         }
-        if (*number) {
-            visit(**number);
-        }
+        visit(*number);
         return std::nullopt;
     }
     std::optional<ErrorCode> error;

@@ -19,7 +19,6 @@ public:
 
     const FunctionRow* function(std::string_view name) const { return functions_->find(name); }
     int sheet(std::string_view name) const;  ///< -1 when there is none
-    int ownSheets() const { return book_->ownSheets; }
     const RawName* name(std::string_view name, int sheet) const;
     const RawTable* table(std::string_view name) const;
     const RawTable* tableAt(int sheet, int row, int column) const;

@@ -139,8 +139,7 @@ Value count(Call& call, Arguments arguments) {
     std::int64_t total = 0;
     for (const Argument& argument : arguments) {
         if (argument.value.isScalar()) {
-            const auto number = directNumber(argument, plainNumbers);
-            total += number && *number ? 1 : 0;
+            total += directNumber(argument) ? 1 : 0;
         } else {
             forEachValue(call, argument, [&](const Value& value) { total += value.isNumber() ? 1 : 0; });
         }

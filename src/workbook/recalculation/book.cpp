@@ -194,11 +194,6 @@ void Book::attach() {
     recalculation.unprepare();
 }
 
-void Book::detach() {
-    contents_->recalculation.module.reset();
-    contents_->recalculation.unprepare();
-}
-
 void Book::seed(std::uint64_t seed) { contents_->recalculation.context.seedRandom(seed); }
 void Book::recalculate() { contents_->recalculation.recalculate(); }
 

@@ -84,8 +84,6 @@ public:
 
     /// Makes this book the one that Excel4v answers for and runs xlAutoOpen of the linked module.
     void attach();
-    /// Lets go of the module; the destructor does so too.
-    void detach();
     /// One recalculation: every volatile and model cell and what depends on them, dependencies first. The first one
     /// prepares the program; throws Failure when the part that has to run has a cycle or something unsupported.
     void recalculate();

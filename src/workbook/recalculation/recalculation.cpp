@@ -192,7 +192,6 @@ void Recalculation::addFormulas() {
             const Node& tree = formula.tree;
             formula.subtotal =
                 tree.kind == Node::Kind::TableCall && (tree.row->name == "SUBTOTAL" || tree.row->name == "AGGREGATE");
-            cells.markFormula(own);
             if (formula.subtotal) {
                 cells.markSubtotal(own);
             }

@@ -247,10 +247,7 @@ std::vector<Section> parse(std::string_view format) {
     while (!format.empty()) {
         if (startsWithWord(format, "[$-F800]") || startsWithWord(format, "[$-F400]")) {  // the system's own formats
             const bool isTime = format[4] == '4';
-            for (Section& system : parse(isTime ? "h:mm:ss AM/PM" : "dddd, mmmm d, yyyy")) {
-                finish(system);
-                return {system};
-            }
+            return parse(isTime ? "h:mm:ss AM/PM" : "dddd, mmmm d, yyyy");
         }
         if (format[0] == ';') {
             sections.emplace_back();
