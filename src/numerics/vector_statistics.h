@@ -4,8 +4,8 @@
 //
 // A NaN observation is counted. Quantiles take it for larger than every number; the minimum and the maximum pass it by
 // unless there is nothing else; mean, variance, standard and mean absolute deviation become NaN; skewness, kurtosis,
-// geometric and harmonic mean become MissingValue; V_Freq finds it equal to nothing. Beside numbers that are all equal
-// it leaves mean, variance and standard deviation as they are.
+// geometric and harmonic mean become MissingValue; V_Freq finds it equal to nothing. Beside
+// numbers that are all equal it is no different.
 #pragma once
 
 namespace quorva {
