@@ -10,15 +10,13 @@ namespace {
 /// Keeps the temporaries of a host call while it lasts, and gives them back.
 class CallInProgress {
 public:
-    CallInProgress() : around_(scratch().beginCall()) {}
-    ~CallInProgress() { scratch().endCall(around_); }
+    CallInProgress() : scratch_(ScratchPools::instance().forThread(currentThreadId())), around_(scratch_.beginCall()) {}
+    ~CallInProgress() { scratch_.endCall(around_); }
     CallInProgress(const CallInProgress&) = delete;
     CallInProgress& operator=(const CallInProgress&) = delete;
 
 private:
-    // Asked for twice: other threads' first calls may move the slots in between.
-    static ThreadScratch& scratch() { return ScratchPools::instance().forThread(currentThreadId()); }
-
+    ThreadScratch& scratch_;
     ThreadScratch::Kept around_;
 };
 

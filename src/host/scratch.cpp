@@ -1,7 +1,7 @@
 #include "host/scratch.h"
 
 #include <algorithm>
-#include <utility>
+#include <iterator>
 
 namespace quorva {
 
@@ -23,28 +23,9 @@ char* ThreadScratch::keepText(std::string_view text) {
     return buffer.data();
 }
 
-ThreadScratch::Kept ThreadScratch::beginCall() {
-    const Kept around = kept_;
-    kept_ = {inUse_, texts_.size()};
-    return around;
-}
+void ThreadScratch::dropTexts() { texts_.resize(kept_.texts); }
 
-void ThreadScratch::endCall(Kept around) {
-    kept_ = around;
-    inUse_ = around.values;
-    texts_.resize(around.texts);
-}
-
-void ThreadScratch::takeOver(ThreadScratch& other) {
-    owner_ = other.owner_;
-    block_ = std::move(other.block_);
-    kept_ = other.kept_;
-    inUse_ = kept_.values;
-    // Texts stay until the thread's next host call: the host may be reading them.
-    texts_ = std::move(other.texts_);
-}
-
-ScratchPools::ScratchPools() : slots_(std::make_unique<ThreadScratch[]>(firstCapacity)) {}
+ScratchPools::ScratchPools() { addSlots(firstCapacity); }
 
 ScratchPools& ScratchPools::instance() {
     static ScratchPools& pools = *new ScratchPools;
@@ -52,26 +33,24 @@ ScratchPools& ScratchPools::instance() {
 }
 
 ThreadScratch& ScratchPools::forThread(std::uint32_t thread) {
-    for (int i = 0; i < inUse_; ++i) {
-        if (slots_[i].owner() == thread) {
-            return slots_[i];
+    for (std::size_t i = 0; i < inUse_; ++i) {
+        if (slots_[i]->owner() == thread) {
+            return *slots_[i];
         }
     }
-    if (inUse_ == capacity_) {
-        grow();
+    if (inUse_ == slots_.size()) {
+        for (const auto& slot : slots_) {
+            slot->forget();
+        }
+        addSlots(slots_.size());
     }
-    ThreadScratch& slot = slots_[inUse_++];
+    ThreadScratch& slot = *slots_[inUse_++];
     slot.claim(thread);
     return slot;
 }
 
-void ScratchPools::grow() {
-    auto larger = std::make_unique<ThreadScratch[]>(static_cast<std::size_t>(2 * capacity_));
-    for (int i = 0; i < capacity_; ++i) {
-        larger[i].takeOver(slots_[i]);
-    }
-    slots_ = std::move(larger);
-    capacity_ *= 2;
+void ScratchPools::addSlots(std::size_t count) {
+    std::generate_n(std::back_inserter(slots_), count, [] { return std::make_unique<ThreadScratch>(); });
 }
 
 }  // namespace quorva

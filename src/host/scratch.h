@@ -36,15 +36,27 @@ public:
     };
     /// A host call begins: what is in use now stays until it ends, even when the host calls back and the call-back
     /// calls the host. Returns what the calls around it are using.
-    Kept beginCall();
+    Kept beginCall() {
+        const Kept around = kept_;
+        kept_ = {inUse_, texts_.size()};
+        return around;
+    }
     /// It has ended: gives back what has been taken since `around` was in use.
-    void endCall(Kept around);
+    void endCall(Kept around) {
+        kept_ = around;
+        inUse_ = around.values;
+        if (texts_.size() > around.texts) {
+            dropTexts();
+        }
+    }
 
-    /// Takes owner and memory of another slot; nothing but what calls in progress are using counts as in use
-    /// afterwards.
-    void takeOver(ThreadScratch& other);
+    /// Nothing but what calls in progress are using counts as in use afterwards. Texts stay until the thread's next
+    /// host call: the host may be reading them.
+    void forget() { inUse_ = kept_.values; }
 
 private:
+    void dropTexts();
+
     using Block = std::array<XLOPER, values>;
     using TextBuffer = std::array<char, 256>;
 
@@ -63,19 +75,18 @@ public:
     /// The pools of this process; made on first use, never destroyed, because the host may call until the very end.
     static ScratchPools& instance();
 
-    /// The slot of a thread, claimed on its first call; doubles the slots when none is free.
+    /// The slot of a thread, claimed on its first call; doubles the slots when none is free. It stays where it is.
     ThreadScratch& forThread(std::uint32_t thread);
 
-    int inUse() const { return inUse_; }
-    int capacity() const { return capacity_; }
+    std::size_t inUse() const { return inUse_; }
+    std::size_t capacity() const { return slots_.size(); }
 
 private:
-    void grow();
+    void addSlots(std::size_t count);
 
-    static constexpr int firstCapacity = 4;
-    int inUse_ = 0;
-    int capacity_ = firstCapacity;
-    std::unique_ptr<ThreadScratch[]> slots_;
+    static constexpr std::size_t firstCapacity = 4;
+    std::size_t inUse_ = 0;
+    std::vector<std::unique_ptr<ThreadScratch>> slots_;
 };
 
 }  // namespace quorva

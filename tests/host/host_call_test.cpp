@@ -132,7 +132,7 @@ TEST_F(Bridge, AFifthThreadWorksBesideFourOthers) {
             callHost(777, nullptr, const_cast<XLOPER*>(block));
         }).join();
     }
-    EXPECT_GE(ScratchPools::instance().capacity(), 8);
+    EXPECT_GE(ScratchPools::instance().capacity(), 8u);
     for (std::size_t i = 0; i < blocks.size(); ++i) {
         EXPECT_NE(blocks[i], nullptr);
         for (std::size_t k = 0; k < i; ++k) {

@@ -59,8 +59,8 @@ TEST(ThreadScratch, KeepsWhatAnOuterCallIsUsing) {
 
 TEST(ScratchPools, StartWithFourFreeSlots) {
     const ScratchPools pools;
-    EXPECT_EQ(pools.capacity(), 4);
-    EXPECT_EQ(pools.inUse(), 0);
+    EXPECT_EQ(pools.capacity(), 4u);
+    EXPECT_EQ(pools.inUse(), 0u);
 }
 
 TEST(ScratchPools, GiveAThreadTheSameSlotEveryTime) {
@@ -69,7 +69,7 @@ TEST(ScratchPools, GiveAThreadTheSameSlotEveryTime) {
     EXPECT_EQ(slot.owner(), 7u);
     pools.forThread(8);
     EXPECT_EQ(&pools.forThread(7), &slot);
-    EXPECT_EQ(pools.inUse(), 2);
+    EXPECT_EQ(pools.inUse(), 2u);
 }
 
 TEST(ScratchPools, DoubleForAFifthThreadAndTheFirstFourKeepTheirBlocks) {
@@ -78,11 +78,11 @@ TEST(ScratchPools, DoubleForAFifthThreadAndTheFirstFourKeepTheirBlocks) {
     for (std::uint32_t thread = 1; thread <= 4; ++thread) {
         blocks.push_back(pools.forThread(thread).allocate());
     }
-    EXPECT_EQ(pools.capacity(), 4);
+    EXPECT_EQ(pools.capacity(), 4u);
 
     XLOPER* fifth = pools.forThread(5).allocate();
-    EXPECT_EQ(pools.capacity(), 8);
-    EXPECT_EQ(pools.inUse(), 5);
+    EXPECT_EQ(pools.capacity(), 8u);
+    EXPECT_EQ(pools.inUse(), 5u);
     for (std::uint32_t thread = 1; thread <= 4; ++thread) {
         ThreadScratch& slot = pools.forThread(thread);
         EXPECT_EQ(slot.owner(), thread);
@@ -106,8 +106,8 @@ TEST(ScratchPools, DoubleAgainForANinthThread) {
     for (std::uint32_t thread = 1; thread <= 9; ++thread) {
         pools.forThread(thread);
     }
-    EXPECT_EQ(pools.capacity(), 16);
-    EXPECT_EQ(pools.inUse(), 9);
+    EXPECT_EQ(pools.capacity(), 16u);
+    EXPECT_EQ(pools.inUse(), 9u);
 }
 
 }  // namespace
