@@ -1,6 +1,7 @@
 #include "workbook/recalculation/program.h"
 
 #include <algorithm>
+#include <boost/container/static_vector.hpp>
 #include <cmath>
 
 #include "workbook/recalculation/recalculation.h"
@@ -34,6 +35,7 @@ bool holds(Operator comparison, double a, double b) {
 }
 
 /// Runs instructions on the numbers of a book. Each method gives false when the cell has to be left to the evaluator.
+/// The methods stay out of line: inlined, they take the registers that the loop over the instructions needs.
 struct Machine {
     Recalculation& recalculation;
     Program& program;
@@ -55,7 +57,7 @@ struct Machine {
         }
     }
 
-    void draw(const Instruction& code) {
+    [[gnu::noinline]] void draw(const Instruction& code) {
         if (drawing != code.a) {
             drawing = code.a;
             beforeDrawing = recalculation.context.random;
@@ -72,7 +74,7 @@ struct Machine {
         return fine;
     }
 
-    bool callNumeric(const Instruction& code) {
+    [[gnu::noinline]] bool callNumeric(const Instruction& code) {
         const CompiledCall& compiled = program.calls[static_cast<std::size_t>(code.a)];
         double arguments[8];
         const int count = static_cast<int>(compiled.operands.size());
@@ -85,7 +87,7 @@ struct Machine {
         return put(code, compiled.row->numeric(arguments, count));
     }
 
-    bool callRow(const Instruction& code) {
+    [[gnu::noinline]] bool callRow(const Instruction& code) {
         const CompiledCall& compiled = program.calls[static_cast<std::size_t>(code.a)];
         Argument arguments[8];
         for (std::size_t i = 0; i < compiled.operands.size(); ++i) {
@@ -107,7 +109,7 @@ struct Machine {
         }
     }
 
-    bool sum(const Instruction& code) {
+    [[gnu::noinline]] bool sum(const Instruction& code) {
         double total = slots[code.b];
         forEachOf(list(code.a), [&](std::ptrdiff_t slot) {
             total += slots[slot];
@@ -116,7 +118,7 @@ struct Machine {
         return put(code, total);
     }
 
-    bool extreme(const Instruction& code, bool largest) {
+    [[gnu::noinline]] bool extreme(const Instruction& code, bool largest) {
         double best = slots[code.b];
         const bool numbers = forEachOf(list(code.a), [&](std::ptrdiff_t slot) {
             const double x = slots[slot];
@@ -127,10 +129,10 @@ struct Machine {
         return numbers;
     }
 
-    bool sumProduct(const Instruction& code) {
-        SlotStretches factors[mostFactors];
+    [[gnu::noinline]] bool sumProduct(const Instruction& code) {
+        boost::container::static_vector<SlotStretches, mostFactors> factors;
         for (std::int32_t k = 0; k < code.count; ++k) {
-            factors[k] = SlotStretches(list(code.a + k));
+            factors.emplace_back(list(code.a + k));
         }
         double total = 0;
         while (factors[0].left() > 0) {
@@ -156,7 +158,7 @@ struct Machine {
         return put(code, total);
     }
 
-    bool presentValue(const Instruction& code) {
+    [[gnu::noinline]] bool presentValue(const Instruction& code) {
         const double step = 1 + slots[code.b];
         if (step == 0 || !finite(step)) {
             return false;
@@ -171,7 +173,7 @@ struct Machine {
         return finite(discount) && discount != 0 && put(code, total);
     }
 
-    bool countIf(const Instruction& code) {
+    [[gnu::noinline]] bool countIf(const Instruction& code) {
         int count = 0;
         const double bound = slots[code.b];
         const bool numbers = forEachOf(list(code.a), [&](std::ptrdiff_t slot) {
@@ -183,7 +185,7 @@ struct Machine {
         return numbers;
     }
 
-    bool model(const Instruction& code) {
+    [[gnu::noinline]] bool model(const Instruction& code) {
         ModelSite& site = program.sites[static_cast<std::size_t>(code.a)];
         Registered& function = *recalculation.module->function(site.function);
         for (const auto& [position, slot] : site.operands) {
@@ -210,129 +212,169 @@ struct Machine {
     }
 
     /// Where the run stopped: at End, or behind an instruction that gave up (`gaveUp`).
-    std::size_t run(std::size_t at, bool& gaveUp);
+    [[gnu::noinline]] std::size_t run(std::size_t at, bool& gaveUp);
 };
 
 std::size_t Machine::run(std::size_t at, bool& gaveUp) {
     const Instruction* const code = program.instructions.data();
-    for (;; ++at) {
-        const Instruction& now = code[at];
-        bool fine = true;
+    const Instruction* next = code + at;
+    for (;; ++next) {
+        const Instruction& now = *next;
+        // A case that goes on continues; one that breaks gives up.
         switch (now.operation) {
             case Operation::Add:
                 slots[now.target] = slots[now.a] + slots[now.b];
-                break;
+                continue;
             case Operation::Subtract:
                 slots[now.target] = slots[now.a] - slots[now.b];
-                break;
+                continue;
             case Operation::Multiply:
-                fine = put(now, slots[now.a] * slots[now.b]);
+                if (put(now, slots[now.a] * slots[now.b])) {
+                    continue;
+                }
                 break;
             case Operation::Divide: {
                 const double divisor = slots[now.b];
-                fine = put(now, slots[now.a] / divisor) && finite(divisor);
+                if (put(now, slots[now.a] / divisor) && finite(divisor)) {
+                    continue;
+                }
                 break;
             }
             case Operation::Power: {
                 const double base = slots[now.a];
-                fine = base != 0 && finite(base) && finite(slots[now.b]) && put(now, raise(base, slots[now.b]));
+                if (base != 0 && finite(base) && finite(slots[now.b]) && put(now, raise(base, slots[now.b]))) {
+                    continue;
+                }
                 break;
             }
             case Operation::Negate:
                 slots[now.target] = -slots[now.a];
-                break;
+                continue;
             case Operation::Percent:
-                fine = put(now, slots[now.a] / 100);
+                if (put(now, slots[now.a] / 100)) {
+                    continue;
+                }
                 break;
             case Operation::ClosingAdd:
-                fine = put(now, closingSum(slots[now.a], slots[now.b]));
+                if (put(now, closingSum(slots[now.a], slots[now.b]))) {
+                    continue;
+                }
                 break;
             case Operation::ClosingSubtract:
-                fine = put(now, closingSum(slots[now.a], -slots[now.b]));
+                if (put(now, closingSum(slots[now.a], -slots[now.b]))) {
+                    continue;
+                }
                 break;
             case Operation::Store:
-                fine = put(now, slots[now.a]);
+                if (put(now, slots[now.a])) {
+                    continue;
+                }
                 break;
             case Operation::Compare:
-                fine = finite(slots[now.a]) && finite(slots[now.b]);
-                slots[now.target] = fine && holds(now.comparison, slots[now.a], slots[now.b]) ? 1 : 0;
+                if (finite(slots[now.a]) && finite(slots[now.b])) {
+                    slots[now.target] = holds(now.comparison, slots[now.a], slots[now.b]) ? 1 : 0;
+                    continue;
+                }
                 break;
             case Operation::And:
             case Operation::Or: {
-                fine = finite(slots[now.a]) && finite(slots[now.b]);
                 const bool a = slots[now.a] != 0;
                 const bool b = slots[now.b] != 0;
                 slots[now.target] = (now.operation == Operation::And ? a && b : a || b) ? 1 : 0;
+                if (finite(slots[now.a]) && finite(slots[now.b])) {
+                    continue;
+                }
                 break;
             }
             case Operation::Copy:
                 slots[now.target] = slots[now.a];
-                break;
+                continue;
             case Operation::Jump:
-                at = static_cast<std::size_t>(now.b) - 1;
-                break;
+                next = code + now.b - 1;
+                continue;
             case Operation::JumpUnless:
-                fine = finite(slots[now.a]);
-                if (fine && slots[now.a] == 0) {
-                    at = static_cast<std::size_t>(now.b) - 1;
+                if (finite(slots[now.a])) {
+                    next = slots[now.a] == 0 ? code + now.b - 1 : next;
+                    continue;
                 }
                 break;
             case Operation::Random:
                 draw(now);
-                break;
+                continue;
             case Operation::Call:
-                fine = callNumeric(now);
+                if (callNumeric(now)) {
+                    continue;
+                }
                 break;
             case Operation::CallRow:
-                fine = callRow(now);
+                if (callRow(now)) {
+                    continue;
+                }
                 break;
             case Operation::Sum:
-                fine = sum(now);
+                if (sum(now)) {
+                    continue;
+                }
                 break;
             case Operation::Smallest:
-                fine = extreme(now, false);
-                break;
             case Operation::Largest:
-                fine = extreme(now, true);
+                if (extreme(now, now.operation == Operation::Largest)) {
+                    continue;
+                }
                 break;
-            case Operation::Minimum:
+            case Operation::Minimum: {
+                const double a = slots[now.a];
+                const double b = slots[now.b];
+                slots[now.target] = b < a ? b : a;
+                if (finite(a) && finite(b)) {
+                    continue;
+                }
+                break;
+            }
             case Operation::Maximum: {
                 const double a = slots[now.a];
                 const double b = slots[now.b];
-                fine = finite(a) && finite(b);
-                slots[now.target] = (now.operation == Operation::Minimum ? b < a : b > a) ? b : a;
+                slots[now.target] = b > a ? b : a;
+                if (finite(a) && finite(b)) {
+                    continue;
+                }
                 break;
             }
             case Operation::SumProduct:
-                fine = sumProduct(now);
+                if (sumProduct(now)) {
+                    continue;
+                }
                 break;
             case Operation::PresentValue:
-                fine = presentValue(now);
+                if (presentValue(now)) {
+                    continue;
+                }
                 break;
             case Operation::CountIf:
-                fine = countIf(now);
+                if (countIf(now)) {
+                    continue;
+                }
                 break;
             case Operation::Model:
-                fine = model(now);
+                if (model(now)) {
+                    continue;
+                }
                 break;
             case Operation::Tree:
-                fine = false;
                 break;
             case Operation::Skip:
                 if (recalculation.computed(now.a)) {
-                    at = static_cast<std::size_t>(now.b) - 1;
+                    next = code + now.b - 1;
                 } else {
                     recalculation.markComputed(now.a);
                 }
-                break;
+                continue;
             case Operation::End:
                 gaveUp = false;
-                return at;
+                return static_cast<std::size_t>(next - code);
         }
-        if (!fine) {
-            gaveUp = true;
-            return at;
-        }
+        gaveUp = true;
+        return static_cast<std::size_t>(next - code);
     }
 }
 

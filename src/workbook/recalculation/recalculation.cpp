@@ -630,30 +630,34 @@ void Recalculation::recalculate() {
 void Recalculation::set(const CellAddress& cell, const Value& value) {
     const Slot slot = cells.findOrAdd(cell.sheet, cell.row, cell.column);
     spillOwner.resize(static_cast<std::size_t>(cells.slotCount()), -1);
+    spillOwner[static_cast<std::size_t>(slot)] = -1;
     const int formula = formulaAt(slot);
     if (formula >= 0) {
-        formulas[static_cast<std::size_t>(formula)].removed = true;
+        Formula& replaced = formulas[static_cast<std::size_t>(formula)];
+        edits_.push_back(replaced.spill);
+        leaveSpill(formula, ownCell(replaced));
+        replaced.removed = true;
         formulaOfSlot_[static_cast<std::size_t>(slot)] = -1;
         connected_ = false;
     }
     cells.set(slot, value);
-    edits_.push_back(cell);
+    edits_.push_back({cell.sheet, cell.row, cell.column, cell.row, cell.column});
 }
 
 /// Formulas downstream of the edited cells have to be computed again.
 void Recalculation::applyEdits() {
     forgetReach();
     relate();
+    const auto edited = [&](const Area& area) {
+        return std::any_of(edits_.begin(), edits_.end(), [&](const Area& edit) { return edit.overlaps(area); });
+    };
     const std::vector<bool> touched = downstream(
         [&](const Formula& formula) {
-            // A #SPILL! may be free now.
-            return formula.kind == FormulaKind::Dynamic && cells.get(formula.slot).isError();
+            // A #SPILL! may be free now, an array may be in the way of a new constant.
+            return formula.kind == FormulaKind::Dynamic &&
+                   (cells.get(formula.slot).isError() || (!formula.spill.single() && edited(formula.spill)));
         },
-        [&](const UsedArea& used) {
-            return std::any_of(edits_.begin(), edits_.end(), [&](const CellAddress& cell) {
-                return used.area.sheet == cell.sheet && used.area.contains(cell.row, cell.column);
-            });
-        });
+        [&](const UsedArea& used) { return edited(used.area); });
     for (const int index : order) {
         if (touched[static_cast<std::size_t>(index)]) {
             formulas[static_cast<std::size_t>(index)].done = false;

@@ -148,7 +148,7 @@ private:
     std::vector<int> styleOfSlot_;  ///< with precision as displayed, of the cells that the file has
     std::vector<UsedArea> areas_;
     std::map<std::array<int, 5>, int> areaNumbers_;
-    std::vector<CellAddress> edits_;
+    std::vector<Area> edits_;
     std::vector<SpillChange> changes_;  ///< of this pass, not settled yet
     std::uint64_t clock_ = 0;           ///< counts computations and changes of spills
     unsigned pass_ = 0;
