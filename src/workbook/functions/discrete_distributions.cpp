@@ -134,9 +134,8 @@ double hypergeometric(const double* x, bool cumulative) {
 Value hypergeometricLaw(Call& call, Arguments arguments) {
     double x[5];
     std::transform(arguments.begin(), arguments.end(), x, [](const Argument& argument) { return argument.number(); });
-    // A tail is summed over some standard deviations.
-    const double part = x[2] / x[3];
-    call.spend(10 * std::sqrt(std::fabs(x[1] * part * (1 - part))));
+    // A tail is summed over some standard deviations; of a sample of n they are no larger than the root of n / 4.
+    call.spend(5 * std::sqrt(std::clamp(x[1], 0.0, wholeLimit)));
     return hypergeometric(x, x[4] != 0);
 }
 double hypergeometricMassOnly(const double* x, int) { return hypergeometric(x, false); }
