@@ -17,26 +17,4 @@ std::u16string wideFromBytes(std::string_view bytes);
 /// Address of an export of the host process's main program, or null.
 void* hostProcessSymbol(const char* name);
 
-/// A loaded module; the module is released with the object.
-class LoadedModule {
-public:
-    /// Loads the file; `loaded()` tells whether that worked and `error()` why not.
-    explicit LoadedModule(const std::string& file);
-    LoadedModule(const LoadedModule&) = delete;
-    LoadedModule& operator=(const LoadedModule&) = delete;
-    ~LoadedModule();
-
-    bool loaded() const { return handle_ != nullptr; }
-    const std::string& error() const { return error_; }
-    /// Address of an export, or null.
-    void* symbol(const char* name) const;
-    /// Keeps the module loaded for the rest of the process.
-    void keep() { keep_ = true; }
-
-private:
-    void* handle_ = nullptr;
-    bool keep_ = false;
-    std::string error_;
-};
-
 }  // namespace quorva

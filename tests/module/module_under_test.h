@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "platform/platform.h"
+#include "loaded_module.h"
 #include "scripted_host.h"
 
 namespace quorva::testing {
@@ -17,12 +17,12 @@ public:
         return module;
     }
 
-    bool exports(const std::string& name) const { return module_.symbol(name.c_str()) != nullptr; }
+    bool exports(const std::string& name) const { return moduleSymbol(module_, name.c_str()) != nullptr; }
 
     /// An export by its name and type, e.g. function<int(int)>("name"). Throws when the module lacks it.
     template <class Function>
     Function* function(const std::string& name) const {
-        void* address = module_.symbol(name.c_str());
+        void* address = moduleSymbol(module_, name.c_str());
         if (!address) {
             throw std::runtime_error("the module does not export " + name);
         }
@@ -30,14 +30,15 @@ public:
     }
 
 private:
-    ModuleUnderTest() : module_(QUORVA_MODULE_FILE) {
-        if (!module_.loaded()) {
-            throw std::runtime_error("cannot load " QUORVA_MODULE_FILE ": " + module_.error());
+    ModuleUnderTest() {
+        std::string error;
+        module_ = loadModule(QUORVA_MODULE_FILE, error);
+        if (!module_) {
+            throw std::runtime_error("cannot load " QUORVA_MODULE_FILE ": " + error);
         }
-        module_.keep();
     }
 
-    LoadedModule module_;
+    void* module_ = nullptr;
 };
 
 }  // namespace quorva::testing

@@ -42,13 +42,6 @@ TEST(Platform, TextThatIsNotUtf8IsReadAsWindows1252) {
     EXPECT_EQ(wideFromBytes("\xED\xA0\x80"), u"\u00ed\u00a0\u20ac") << "nor is half a surrogate pair";
 }
 
-TEST(Platform, AFileThatIsNoModuleIsNotLoaded) {
-    const LoadedModule none("no-such-module");
-    EXPECT_FALSE(none.loaded());
-    EXPECT_NE(none.error(), "");
-    EXPECT_EQ(none.symbol("anything"), nullptr);
-}
-
 TEST(Platform, ASymbolThatTheHostProcessLacksIsNull) { EXPECT_EQ(hostProcessSymbol("no such symbol"), nullptr); }
 
 }  // namespace

@@ -46,18 +46,4 @@ void* hostProcessSymbol(const char* name) {
     return address;
 }
 
-LoadedModule::LoadedModule(const std::string& file) : handle_(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
-    if (!handle_) {
-        error_ = dlerror();
-    }
-}
-
-LoadedModule::~LoadedModule() {
-    if (handle_ && !keep_) {
-        dlclose(handle_);
-    }
-}
-
-void* LoadedModule::symbol(const char* name) const { return handle_ ? dlsym(handle_, name) : nullptr; }
-
 }  // namespace quorva

@@ -22,20 +22,4 @@ void* hostProcessSymbol(const char* name) {
     return reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(nullptr), name));
 }
 
-LoadedModule::LoadedModule(const std::string& file) : handle_(LoadLibraryA(file.c_str())) {
-    if (!handle_) {
-        error_ = "system error " + std::to_string(GetLastError());
-    }
-}
-
-LoadedModule::~LoadedModule() {
-    if (handle_ && !keep_) {
-        FreeLibrary(static_cast<HMODULE>(handle_));
-    }
-}
-
-void* LoadedModule::symbol(const char* name) const {
-    return handle_ ? reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name)) : nullptr;
-}
-
 }  // namespace quorva
