@@ -42,6 +42,18 @@ protected:
     }
 };
 
+// A uniform of 1 would be drawn as the end of the law: infinity for most.
+TEST(Stratum, TheLastOneNeverRoundsToOneAndTheOnlyOneIsTheUniformItself) {
+    for (const int strata : {2, 3, 1000, 65537, 100'000'000}) {
+        EXPECT_EQ(uniformInStratum(1 - 0x1p-53, strata, strata), 1 - 0x1p-53) << strata;
+        EXPECT_EQ(uniformInStratum(0.5, strata, strata), (strata - 0.5) / strata) << strata;
+        EXPECT_EQ(uniformInStratum(0.25, 1, strata), 0.25 / strata) << strata;
+    }
+    for (const double uniform : {0x1p-53, 0.3, 1 - 0x1p-53}) {
+        EXPECT_EQ(uniformInStratum(uniform, 1, 1), uniform);
+    }
+}
+
 TEST_F(LatinHypercube, StrataAreTakenFromTheBottomOfThePermutation) {
     start(1, 4);
     const double first = draw(1);
