@@ -66,6 +66,8 @@ double beta4Variance(const LawParameters& p) { return square(p[2] - p[3]) * beta
 double uniformVariance(const LawParameters& p) { return square(p[0] - p[1]) / 12.0; }
 double discreteUniformVariance(const LawParameters& p) { return (square(p[1] - p[0] + 1.0) - 1.0) / 12.0; }
 
+constexpr int numberWithoutLaw = 34;
+
 }  // namespace
 
 constexpr std::array<Law, lawCount> lawsByIndex{{
@@ -113,7 +115,7 @@ constexpr std::array<Law, lawCount> lawsByIndex{{
     {law::trapezoidal, &laws::trapezoidal, threePointMean, threePointVariance},
     {law::bernoulli, &laws::bernoulli, first, [](const LawParameters& p) { return (1.0 - p[0]) * p[0]; }},
     {law::logNormal2, &laws::logNormal2, first, [](const LawParameters& p) { return square(p[1]); }},
-    {34, nullptr, zero, zero},  // a number without a law
+    {numberWithoutLaw, nullptr, zero, zero},
     {law::arcsine, &laws::arcsine, first, [](const LawParameters& p) { return (1.0 - p[0]) * p[0] / 2.0; }},
 }};
 
@@ -128,8 +130,7 @@ static_assert([] {
     return true;
 }());
 static_assert(std::all_of(lawTable.begin(), lawTable.end(), [](const LawEntry& entry) {
-    return entry.law >= 1 && entry.law <= law::last &&
-           lawsByIndex[static_cast<std::size_t>(entry.law - 1)].functions != nullptr;
+    return entry.law >= 1 && entry.law <= law::last && entry.law != numberWithoutLaw;
 }));
 
 constexpr int meanStatistic = 1;
