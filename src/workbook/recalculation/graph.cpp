@@ -186,38 +186,41 @@ void Recalculation::describeCircle(const std::vector<int>& path, int from) {
     }
 }
 
-/// In the order of calculation: marks the formulas for which `starts` holds, and those that use an area for which
-/// `changed` holds or in which a marked formula has its cell or its spill.
-std::vector<bool> Recalculation::downstream(const std::function<bool(const Formula&)>& starts,
+/// Whether a marked formula has its cell or its spill in the area.
+bool Recalculation::holdsMarked(const Area& area, const std::vector<bool>& marked) const {
+    for (CellCursor cursor(cells, area); cursor.next();) {
+        const int formula = filledBy(cursor.slot());
+        if (formula >= 0 && marked[static_cast<std::size_t>(formula)]) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// In the order of calculation: marks the formulas in `begins`, and those that use an area for which `changed` holds or
+/// in which a marked formula has its cell or its spill.
+std::vector<bool> Recalculation::downstream(const std::vector<bool>& begins,
                                             const std::function<bool(const UsedArea&)>& changed) const {
     std::vector<bool> marked(formulas.size());
     enum : char { Unknown, No, Yes };
     std::vector<char> known(areas_.size(), Unknown);
-    const auto holdsMarked = [&](const UsedArea& used) {
-        const auto isMarked = [&](int formula) { return formula >= 0 && marked[static_cast<std::size_t>(formula)]; };
-        if (isMarked(used.only) || std::any_of(used.spillers.begin(), used.spillers.end(), isMarked)) {
-            return true;
-        }
-        if (!used.area.single()) {
-            for (CellCursor cursor(cells, used.area); cursor.next();) {
-                if (isMarked(formulaAt(cursor.slot()))) {
-                    return true;
-                }
-            }
-        }
-        return false;
+    const auto isMarked = [&](int formula) { return formula >= 0 && marked[static_cast<std::size_t>(formula)]; };
+    const auto touched = [&](const UsedArea& used) {
+        return changed(used) || isMarked(used.only) ||
+               std::any_of(used.spillers.begin(), used.spillers.end(), isMarked) ||
+               (!used.area.single() && holdsMarked(used.area, marked));
     };
     for (const int index : order) {
         const Formula& formula = formulas[static_cast<std::size_t>(index)];
         // What lies in an area comes before what uses it, so that one look at the area tells.
-        marked[static_cast<std::size_t>(index)] =
-            starts(formula) || std::any_of(formula.uses.begin(), formula.uses.end(), [&](int use) {
-                const auto at = static_cast<std::size_t>(use);
-                if (known[at] == Unknown) {
-                    known[at] = changed(areas_[at]) || holdsMarked(areas_[at]) ? Yes : No;
-                }
-                return known[at] == Yes;
-            });
+        marked[static_cast<std::size_t>(index)] = begins[static_cast<std::size_t>(index)] ||
+                                                  std::any_of(formula.uses.begin(), formula.uses.end(), [&](int use) {
+                                                      const auto at = static_cast<std::size_t>(use);
+                                                      if (known[at] == Unknown) {
+                                                          known[at] = touched(areas_[at]) ? Yes : No;
+                                                      }
+                                                      return known[at] == Yes;
+                                                  });
     }
     return marked;
 }
@@ -228,11 +231,11 @@ void Recalculation::markLive() {
         return formula.volatileItself || formula.callsModel ||
                (formula.unread && !formula.removed && toUpper(*formula.text).find("QUORVA_") != std::string::npos);
     });
-    const std::vector<bool> live = downstream(
-        [&](const Formula& formula) {
-            return formula.volatileItself || formula.callsModel || (formula.unread && changing);
-        },
-        [](const UsedArea&) { return false; });
+    std::vector<bool> begins(formulas.size());
+    for (std::size_t i = 0; i < formulas.size(); ++i) {
+        begins[i] = formulas[i].volatileItself || formulas[i].callsModel || (formulas[i].unread && changing);
+    }
+    const std::vector<bool> live = downstream(begins, [](const UsedArea&) { return false; });
     for (const int index : order) {
         formulas[static_cast<std::size_t>(index)].live = live[static_cast<std::size_t>(index)];
     }

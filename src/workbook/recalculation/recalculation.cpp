@@ -459,10 +459,7 @@ void Recalculation::noteFound(Formula& formula, const Area& area) {
 void Recalculation::computeDue(const Area& area) {
     std::vector<int> late;
     cells.forEachSlot(area, [&](int, int, Slot slot) {
-        int formula = formulaAt(slot);
-        if (formula < 0 && static_cast<std::size_t>(slot) < spillOwner.size()) {
-            formula = spillOwner[static_cast<std::size_t>(slot)];
-        }
+        const int formula = filledBy(slot);
         if (formula >= 0 && formulas[static_cast<std::size_t>(formula)].pass != pass_ &&
             (formulas[static_cast<std::size_t>(formula)].live || !formulas[static_cast<std::size_t>(formula)].done)) {
             late.push_back(formula);
@@ -554,17 +551,34 @@ std::vector<bool> Recalculation::outdated(const std::vector<SpillChange>& change
             }
         }
     }
-    return downstream(
-        [&](const Formula& formula) {
-            return std::any_of(formula.uses.begin(), formula.uses.end(),
-                               [&](int use) { return covered[static_cast<std::size_t>(use)] > formula.begun; }) ||
-                   std::any_of(formula.found.begin(), formula.found.end(), [&](const AreaFound& found) {
-                       return std::any_of(changes.begin(), changes.end(), [&](const SpillChange& change) {
-                           return change.when > found.when && change.cells.overlaps(found.area);
-                       });
+    const auto tooEarly = [&](const Formula& formula) {
+        return std::any_of(formula.uses.begin(), formula.uses.end(),
+                           [&](int use) { return covered[static_cast<std::size_t>(use)] > formula.begun; }) ||
+               std::any_of(formula.found.begin(), formula.found.end(), [&](const AreaFound& found) {
+                   return std::any_of(changes.begin(), changes.end(), [&](const SpillChange& change) {
+                       return change.when > found.when && change.cells.overlaps(found.area);
                    });
-        },
-        [](const UsedArea&) { return false; });
+               });
+    };
+    std::vector<bool> begins(formulas.size());
+    for (std::size_t i = 0; i < formulas.size(); ++i) {
+        begins[i] = tooEarly(formulas[i]);
+    }
+    for (;;) {
+        std::vector<bool> marked = downstream(begins, [](const UsedArea&) { return false; });
+        // What formulas have found while they were computed is not among the dependencies.
+        bool complete = true;
+        for (std::size_t i = 0; i < formulas.size() && anyFound_; ++i) {
+            if (!marked[i] && std::any_of(formulas[i].found.begin(), formulas[i].found.end(),
+                                          [&](const AreaFound& found) { return holdsMarked(found.area, marked); })) {
+                begins[i] = true;
+                complete = false;
+            }
+        }
+        if (complete) {
+            return marked;
+        }
+    }
 }
 
 void Recalculation::computeAll() {
@@ -651,13 +665,14 @@ void Recalculation::applyEdits() {
     const auto edited = [&](const Area& area) {
         return std::any_of(edits_.begin(), edits_.end(), [&](const Area& edit) { return edit.overlaps(area); });
     };
-    const std::vector<bool> touched = downstream(
-        [&](const Formula& formula) {
-            // A #SPILL! may be free now, an array may be in the way of a new constant.
-            return formula.kind == FormulaKind::Dynamic &&
-                   (cells.get(formula.slot).isError() || (!formula.spill.single() && edited(formula.spill)));
-        },
-        [&](const UsedArea& used) { return edited(used.area); });
+    std::vector<bool> begins(formulas.size());
+    for (std::size_t i = 0; i < formulas.size(); ++i) {
+        const Formula& formula = formulas[i];
+        // A #SPILL! may be free now, an array may be in the way of a new constant.
+        begins[i] = formula.kind == FormulaKind::Dynamic &&
+                    (cells.get(formula.slot).isError() || (!formula.spill.single() && edited(formula.spill)));
+    }
+    const std::vector<bool> touched = downstream(begins, [&](const UsedArea& used) { return edited(used.area); });
     for (const int index : order) {
         if (touched[static_cast<std::size_t>(index)]) {
             formulas[static_cast<std::size_t>(index)].done = false;

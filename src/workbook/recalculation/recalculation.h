@@ -89,6 +89,11 @@ public:
     int formulaAt(Slot slot) const {
         return static_cast<std::size_t>(slot) < formulaOfSlot_.size() ? formulaOfSlot_[slot] : -1;
     }
+    /// The formula that stands in the cell or has spilled into it, -1 when there is none.
+    int filledBy(Slot slot) const {
+        const int formula = formulaAt(slot);
+        return formula < 0 && static_cast<std::size_t>(slot) < spillOwner.size() ? spillOwner[slot] : formula;
+    }
     /// Finds out what depends on what, unless that is known: `order` and the marks of the formulas.
     void relate() {
         if (!connected_) {
@@ -119,8 +124,9 @@ private:
     void connect();
     void sortFormulas();
     void markLive();
-    std::vector<bool> downstream(const std::function<bool(const Formula&)>& starts,
+    std::vector<bool> downstream(const std::vector<bool>& begins,
                                  const std::function<bool(const UsedArea&)>& changed) const;
+    bool holdsMarked(const Area& area, const std::vector<bool>& marked) const;
     void prepare();
     void listLive();
     void beginPass();
